@@ -1,0 +1,53 @@
+# CheckModule.cmake: what the shared object has to be on the device.
+#
+# MODULE: the shared object, EXPORTS: its version script, READELF: the target's readelf. Checked: it
+# exports exactly the names of the version script, 26 of them; it needs libc and nothing else; it has no
+# text relocations, full RELRO and no executable stack; code and data stay under 48 KiB.
+set(max_bytes 49152)
+
+function(read_elf out)
+  execute_process(COMMAND ${READELF} ${ARGN} ${MODULE} OUTPUT_VARIABLE text RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${READELF} could not read ${MODULE}")
+  endif()
+  set(${out} "${text}" PARENT_SCOPE)
+endfunction()
+
+read_elf(dynamic -W -d)
+string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" needed "${dynamic}")
+if(NOT "${needed}" MATCHES "^\\(NEEDED\\) +Shared library: \\[libc\\.so\\.6\\]$")
+  message(FATAL_ERROR "needs more than libc: ${needed}")
+endif()
+if(dynamic MATCHES "TEXTREL" OR NOT dynamic MATCHES "BIND_NOW")
+  message(FATAL_ERROR "text relocations, or symbols not bound at load time")
+endif()
+
+read_elf(segments -W -l)
+if(NOT segments MATCHES "GNU_RELRO")
+  message(FATAL_ERROR "no read-only relocations")
+endif()
+if(NOT segments MATCHES "GNU_STACK +[x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ RW ")
+  message(FATAL_ERROR "executable stack")
+endif()
+string(REGEX MATCHALL "LOAD +[x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+" loads "${segments}")
+set(bytes 0)
+foreach(load IN LISTS loads)
+  string(REGEX REPLACE ".* ([x0-9a-f]+)$" "\\1" memory "${load}")
+  math(EXPR bytes "${bytes} + ${memory}")
+endforeach()
+if(bytes EQUAL 0 OR bytes GREATER max_bytes)
+  message(FATAL_ERROR "code and data take ${bytes} bytes, allowed are ${max_bytes}")
+endif()
+
+read_elf(symbols -W --dyn-syms)
+string(REGEX MATCHALL "(GLOBAL|WEAK) +DEFAULT +[0-9]+ [^\n]+" defined "${symbols}")
+list(TRANSFORM defined REPLACE ".* +([^ @]+)(@.*)?$" "\\1")
+list(SORT defined)
+file(STRINGS ${EXPORTS} wanted REGEX "^    [A-Za-z_0-9]+;$")
+list(TRANSFORM wanted REPLACE "^ +|;$" "")
+list(SORT wanted)
+list(LENGTH wanted count)
+if(NOT count EQUAL 26 OR NOT "${defined}" STREQUAL "${wanted}")
+  message(FATAL_ERROR "exports\n${defined}\nwanted\n${wanted}")
+endif()
+message(STATUS "26 names exported, ${bytes} of ${max_bytes} bytes")

@@ -1,0 +1,12 @@
+# Compile.cmake: how every target is compiled.
+#
+# Warnings are errors. Floating contraction is off everywhere: a compiler that fuses a multiplication
+# and an addition on its own (GCC does on aarch64) changes scores.
+add_library(stopngo_options INTERFACE)
+target_compile_options(stopngo_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror -ffp-contract=off)
+if(STOPNGO_SANITIZE)
+  target_compile_options(stopngo_options INTERFACE
+    -fsanitize=${STOPNGO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(stopngo_options INTERFACE -fsanitize=${STOPNGO_SANITIZE})
+endif()

@@ -1,0 +1,19 @@
+# Install.cmake: what `cmake --install` puts where, for pkg-config and for CMake's find_package.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS zetstopngo EXPORT zetstopngoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/vel_stopngo.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(STOPNGO_BUILD_TOOLS)
+  install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+configure_file(cmake/zetstopngo.pc.in zetstopngo.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zetstopngo)
+install(EXPORT zetstopngoTargets NAMESPACE zetstopngo:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/zetstopngoConfig.cmake.in zetstopngoConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(zetstopngoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngoConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/zetstopngoConfigVersion.cmake DESTINATION ${package_dir})

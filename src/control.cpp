@@ -1,0 +1,141 @@
+// control.cpp: the variadic code and value protocol of vel_stopngo_control.
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+#include "vel_stopngo.h"
+#include "vel_stopngo_ctx.h"
+
+namespace {
+
+/// How the value of a code is passed and what becomes of it.
+enum class Kind : data_08 {
+  kNone,      ///< no value
+  kWord,      ///< int, stored bit for bit in a 32-bit field
+  kReal,      ///< double, rounded to single precision
+  kPath,      ///< char*, copied
+  kPointer,   ///< object pointer, stored unless null
+  kCallback,  ///< function pointer, stored unless null
+  kLoad,      ///< int*, loads the weights
+  kUpdate,    ///< int*, derives the sizes anew
+};
+
+struct Code {
+  Kind kind;
+  std::size_t field;  ///< offset in the context, where the kind stores something
+};
+
+#define FIELD(name) offsetof(VEL_STOPNGO_CTX, name)
+
+/// Indexed by control code.
+constexpr Code kCodes[VEL_CTRL_STOPNGO_MAX] = {
+    /* END */ {Kind::kNone, 0},
+    /* SET_CLASSIFY_PATH */ {Kind::kPath, FIELD(classify_path)},
+    /* LOAD_CLASSIFY */ {Kind::kLoad, 0},
+    /* SET_TIME_BEEPING */ {Kind::kWord, FIELD(TimeBeeping)},
+    /* SET_TIME_COOLING */ {Kind::kWord, FIELD(TimeCooling)},
+    /* SET_TIME_LEAVING */ {Kind::kWord, FIELD(TimeLeaving)},
+    /* SET_CLASSIFIY_THRESHOLD */ {Kind::kReal, FIELD(Classifiy)},
+    /* INPUT_WIDTH */ {Kind::kWord, FIELD(EndXInput)},
+    /* INPUT_HEIGHT */ {Kind::kWord, FIELD(EndYInput)},
+    /* ROI_X */ {Kind::kWord, FIELD(ROI_X)},
+    /* ROI_Y */ {Kind::kWord, FIELD(ROI_Y)},
+    /* ROI_WIDTH */ {Kind::kWord, FIELD(EndX)},
+    /* ROI_HEIGHT */ {Kind::kWord, FIELD(EndY)},
+    /* SET_SCALE */ {Kind::kWord, FIELD(Scale)},
+    /* SET_FRAME_SKIP */ {Kind::kWord, FIELD(FrameSkip)},
+    /* SET_GAP_OP */ {Kind::kWord, FIELD(GapOp)},
+    /* SET_FILTER */ {Kind::kWord, FIELD(Filter)},
+    /* SET_LOG */ {Kind::kWord, FIELD(Log)},
+    /* SET_BLOCK_SIZE */ {Kind::kWord, FIELD(BlockSize)},
+    /* SET_FEATURES_COUNT */ {Kind::kWord, FIELD(Features)},
+    /* SET_HIDDENS_COUNT */ {Kind::kWord, FIELD(Hiddens)},
+    /* UPDATE_PARAMS */ {Kind::kUpdate, 0},
+    /* SET_EVENT_CALLBACK */ {Kind::kCallback, FIELD(event_callback)},
+    /* DEBUG_FB */ {Kind::kPointer, FIELD(debug_fb)},
+    /* LCD_WIDTH */ {Kind::kWord, FIELD(debug_fb_width)},
+    /* LCD_HEIGHT */ {Kind::kWord, FIELD(debug_fb_height)},
+    /* SET_ORIGINAL_SIZE */ {Kind::kWord, FIELD(originalSize)},
+    /* SET_EVENT_CALLBACK_ARGS */ {Kind::kPointer, FIELD(callback_param)},
+};
+
+#undef FIELD
+
+template <typename Value>
+void Store(VEL_STOPNGO_CTX& ctx, std::size_t field, Value value) {
+  std::memcpy(reinterpret_cast<char*>(&ctx) + field, &value, sizeof value);
+}
+
+template <typename Pointer>
+void StoreUnlessNull(VEL_STOPNGO_CTX& ctx, std::size_t field, Pointer pointer) {
+  if (pointer != nullptr) Store(ctx, field, pointer);
+}
+
+void SetPath(VEL_STOPNGO_CTX& ctx, NAME_08* path) {
+  if (path == nullptr) return;
+  const std::size_t length = strnlen(path, kPathCapacity - 1);
+  std::memmove(ctx.classify_path, path, length);
+  ctx.classify_path[length] = '\0';
+}
+
+void LoadWeights(VEL_STOPNGO_CTX& ctx, int* result) {
+  if (result == nullptr) return;
+  *result = Classify_Load_(ctx.classify_path, ctx.Weight, ctx.Features_2, ctx.Hiddens);
+  std::printf("load classify. path:%s, feature:%d, hidden:%d, result:%d\n", ctx.classify_path,
+              static_cast<int>(ctx.Features_2), static_cast<int>(ctx.Hiddens), *result);
+}
+
+/// Takes the code's value off the list and applies it.
+void Apply(VEL_STOPNGO_CTX& ctx, Code code, va_list* list) {
+  switch (code.kind) {
+    case Kind::kNone:
+      break;
+    case Kind::kWord:
+      Store(ctx, code.field, va_arg(*list, int));
+      break;
+    case Kind::kReal:
+      Store(ctx, code.field, static_cast<real_32>(va_arg(*list, double)));
+      break;
+    case Kind::kPath:
+      SetPath(ctx, va_arg(*list, NAME_08*));
+      break;
+    case Kind::kPointer:
+      StoreUnlessNull(ctx, code.field, va_arg(*list, void*));
+      break;
+    case Kind::kCallback:
+      StoreUnlessNull(ctx, code.field, va_arg(*list, VEL_STIOPNGO_EVENT_CALLBACK));
+      break;
+    case Kind::kLoad:
+      LoadWeights(ctx, va_arg(*list, int*));
+      break;
+    case Kind::kUpdate:
+      if (va_arg(*list, int*) != nullptr) vel_stopngo_update_params(&ctx);
+      break;
+  }
+}
+
+}  // namespace
+
+extern "C" int vel_stopngo_control(void* ctx_t, VEL_CTRL_STOPNGO type, ...) {
+  auto* ctx = static_cast<VEL_STOPNGO_CTX*>(ctx_t);
+  // Negative codes are large ones here, and out of range too.
+  auto code = static_cast<data_32>(type);
+  if (ctx == nullptr || code >= VEL_CTRL_STOPNGO_MAX) return -1;
+
+  va_list list;
+#if defined(__clang__)
+#pragma clang diagnostic push
+// The enumeration's type is fixed at 32 bits: promoted or not, it is passed in the same way.
+#pragma clang diagnostic ignored "-Wvarargs"
+#endif
+  va_start(list, type);
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
+  while (code != VEL_CTRL_STOPNGO_END) {
+    if (code < VEL_CTRL_STOPNGO_MAX) Apply(*ctx, kCodes[code], &list);
+    code = static_cast<data_32>(va_arg(list, int));
+  }
+  va_end(list);
+  return 0;
+}

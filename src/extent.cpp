@@ -1,0 +1,75 @@
+// extent.cpp: whether a frame can be processed without leaving a buffer.
+#include "extent.h"
+
+#include <algorithm>
+
+#include "classification.h"
+#include "mirror.h"
+#include "saturate.h"
+
+namespace {
+
+/// Bytes of an analysis buffer that crop and filter touch.
+std::uint64_t CropExtent(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input) {
+  const std::uint64_t Whole = std::uint64_t{ctx.EndY} * ctx.EndX;
+  const bool Cropped = Input.Source.Rows != nullptr;
+  const bool Filtered =
+      (ctx.Filter == 1 && ctx.EndX > 3 && ctx.EndY > 3) || (ctx.Filter == 2 && ctx.EndX > 4 && ctx.EndY > 4);
+  return Cropped || Filtered ? Whole : 0;
+}
+
+/// Whether block matching stays inside two buffers of Size bytes. The search goes up to 4 + 2 + 1 pixels
+/// from a block, on both axes; positions are linear offsets, so the first block bounds the reads from
+/// below and the last one from above.
+bool MatchingFits(const VEL_STOPNGO_CTX& ctx, std::uint64_t Size) {
+  constexpr std::uint64_t kReach = 7;
+  if (ctx.NumY == 0 || ctx.NumX == 0 || ctx.BlockSize == 0) return true;
+  const std::uint64_t BlockSize = ctx.BlockSize;
+  const std::uint64_t EndX = ctx.EndX;
+  const std::uint64_t Runs = (BlockSize + 7) / 8 * 8;
+  const std::uint64_t ReachStep = kReach * EndX + kReach;
+  if (BlockSize * EndX + BlockSize < ReachStep) return false;
+  const std::uint64_t LastRow = SaturatingMultiply(ctx.NumY, BlockSize);
+  const std::uint64_t LastColumn = SaturatingMultiply(ctx.NumX, BlockSize);
+  const std::uint64_t LastBlock = SaturatingAdd(SaturatingMultiply(LastRow, EndX), LastColumn);
+  const std::uint64_t Patch = (BlockSize - 1) * EndX + Runs;
+  return SaturatingAdd(LastBlock, SaturatingAdd(ReachStep, Patch)) <= Size;
+}
+
+/// Whether Count features from Start on lie inside the context's own array. As addresses: the pointers
+/// may have been derived from a count out of capacity.
+bool FeaturesFit(const VEL_STOPNGO_CTX& ctx, const real_32* Start, std::uint64_t Count) {
+  const std::uint64_t Offset =
+      reinterpret_cast<std::uintptr_t>(Start) - reinterpret_cast<std::uintptr_t>(ctx.Feature);
+  return SaturatingAdd(Offset, Count * sizeof(real_32)) <= sizeof ctx.Feature;
+}
+
+const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, std::uint64_t Size) {
+  const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
+  const std::uint64_t Cells = std::uint64_t{ctx.SumY} * ctx.SumX;
+  if (Blocks > kMotionCapacity / 2) return "more blocks than the motion field holds";
+  if (!MatchingFits(ctx, Size)) return "block matching would leave the analysis buffers";
+  if (Cells > kMotionCapacity / 24) return "more cells than the motion field holds vectors for";
+  if (Cells > kChunkCapacity / 4) return "more cells than the histogram holds";
+  if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";
+  if (!FeaturesFit(ctx, ctx.FeatureOld, ctx.Features) || !FeaturesFit(ctx, ctx.FeatureNew, ctx.Features)) {
+    return "features do not fit the feature vector";
+  }
+  if (ctx.Features_2 > kFeatureCapacity) return "more inputs than the feature vector holds";
+  if (NetworkLength(ctx.Features_2, ctx.Hiddens) > kWeightCapacity) return "network larger than the weights";
+  return nullptr;
+}
+
+}  // namespace
+
+const char* RefusalReason(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input, const BufferSizes& Sizes,
+                          bool FirstFrame, bool Analyse) {
+  const std::uint64_t Frame = std::uint64_t{Input.EndY} * Input.EndX;
+  if (SamplingExtent(Input.Source, ctx.EndY, ctx.EndX, Input.EndX) > Frame) {
+    return "region reaches outside the frame";
+  }
+  if (CropExtent(ctx, Input) > Sizes.Current) return "region does not fit the analysis buffer";
+  if (FirstFrame) return nullptr;
+  if (MirrorExtent(ctx) > Sizes.Current) return "debug mirror reads outside the analysis buffer";
+  return Analyse ? AnalysisRefusal(ctx, std::min(Sizes.Current, Sizes.Previous)) : nullptr;
+}

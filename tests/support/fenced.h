@@ -1,0 +1,30 @@
+// fenced.h: memory that ends where mapped memory ends, with an unmapped page before it too.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace test {
+
+/// Size bytes, zeroed, whose end is the start of an unmapped page: one byte too many is a fault. An empty
+/// one has no memory. Large ones take address space only, until they are touched.
+class Fenced {
+ public:
+  explicit Fenced(std::size_t size);
+  ~Fenced();
+  Fenced(const Fenced&) = delete;
+  Fenced& operator=(const Fenced&) = delete;
+
+  [[nodiscard]] bool Mapped() const { return mapping_ != nullptr; }
+  [[nodiscard]] std::uint8_t* Data() const { return data_; }
+  [[nodiscard]] std::span<std::uint8_t> Bytes() const { return {data_, size_}; }
+
+ private:
+  std::size_t size_;
+  std::size_t mapping_size_;
+  void* mapping_;
+  std::uint8_t* data_ = nullptr;
+};
+
+}  // namespace test
