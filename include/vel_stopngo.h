@@ -152,14 +152,16 @@ VEL_STOPNGO_API int vel_stopngo_update_params(VEL_STOPNGO_CTX* ctx);
 
 /* One motion vector a block of BlockSize pixels, by a three-step search for the block of ImageNew in
  * ImageOld. MotionVector receives NumY × NumX pairs (down, right), each -7 … 7. The first block lies
- * at (BlockSize, BlockSize); rows are EndX bytes apart. Both images extend at least 7 pixels, and a
- * row's rounding up to 8 pixels, around every block, as linear offsets. */
+ * at (BlockSize, BlockSize); rows are EndX bytes apart. The blocks, their
+ * rows rounded up to 8 pixels, lie inside both images, and 7 pixels more on every side inside ImageOld, all
+ * as linear offsets. */
 VEL_STOPNGO_API void Block_Match_TSS_(const uint8_t* ImageOld, const uint8_t* ImageNew, int8_t* MotionVector,
                                       uint32_t BlockSize, uint32_t NumY, uint32_t NumX, uint32_t EndX);
 
 /* Sums the vectors of every cell of 3 × 4 blocks by direction. Vector: 24 × NumY × NumX entries, cell
  * counts NumY and NumX, rows of 4 × NumX vectors. Chunk receives {down, right, up, left} a cell. */
-VEL_STOPNGO_API void Block_Local_Histogram_(const int8_t* Vector, int8_t* Chunk, uint32_t NumY, uint32_t NumX);
+VEL_STOPNGO_API void Block_Local_Histogram_(const int8_t* Vector, int8_t* Chunk, uint32_t NumY,
+                                            uint32_t NumX);
 
 /* Reads (Inputs + 2) × Hiddens + 1 little-endian floats from a file into Weight: a row of Inputs a
  * hidden node, the hidden biases, the output weights, the output bias. Returns 0 when all arrived,
@@ -172,7 +174,8 @@ VEL_STOPNGO_API void Classify_Conversion_(const int8_t* Input, float* Output, ui
 
 /* The perceptron's score of Inputs features, 0.000337958336 … 0.999662042. Weight is laid out as in
  * the file of Classify_Load_. A null pointer gives 0. */
-VEL_STOPNGO_API float Classify_Feature_(const float* Feature, const float* Weight, uint32_t Inputs, uint32_t Hiddens);
+VEL_STOPNGO_API float Classify_Feature_(const float* Feature, const float* Weight, uint32_t Inputs,
+                                        uint32_t Hiddens);
 
 /* Copies or magnifies the area of Input (EndY rows of EndX bytes) that starts at Source_Location[0],
  * Source_Location[1] into Output, which is as large as Location. Ratio, tenths: 0 copies; 2, 4, 5, 6,
@@ -185,25 +188,28 @@ VEL_STOPNGO_API void Image_Cropping_(const uint8_t* Input, uint8_t* Output, cons
  * (original_width 1920) or 1280 × 720 (any other) into Output, which is as large as Location. Ratio
  * 0, 2, 4, 6, 8 sample ever smaller centred parts; any other leaves Output alone. EndX is the distance
  * between rows of Input in bytes; EndY is not read. */
-VEL_STOPNGO_API void Image_Original_Cropping_(uint32_t original_width, uint32_t original_height, const uint8_t* Input,
-                                              uint8_t* Output, const uint32_t Source_L[4], const uint32_t Location[4],
+VEL_STOPNGO_API void Image_Original_Cropping_(uint32_t original_width, uint32_t original_height,
+                                              const uint8_t* Input, uint8_t* Output,
+                                              const uint32_t Source_L[4], const uint32_t Location[4],
                                               uint32_t Ratio, int32_t Flip, uint32_t EndY, uint32_t EndX);
 
 /* Keeps every second or third pixel and row. EndY × EndX is the size of Output; Input's rows are 2 or
  * 3 × EndX bytes long. Output may be the same buffer as Input. */
-VEL_STOPNGO_API void Image_Subsampling_2_(const uint8_t* Input, uint8_t* Output, uint32_t EndY, uint32_t EndX);
-VEL_STOPNGO_API void Image_Subsampling_3_(const uint8_t* Input, uint8_t* Output, uint32_t EndY, uint32_t EndX);
+VEL_STOPNGO_API void Image_Subsampling_2_(const uint8_t* Input, uint8_t* Output, uint32_t EndY,
+                                          uint32_t EndX);
+VEL_STOPNGO_API void Image_Subsampling_3_(const uint8_t* Input, uint8_t* Output, uint32_t EndY,
+                                          uint32_t EndX);
 
 /* The rectangle Location of Input (EndY rows of EndX bytes) without every second row: half the rows,
  * rounded down, all the columns. */
-VEL_STOPNGO_API void Image_Cropping_2_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4], int32_t Flip,
-                                       uint32_t EndY, uint32_t EndX);
+VEL_STOPNGO_API void Image_Cropping_2_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4],
+                                       int32_t Flip, uint32_t EndY, uint32_t EndX);
 
 /* The rectangle Location, in coordinates of the image subsampled by 2 or 3, from the full Input. */
-VEL_STOPNGO_API void Image_ROI_2_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4], int32_t Flip,
-                                  uint32_t EndY, uint32_t EndX);
-VEL_STOPNGO_API void Image_ROI_3_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4], int32_t Flip,
-                                  uint32_t EndY, uint32_t EndX);
+VEL_STOPNGO_API void Image_ROI_2_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4],
+                                  int32_t Flip, uint32_t EndY, uint32_t EndX);
+VEL_STOPNGO_API void Image_ROI_3_(const uint8_t* Input, uint8_t* Output, const uint32_t Location[4],
+                                  int32_t Flip, uint32_t EndY, uint32_t EndX);
 
 /* Turns Image upside down in place. Buffer: EndX bytes of scratch. */
 VEL_STOPNGO_API void Image_Flipping_(uint8_t* Image, uint8_t* Buffer, uint32_t EndY, uint32_t EndX);
@@ -211,7 +217,8 @@ VEL_STOPNGO_API void Image_Flipping_(uint8_t* Image, uint8_t* Buffer, uint32_t E
 /* Replaces every pixel of the rectangle Location of Image by its exclusive or with Mark, a packed
  * image of the rectangle's size. Mark may lie inside Image: bytes are then taken one after the other,
  * in order, as they are at that moment. */
-VEL_STOPNGO_API void Image_Marking_(uint8_t* Image, const uint8_t* Mark, const uint32_t Location[4], uint32_t EndX);
+VEL_STOPNGO_API void Image_Marking_(uint8_t* Image, const uint8_t* Mark, const uint32_t Location[4],
+                                    uint32_t EndX);
 
 /* 3 × 3 median in place: windows see the pixels that were already replaced. The outermost Skip rows
  * and columns (1 when Skip is not positive) stay; images of 3 rows or columns or fewer stay whole. */
@@ -219,7 +226,8 @@ VEL_STOPNGO_API void image_median_filter(uint8_t* Image, int Skip, uint32_t Widt
 
 /* 5 × 5 Gaussian in place, results rounded down to multiples of 10: windows see the pixels that were
  * already replaced. The outermost Skip rows and columns (2 when Skip is less) stay. */
-VEL_STOPNGO_API void image_gaussian_blur_filter(uint8_t* Image, uint32_t Skip, uint32_t Width, uint32_t Height);
+VEL_STOPNGO_API void image_gaussian_blur_filter(uint8_t* Image, uint32_t Skip, uint32_t Width,
+                                                uint32_t Height);
 
 /* Sorts npix bytes ascending. */
 VEL_STOPNGO_API void pixel_qsort(uint8_t* pix_arr, int npix);

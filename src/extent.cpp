@@ -1,8 +1,6 @@
 // extent.cpp: whether a frame can be processed without leaving a buffer.
 #include "extent.h"
 
-#include <algorithm>
-
 #include "classification.h"
 #include "mirror.h"
 #include "saturate.h"
@@ -18,10 +16,10 @@ std::uint64_t CropExtent(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input) {
   return Cropped || Filtered ? Whole : 0;
 }
 
-/// Whether block matching stays inside two buffers of Size bytes. The search goes up to 4 + 2 + 1 pixels
-/// from a block, on both axes; positions are linear offsets, so the first block bounds the reads from
-/// below and the last one from above.
-bool MatchingFits(const VEL_STOPNGO_CTX& ctx, std::uint64_t Size) {
+/// Whether block matching stays inside the buffers. The search goes up to 4 + 2 + 1 pixels from a block, on
+/// both axes and in the previous frame alone; positions are linear offsets, so the first block bounds the
+/// reads from below and the last one from above.
+bool MatchingFits(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
   constexpr std::uint64_t kReach = 7;
   if (ctx.NumY == 0 || ctx.NumX == 0 || ctx.BlockSize == 0) return true;
   const std::uint64_t BlockSize = ctx.BlockSize;
@@ -32,30 +30,32 @@ bool MatchingFits(const VEL_STOPNGO_CTX& ctx, std::uint64_t Size) {
   const std::uint64_t LastRow = SaturatingMultiply(ctx.NumY, BlockSize);
   const std::uint64_t LastColumn = SaturatingMultiply(ctx.NumX, BlockSize);
   const std::uint64_t LastBlock = SaturatingAdd(SaturatingMultiply(LastRow, EndX), LastColumn);
-  const std::uint64_t Patch = (BlockSize - 1) * EndX + Runs;
-  return SaturatingAdd(LastBlock, SaturatingAdd(ReachStep, Patch)) <= Size;
+  const std::uint64_t LastPatch = SaturatingAdd(LastBlock, (BlockSize - 1) * EndX + Runs);
+  return LastPatch <= Sizes.Current && SaturatingAdd(LastPatch, ReachStep) <= Sizes.Previous;
 }
 
 /// Whether Count features from Start on lie inside the context's own array. As addresses: the pointers
 /// may have been derived from a count out of capacity.
 bool FeaturesFit(const VEL_STOPNGO_CTX& ctx, const real_32* Start, std::uint64_t Count) {
+  if (Count == 0) return true;
   const std::uint64_t Offset =
       reinterpret_cast<std::uintptr_t>(Start) - reinterpret_cast<std::uintptr_t>(ctx.Feature);
   return SaturatingAdd(Offset, Count * sizeof(real_32)) <= sizeof ctx.Feature;
 }
 
-const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, std::uint64_t Size) {
+const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
   const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
   const std::uint64_t Cells = std::uint64_t{ctx.SumY} * ctx.SumX;
   if (Blocks > kMotionCapacity / 2) return "more blocks than the motion field holds";
-  if (!MatchingFits(ctx, Size)) return "block matching would leave the analysis buffers";
+  if (!MatchingFits(ctx, Sizes)) return "block matching would leave the analysis buffers";
   if (Cells > kMotionCapacity / 24) return "more cells than the motion field holds vectors for";
   if (Cells > kChunkCapacity / 4) return "more cells than the histogram holds";
   if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";
   if (!FeaturesFit(ctx, ctx.FeatureOld, ctx.Features) || !FeaturesFit(ctx, ctx.FeatureNew, ctx.Features)) {
     return "features do not fit the feature vector";
   }
-  if (ctx.Features_2 > kFeatureCapacity) return "more inputs than the feature vector holds";
+  if (ctx.Hiddens > 0 && ctx.Features_2 > kFeatureCapacity)
+    return "more inputs than the feature vector holds";
   if (NetworkLength(ctx.Features_2, ctx.Hiddens) > kWeightCapacity) return "network larger than the weights";
   return nullptr;
 }
@@ -71,5 +71,5 @@ const char* RefusalReason(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input, c
   if (CropExtent(ctx, Input) > Sizes.Current) return "region does not fit the analysis buffer";
   if (FirstFrame) return nullptr;
   if (MirrorExtent(ctx) > Sizes.Current) return "debug mirror reads outside the analysis buffer";
-  return Analyse ? AnalysisRefusal(ctx, std::min(Sizes.Current, Sizes.Previous)) : nullptr;
+  return Analyse ? AnalysisRefusal(ctx, Sizes) : nullptr;
 }

@@ -1,5 +1,6 @@
 // import_original.cpp: the region of interest of a 1920 × 1080 or 1280 × 720 frame.
 #include "import.h"
+#include "kernels/kernels.h"
 #include "vel_stopngo.h"
 
 namespace {
@@ -88,11 +89,11 @@ extern "C" void Image_Original_Cropping_(DATA_32 original_width, DATA_32 origina
   const DATA_32 CropY = Location[2] - Location[0];
   const DATA_32 CropX = Location[3] - Location[1];
   const Sampling Source = OriginalCroppingSource(original_width, Source_L, CropY, CropX, Ratio);
-  if (Source.Rows == nullptr) return;
+  if (Source.Rows == nullptr || CropY == 0 || CropX == 0) return;
   // The first pixel is found with the frame's width, the rows from there on with the row distance.
   const std::ptrdiff_t FirstRow = Flip < 0 ? std::ptrdiff_t{original_height} - 1 - std::ptrdiff_t{Source.Top}
                                            : std::ptrdiff_t{Source.Top};
   const auto RowLength = static_cast<std::ptrdiff_t>(EndX);
-  Resample(Input + FirstRow * static_cast<std::ptrdiff_t>(original_width) + Source.Left,
-           Flip < 0 ? -RowLength : RowLength, *Source.Rows, *Source.Columns, Output, CropY, CropX);
+  Kernels().resample(Input + FirstRow * static_cast<std::ptrdiff_t>(original_width) + Source.Left,
+                     Flip < 0 ? -RowLength : RowLength, *Source.Rows, *Source.Columns, Output, CropY, CropX);
 }

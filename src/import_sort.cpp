@@ -63,7 +63,7 @@ class Sort {
 }  // namespace
 
 extern "C" void pixel_qsort(data_08* pix_arr, int npix) {
-  if (pix_arr == nullptr) return;
+  if (pix_arr == nullptr || npix <= 1) return;
   Sort sort(pix_arr);
   int i_stack[kStack] = {};
   int j_stack = 0;

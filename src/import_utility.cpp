@@ -1,5 +1,5 @@
 // import_utility.cpp: crops, flip and mark that the detector does not need; they are there for the host.
-#include <cstring>
+#include <cstddef>
 
 #include "kernels/kernels.h"
 #include "resample.h"
@@ -11,13 +11,16 @@ namespace {
 void RegionOfDecimated(const DATA_08* Input, data_08* Output, const DATA_32* Location, INTEGER Flip,
                        DATA_32 EndY, DATA_32 EndX, const Pattern& Every) {
   if (Input == nullptr || Output == nullptr || Location == nullptr) return;
+  const DATA_32 CropY = Location[2] - Location[0];
+  const DATA_32 CropX = Location[3] - Location[1];
+  if (CropY == 0 || CropX == 0) return;
   const std::ptrdiff_t k = Every.Source;
   const auto RowLength = static_cast<std::ptrdiff_t>(EndX);
   const std::ptrdiff_t Top = k * std::ptrdiff_t{Location[0]};
   // Upside down, the decimated image starts with the first kept row of the last whole group of k rows.
   const std::ptrdiff_t FirstRow = Flip < 0 ? std::ptrdiff_t{EndY} - k - Top : Top;
-  Resample(Input + FirstRow * RowLength + k * std::ptrdiff_t{Location[1]}, Flip < 0 ? -RowLength : RowLength,
-           Every, Every, Output, Location[2] - Location[0], Location[3] - Location[1]);
+  Kernels().resample(Input + FirstRow * RowLength + k * std::ptrdiff_t{Location[1]},
+                     Flip < 0 ? -RowLength : RowLength, Every, Every, Output, CropY, CropX);
 }
 
 }  // namespace
@@ -48,9 +51,7 @@ void Image_Flipping_(data_08* Image, data_08* Buffer, DATA_32 EndY, DATA_32 EndX
   for (DATA_32 Row = 0; Row < EndY / 2; ++Row) {
     data_08* LineA = Image + Row * RowLength;
     data_08* LineB = Image + (EndY - 1 - Row) * RowLength;
-    std::memcpy(Buffer, LineA, RowLength);
-    std::memcpy(LineA, LineB, RowLength);
-    std::memcpy(LineB, Buffer, RowLength);
+    Kernels().exchange_rows(LineA, LineB, Buffer, EndX);
   }
 }
 

@@ -11,26 +11,12 @@ std::uint64_t SamplingExtent(const Sampling& Source, DATA_32 CropY, DATA_32 Crop
   return SaturatingAdd(SaturatingMultiply(LastRow, RowLength), LastColumn + 1);
 }
 
-void Resample(const data_08* Input, std::ptrdiff_t RowStep, const Pattern& Rows, const Pattern& Columns,
-              data_08* Output, DATA_32 CropY, DATA_32 CropX) {
-  if (CropX == 0) return;
-  DATA_32 Row = 0;
-  while (Row < CropY) {
-    const std::uint64_t SourceRow = Rows.At(Row);
-    DATA_32 Repeats = 1;
-    while (Repeats < CropY - Row && Rows.At(Row + Repeats) == SourceRow) ++Repeats;
-    Kernels().resample_row(Input + static_cast<std::ptrdiff_t>(SourceRow) * RowStep, Output, CropX, Repeats,
-                           Columns);
-    Output += std::size_t{CropX} * Repeats;
-    Row += Repeats;
-  }
-}
-
 void ResampleFlipped(const data_08* Input, const Sampling& Source, INTEGER Flip, DATA_32 EndY, DATA_32 EndX,
                      data_08* Output, DATA_32 CropY, DATA_32 CropX) {
+  if (CropY == 0 || CropX == 0) return;
   const auto RowLength = static_cast<std::ptrdiff_t>(EndX);
   const std::ptrdiff_t FirstRow =
       Flip < 0 ? std::ptrdiff_t{EndY} - 1 - std::ptrdiff_t{Source.Top} : std::ptrdiff_t{Source.Top};
-  Resample(Input + FirstRow * RowLength + Source.Left, Flip < 0 ? -RowLength : RowLength, *Source.Rows,
-           *Source.Columns, Output, CropY, CropX);
+  Kernels().resample(Input + FirstRow * RowLength + Source.Left, Flip < 0 ? -RowLength : RowLength,
+                     *Source.Rows, *Source.Columns, Output, CropY, CropX);
 }

@@ -127,6 +127,9 @@ TEST(Sort, SortsWhateverTheOrder) {
       }
     }
     pixel_qsort(nullptr, 9);
+    std::uint8_t one = 3;
+    for (const int size : {1, -1, -2147483647 - 1}) pixel_qsort(&one, size);
+    EXPECT_EQ(one, 3);
   });
   EXPECT_EQ(printed, "");
 }

@@ -4,10 +4,11 @@
 #include <utility>
 
 #include "activation.h"
+#include "forms.h"
 #include "fused.h"
-#include "kernels.h"
 #include "vel_stopngo.h"
 
+namespace generic {
 namespace {
 
 // ---- Block matching ----
@@ -59,6 +60,8 @@ const DATA_08* _Block_Search_(const DATA_08* StartOld, const DATA_08* StartNew, 
   return BlockPointer;
 }
 
+}  // namespace
+
 void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* MotionVector, DATA_32 BlockSize,
                  DATA_32 NumY, DATA_32 NumX, DATA_32 EndX) {
   if (NumX == 0) return;
@@ -85,12 +88,16 @@ void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* Moti
 
 // ---- Histogram and perceptron ----
 
+namespace {
+
 /// Adds a positive component to Positive and the magnitude of a negative one to Negative.
 void SplitSign(INTE_08 Component, inte_08& Positive, inte_08& Negative) {
   const int Mask = Component >> 7;
   Positive = static_cast<inte_08>(Positive + (Component & ~Mask));
   Negative = static_cast<inte_08>(Negative - (Component & Mask));
 }
+
+}  // namespace
 
 void SumDirections(const INTE_08* Vector, inte_08* Chunk, DATA_32 NumY, DATA_32 NumX) {
   constexpr int kBlockRows = 3;
@@ -130,28 +137,50 @@ real_32 Score(const REAL_32* Feature, const REAL_32* Weight, DATA_32 Inputs, DAT
 
 // ---- Resampling and marking ----
 
-void ResampleRow(const DATA_08* Input, data_08* Output, DATA_32 CropX, DATA_32 Repeats,
-                 const Pattern& Columns) {
+namespace {
+
+/// One source row through Columns.
+void ResampleRow(const DATA_08* Input, data_08* Output, DATA_32 CropX, const Pattern& Columns) {
   if (Columns.Source == 1 && Columns.Output == 1) {
     std::memcpy(Output, Input, CropX);
-  } else {
-    DATA_32 Column = 0;
-    while (Column < CropX) {
-      const DATA_32 Group = CropX - Column < Columns.Output ? CropX - Column : Columns.Output;
-      for (DATA_32 k = 0; k < Group; ++k) Output[Column + k] = Input[Columns.Offset[k]];
-      Column += Group;
-      Input += Columns.Source;
+    return;
+  }
+  DATA_32 Column = 0;
+  while (Column < CropX) {
+    const DATA_32 Group = CropX - Column < Columns.Output ? CropX - Column : Columns.Output;
+    for (DATA_32 k = 0; k < Group; ++k) Output[Column + k] = Input[Columns.Offset[k]];
+    Column += Group;
+    Input += Columns.Source;
+  }
+}
+
+}  // namespace
+
+void Resample(const DATA_08* Input, std::ptrdiff_t RowStep, const Pattern& Rows, const Pattern& Columns,
+              data_08* Output, DATA_32 CropY, DATA_32 CropX) {
+  for (DATA_32 Row = 0; Row < CropY; ++Row, Output += CropX) {
+    const bool Again = Row > 0 && Rows.At(Row) == Rows.At(Row - 1);
+    if (Again) {
+      std::memcpy(Output, Output - CropX, CropX);
+    } else {
+      ResampleRow(Input + static_cast<std::ptrdiff_t>(Rows.At(Row)) * RowStep, Output, CropX, Columns);
     }
   }
-  for (DATA_32 Copy = 1; Copy < Repeats; ++Copy)
-    std::memcpy(Output + std::size_t{CropX} * Copy, Output, CropX);
 }
 
 void MarkRow(data_08* Image, const DATA_08* Mark, DATA_32 Width) {
   for (DATA_32 i = 0; i < Width; ++i) Image[i] = static_cast<data_08>(Image[i] ^ Mark[i]);
 }
 
+void ExchangeRows(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width) {
+  std::memcpy(Buffer, LineA, Width);
+  std::memcpy(LineA, LineB, Width);
+  std::memcpy(LineB, Buffer, Width);
+}
+
 // ---- Filters ----
+
+namespace {
 
 /// The nine pixels around Centre, row by row.
 void GatherWindow(const DATA_08* Centre, std::size_t Width, data_08 (&pixels)[9]) {
@@ -159,6 +188,8 @@ void GatherWindow(const DATA_08* Centre, std::size_t Width, data_08 (&pixels)[9]
   std::memcpy(pixels + 3, Centre - 1, 3);
   std::memcpy(pixels + 6, Centre + Width - 1, 3);
 }
+
+}  // namespace
 
 void MedianInPlace(data_08* Image, DATA_32 Border, DATA_32 Width, DATA_32 Height) {
   data_08 pixels[9];
@@ -172,8 +203,12 @@ void MedianInPlace(data_08* Image, DATA_32 Border, DATA_32 Width, DATA_32 Height
   }
 }
 
+namespace {
+
 constexpr data_32 gaussianMask[5][5] = {
     {2, 4, 5, 4, 2}, {4, 9, 12, 9, 4}, {5, 12, 15, 12, 5}, {4, 9, 12, 9, 4}, {2, 4, 5, 4, 2}};
+
+}  // namespace
 
 void GaussianInPlace(data_08* Image, DATA_32 Border, DATA_32 Width, DATA_32 Height) {
   for (DATA_32 row = Border; row < Height - Border; ++row) {
@@ -188,6 +223,8 @@ void GaussianInPlace(data_08* Image, DATA_32 Border, DATA_32 Width, DATA_32 Heig
     }
   }
 }
+
+namespace {
 
 /// A quicksort without recursion; the shorter side of a partition is worked first, which keeps the stacks
 /// far from their ends.
@@ -224,6 +261,8 @@ int quick_sort(data_08* arr, int elements) {
   return 0;
 }
 
+}  // namespace
+
 void MedianSeparate(const DATA_08* image, int rows, int cols, data_08* filteredimage) {
   const auto Width = static_cast<std::size_t>(cols);
   data_08 pixel_values[9];
@@ -237,16 +276,4 @@ void MedianSeparate(const DATA_08* image, int rows, int cols, data_08* filteredi
   }
 }
 
-}  // namespace
-
-const KernelTable kGenericKernels = {
-    .block_match = MatchBlocks,
-    .histogram = SumDirections,
-    .convert = Convert,
-    .score = Score,
-    .resample_row = ResampleRow,
-    .median_in_place = MedianInPlace,
-    .gaussian_in_place = GaussianInPlace,
-    .median_separate = MedianSeparate,
-    .mark_row = MarkRow,
-};
+}  // namespace generic
