@@ -1,0 +1,310 @@
+// synth_test.cpp: stopngo synth and the video files it writes: bytes, motion in the picture, labels, faults.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "command.h"
+#include "frame_source.h"
+#include "scene.h"
+#include "video_sink.h"
+
+namespace stopngo::test {
+namespace {
+
+using Picture = std::vector<std::uint8_t>;
+
+std::uint64_t Fnv1a(std::string_view bytes) {
+  std::uint64_t hash = 0xcbf29ce484222325U;
+  for (const char byte : bytes) hash = (hash ^ static_cast<std::uint8_t>(byte)) * 0x100000001b3U;
+  return hash;
+}
+
+Picture Rendered(const Scene& scene, const SceneOptions& options, std::int64_t frame) {
+  Picture picture(static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height));
+  scene.Render(frame, picture);
+  return picture;
+}
+
+double MeanDifference(const Picture& a, const Picture& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < a.size(); i++) sum += std::abs(a[i] - b[i]);
+  return sum / static_cast<double>(a.size());
+}
+
+/// A camera that neither shakes nor hisses: what changes is the vehicle.
+SceneOptions Quiet(std::uint64_t seed) {
+  return {.width = 200,
+          .height = 120,
+          .length_s = 40,
+          .departure_s = 2,
+          .seed = seed,
+          .vibration = 0,
+          .noise = 0};
+}
+
+std::string WriteY4m(const TemporaryFolder& folder, const SinkOptions& options, const Picture& picture) {
+  SinkOptions named = options;
+  named.path = folder / "sink.y4m";
+  const auto sink = OpenSink(named);
+  sink->Write(picture);
+  sink->Finish();
+  return ReadFile(named.path);
+}
+
+}  // namespace
+
+// The hash holds other machines, compilers and optimisations to these very bytes. It changes with the
+// look of the scene, and then has to be taken anew.
+TEST(Synth, SameSeedSameBytesEverywhere) {
+  const std::string arguments = "synth - --size 176x100 --length 3 --departure 1 --vibration 1.5 --seed ";
+  // A saloon, a hatchback and a van.
+  const std::vector<std::pair<const char*, std::uint64_t>> pinned{
+      {"1", 0xa3de647b1ae68192U}, {"2", 0x4c392f383204a6faU}, {"3", 0xc1cf24ed2d218d36U}};
+  for (const auto& [seed, hash] : pinned) {
+    const CommandResult clip = Stopngo(arguments + seed);
+    ASSERT_EQ(clip.exit_code, 0) << clip.err;
+    const std::size_t header = clip.out.find('\n') + 1;
+    EXPECT_EQ(clip.out.substr(0, header), "YUV4MPEG2 W176 H100 F25:1 Ip A1:1 Cmono\n");
+    EXPECT_EQ(clip.out.size(), header + 75 * (6 + 176 * 100));
+    EXPECT_EQ(Fnv1a(clip.out), hash) << "seed " << seed << std::hex << ": 0x" << Fnv1a(clip.out);
+  }
+  // All 64 bits of a seed count.
+  EXPECT_NE(Stopngo(arguments + "4294967295").out, Stopngo(arguments + "18446744073709551615").out);
+}
+
+TEST(Synth, VehicleStandsThenLeaves) {
+  for (const std::uint64_t seed : {1, 2, 3}) {
+    const SceneOptions options = Quiet(seed);
+    const Scene scene(options);
+    const Picture first = Rendered(scene, options, 0);
+    EXPECT_EQ(first, Rendered(scene, options, 38)) << "nothing may move before the brakes come off";
+    const Picture before = Rendered(scene, options, 49);  // brakes off, not yet moving
+    const double early = MeanDifference(before, Rendered(scene, options, 70));
+    const double late = MeanDifference(before, Rendered(scene, options, 120));
+    EXPECT_GT(early, 0.3) << "seed " << seed;
+    EXPECT_GT(late, 2 * early) << "seed " << seed;
+    EXPECT_EQ(first, Rendered(scene, options, 0)) << "frames do not depend on what was rendered before";
+  }
+}
+
+// The bumper is found in the picture as what differs from the empty street in its row: its edges have to
+// lie where a lens 1.3 m above the road with 0.9 widths of focal length sees them at that distance.
+TEST(Synth, RearShrinksAsPerspectiveTells) {
+  for (const std::uint64_t seed : {1, 2, 3, 4}) {
+    const SceneOptions options = Quiet(seed);
+    const Scene scene(options);
+    const Picture gone = Rendered(scene, options, 999);
+    const auto width_at = [&](std::int64_t frame) {
+      const Picture picture = Rendered(scene, options, frame);
+      const double distance = scene.Distance(static_cast<double>(frame) / options.fps);
+      const auto row = static_cast<std::size_t>(0.52 * 120 + 180 * (1.3 - 0.5) / distance) * 200;
+      int left = 200;
+      int right = 0;
+      for (int x = 0; x < 200; x++) {
+        if (std::abs(picture[row + x] - gone[row + x]) <= 6) continue;
+        left = std::min(left, x);
+        right = std::max(right, x + 1);
+      }
+      EXPECT_NEAR(0.5 * (left + right), 100, 4) << "straight ahead, seed " << seed << " frame " << frame;
+      return (right - left) * distance / 180;
+    };
+    for (const std::int64_t frame : {0, 80, 110, 140}) {
+      EXPECT_NEAR(width_at(frame), 1.84, 0.2) << "metres, seed " << seed << " frame " << frame;
+    }
+  }
+}
+
+TEST(Synth, DepartureIsSmoothAndAsStrongAsAsked) {
+  const SceneOptions options{
+      .width = 64, .height = 48, .length_s = 60, .departure_s = 3, .distance_m = 7, .acceleration = 2};
+  const Scene scene(options);
+  const double step = 0.01;
+  double last = 0;
+  for (int i = 1; i < 3000; i++) {
+    const double time = i * step;
+    const double acceleration =
+        (scene.Distance(time + step) - 2 * scene.Distance(time) + scene.Distance(time - step)) /
+        (step * step);
+    ASSERT_GE(acceleration, -1e-6) << time;
+    ASSERT_LE(acceleration, 2 + 1e-6) << time;
+    ASSERT_NEAR(acceleration, last, 2.6 * step) << "jerk at " << time;
+    last = acceleration;
+    if (time > 4 && time < 8) {
+      ASSERT_NEAR(acceleration, 2, 1e-6) << time;
+    }
+  }
+  EXPECT_DOUBLE_EQ(scene.Distance(3), 7);
+  EXPECT_NEAR(scene.Distance(30) - scene.Distance(29), 50 / 3.6, 0.1) << "the speed limit of a town";
+}
+
+TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
+  SceneOptions options = Quiet(5);
+  const Picture exact = Rendered(Scene(options), options, 0);
+  options.noise = 4;
+  const Picture noisy = Rendered(Scene(options), options, 0);
+  double sum = 0;
+  double squares = 0;
+  int count = 0;
+  for (std::size_t i = 0; i < exact.size(); i++) {
+    if (std::abs(exact[i] - 110) > 10) continue;
+    sum += noisy[i] - exact[i];
+    squares += (noisy[i] - exact[i]) * (noisy[i] - exact[i]);
+    count++;
+  }
+  ASSERT_GT(count, 1000);
+  EXPECT_NEAR(sum / count, 0, 0.15);
+  EXPECT_NEAR(std::sqrt(squares / count), 4, 0.3);
+}
+
+TEST(Synth, LabelsAgreeWithOptions) {
+  struct Case {
+    const char* options;
+    const char* lines;
+  };
+  for (const Case& c : {Case{"--length 6 --departure 1.5", "0\t1.5\tstill\n1.5\t4.5\tlead_departs\n"},
+                        Case{"--length 2 --departure 1", "0\t1\tstill\n1\t2\tlead_departs\n"},
+                        Case{"--length 2 --departure 0", "0\t2\tlead_departs\n"},
+                        Case{"--length 2 --departure 2", "0\t2\tstill\n"}}) {
+    const TemporaryFolder folder;
+    const std::string video = folder / "clip.y4m";
+    const CommandResult result = Stopngo("synth " + video + " --json --seed 9 --size 96x64 " + c.options);
+    ASSERT_EQ(result.exit_code, 0) << result.err;
+    const std::string labels = ReadFile(video + ".labels.tsv");
+    const std::size_t end = labels.find('\n');
+    EXPECT_EQ(labels.substr(end + 1), std::string("start_s\tend_s\tlabel\n") + c.lines);
+    const auto comment = nlohmann::json::parse(labels.substr(2, end - 2));
+    const auto line = nlohmann::json::parse(result.out);
+    EXPECT_EQ(comment["seed"], 9);
+    EXPECT_EQ(comment["roi"], (std::vector<int>{290, 260, 220, 140}));
+    EXPECT_EQ(comment["roi"], line["roi"]);
+    EXPECT_EQ(line["labels"].size(), std::count(c.lines, c.lines + std::strlen(c.lines), '\n'));
+    EXPECT_EQ(folder.Files(), 2U);
+  }
+}
+
+TEST(Synth, FaultsGiveOneSentenceAndLeaveNothing) {
+  struct Case {
+    const char* arguments;  ///< @/ stands for the folder
+    int exit_code;
+    const char* named;
+  };
+  const TemporaryFolder folder;
+  std::filesystem::create_symlink("/dev/full", folder / "full.y4m");
+  std::filesystem::create_symlink("/dev/full", folder / "full.tsv");
+  std::vector<Case> cases{{"@/clip.y4m --length 0", 2, "--length"},
+                          {"@/clip.y4m --rate -3", 2, "--rate"},
+                          {"@/clip.y4m --rate nan", 2, "--rate"},
+                          {"@/clip.y4m --rate 1e9", 2, "--rate"},
+                          {"@/clip.y4m --distance -1", 2, "--distance"},
+                          {"@/clip.y4m --size 800", 2, "--size"},
+                          {"@/clip.y4m --size 99999x480", 2, "--size"},
+                          {"@/clip.y4m --seed -1", 2, "--seed"},
+                          {"@/nowhere/clip.y4m", 1, "nowhere/clip.y4m"},
+                          {"@/clip.nonsense", 1, "clip.nonsense"},
+                          {"@/full.y4m", 1, "full.y4m"},
+                          {"@/clip.y4m --labels @/full.tsv", 1, "full.tsv"},
+                          {"@/clip.y4m --labels @/nowhere/l", 1, "nowhere/l"}};
+#ifdef STOPNGO_WITH_FFMPEG
+  cases.insert(cases.end(),
+               {{"@/clip.mp4 --size 101x64", 1, "even"}, {"@/nowhere/clip.mp4", 1, "nowhere/clip.mp4"}});
+#else
+  cases.push_back({"@/clip.mp4", 1, "FFmpeg"});
+#endif
+  for (const Case& c : cases) {
+    std::string arguments = c.arguments;
+    if (arguments.find("--size") == std::string::npos) arguments += " --size 64x48";
+    for (auto at = arguments.find("@/"); at != std::string::npos; at = arguments.find("@/")) {
+      arguments.replace(at, 2, folder / "");
+    }
+    const CommandResult result = Stopngo("synth " + arguments);
+    EXPECT_EQ(result.exit_code, c.exit_code) << c.arguments;
+    EXPECT_EQ(result.err.rfind("stopngo: ", 0), 0U) << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    EXPECT_NE(result.err.find(c.named), std::string::npos) << c.arguments << ": " << result.err;
+    EXPECT_EQ(folder.Files(), 2U) << c.arguments;
+  }
+}
+
+TEST(VideoSink, UnfinishedLeavesTheOldFile) {
+  const TemporaryFolder folder;
+  std::vector<std::string> names{"old.y4m"};
+#ifdef STOPNGO_WITH_FFMPEG
+  names.emplace_back("old.mkv");
+#endif
+  for (const std::string& name : names) {
+    const std::string path = folder.File(name, "old");
+    const auto before = folder.Files();
+    {
+      const auto sink = OpenSink({path, 64, 48, 25, PixelFormat::kGray});
+      sink->Write(Picture(64 * 48, 90));
+    }
+    EXPECT_EQ(ReadFile(path), "old");
+    EXPECT_EQ(folder.Files(), before);
+  }
+}
+
+TEST(VideoSink, RatesAreExactRatios) {
+  const TemporaryFolder folder;
+  for (const auto& [fps, text] : {std::pair{25.0, " F25:1 "},
+                                  {29.97, " F30000:1001 "},
+                                  {23.976, " F24000:1001 "},
+                                  {59.94, " F60000:1001 "},
+                                  {12.5, " F25:2 "},
+                                  {7.3, " F73:10 "}}) {
+    const std::string file = WriteY4m(folder, {"", 2, 2, fps, PixelFormat::kGray}, Picture(4, 90));
+    EXPECT_NE(file.find(text), std::string::npos) << fps << ": " << file;
+  }
+}
+
+// The corners of the colour cube as ITU-R BT.601 codes them.
+TEST(VideoSink, ColoursOfY4m) {
+  const TemporaryFolder folder;
+  const Picture bgrx{255, 255, 255, 0, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0};
+  const std::string file = WriteY4m(folder, {"", 2, 2, 25, PixelFormat::kBgrx}, bgrx);
+  EXPECT_NE(file.find(" C444\n"), std::string::npos);
+  const std::vector<int> expected{235, 82, 144, 41, 128, 90, 54, 240, 128, 240, 34, 110};
+  ASSERT_GT(file.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); i++) {
+    EXPECT_NEAR(static_cast<std::uint8_t>(file[file.size() - expected.size() + i]), expected[i], 1) << i;
+  }
+}
+
+#ifdef STOPNGO_WITH_FFMPEG
+TEST(VideoSink, VideoFilesKeepGreyLevelsAndTimes) {
+  const SceneOptions options{
+      .width = 320, .height = 192, .fps = 29.97, .length_s = 1, .departure_s = 0, .noise = 0};
+  const Scene scene(options);
+  const TemporaryFolder folder;
+  for (const char* name : {"clip.mp4", "clip.mkv", "clip.avi"}) {
+    const std::string path = folder / name;
+    const auto sink = OpenSink({path, options.width, options.height, options.fps, PixelFormat::kGray});
+    for (std::int64_t i = 0; i < scene.Frames(); i++) sink->Write(Rendered(scene, options, i));
+    sink->Finish();
+    SourceOptions input;
+    input.input = path;
+    input.width = options.width;
+    input.height = options.height;
+    const auto source = OpenSource(input);
+    LumaFrame frame;
+    std::int64_t count = 0;
+    for (; source->Next(frame); count++) {
+      EXPECT_LT(MeanDifference(frame.pixels, Rendered(scene, options, count)), 2.5)
+          << name << " frame " << count;
+      EXPECT_NEAR(frame.time_s, static_cast<double>(count) * 1001 / 30000, 0.002) << name;
+    }
+    EXPECT_EQ(count, 30) << name;
+  }
+}
+#endif
+
+}  // namespace stopngo::test

@@ -1,0 +1,26 @@
+// stdout_guard.h: keeps what the module prints apart from a subcommand's results.
+#pragma once
+
+namespace stopngo {
+
+/// Where the module's lines go instead of standard output, where results, JSON Lines or a picture
+/// stream may be on their way.
+enum class ModuleLines {
+  kNone,      ///< there are none to come: nothing is done
+  kMessages,  ///< to standard error
+  kDropped,
+};
+
+/// Leads standard output elsewhere while it lives.
+class StdoutGuard {
+ public:
+  explicit StdoutGuard(ModuleLines lines);
+  ~StdoutGuard();
+  StdoutGuard(const StdoutGuard&) = delete;
+  StdoutGuard& operator=(const StdoutGuard&) = delete;
+
+ private:
+  int saved_ = -1;  ///< the real standard output; -1: nothing to put back
+};
+
+}  // namespace stopngo

@@ -1,0 +1,17 @@
+// subcommands.h: the subcommands of stopngo. Each adds itself to the command line and gives back what
+// main() is to call when it was chosen.
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace stopngo {
+
+std::function<void()> AddRun(CLI::App& app);
+std::function<void()> AddSynth(CLI::App& app);
+std::function<void()> AddRender(CLI::App& app);
+
+}  // namespace stopngo
