@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# install_test.sh: what `cmake --install` gives is enough for a host: found through pkg-config and through
+# CMake, compiled, linked, run; and the installed command finds the installed module.
+#
+#     tests/install_test.sh BUILD-FOLDER
+set -euo pipefail
+root=$(mktemp -d)
+trap 'rm -rf "$root"' EXIT
+cmake --install "$1" --prefix "$root/usr" >/dev/null
+
+headers=$(cd "$root/usr/include" && echo *)
+[ "$headers" = vel_stopngo.h ] || { echo "install_test: installed headers are $headers" >&2; exit 1; }
+
+cat >"$root/host.c" <<'END'
+#include <vel_stopngo.h>
+int main(void) { return vel_stopngo_get_ctx_size() == vel_stopngo.ctxsize ? 0 : 1; }
+END
+export PKG_CONFIG_PATH
+PKG_CONFIG_PATH=$(dirname "$(find "$root" -name zetstopngo.pc)")
+library=$(pkg-config --variable=libdir zetstopngo)
+# shellcheck disable=SC2046  # pkg-config's answer is several words
+cc -std=c99 "$root/host.c" -o "$root/host" $(pkg-config --cflags --libs zetstopngo)
+LD_LIBRARY_PATH=$library "$root/host"
+
+cat >"$root/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.25)
+project(host LANGUAGES C)
+find_package(zetstopngo 1 REQUIRED)
+add_executable(host host.c)
+target_link_libraries(host PRIVATE zetstopngo::zetstopngo)
+END
+cmake -S "$root" -B "$root/build" -DCMAKE_PREFIX_PATH="$root/usr" >/dev/null
+cmake --build "$root/build" >/dev/null
+"$root/build/host"
+
+head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --no-weights >"$root/log"
+grep -q 10 "$root/log" || { echo "install_test: the installed command did not run" >&2; exit 1; }
+echo "install_test: passed"
