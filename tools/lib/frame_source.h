@@ -20,17 +20,17 @@ struct LumaFrame {
 
 /// What can be said of an input before its frames are read.
 struct SourceInfo {
-  int width = 0;   ///< of the frames that Next gives
+  int width = 0;  ///< of the frames that Next gives
   int height = 0;
-  double fps = 0;  ///< of the frames that Next gives, after --rate
+  double fps = 0;                      ///< of the frames that Next gives, after --rate
   std::optional<std::int64_t> frames;  ///< how many Next will give, where the input tells
   std::string description;             ///< for the user: name, size, rate
 };
 
 struct SourceOptions {
-  std::string input;      ///< file, pattern of an image sequence, device, or "-" for standard input
-  std::string format;     ///< FFmpeg input format, such as "v4l2" for a camera; empty: by content
-  int width = 800;        ///< wanted frame size; other sizes are scaled to it
+  std::string input;   ///< file, pattern of an image sequence, device, or "-" for standard input
+  std::string format;  ///< FFmpeg input format, such as "v4l2" for a camera; empty: by content
+  int width = 800;     ///< wanted frame size; other sizes are scaled to it
   int height = 480;
   bool original = false;  ///< hand 1920 × 1080 and 1280 × 720 frames over as they are
   double rate = 0;        ///< frames a second to hand over (the nearest ones); 0: all
