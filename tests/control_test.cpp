@@ -24,7 +24,7 @@ std::vector<std::uint8_t> Snapshot(Detector& detector) {
 
 /// A file of that many floats, counting up from 1, plus extra bytes.
 std::string WeightsFile(int floats, int extra_bytes = 0) {
-  const std::string path =
+  std::string path =
       testing::TempDir() + "weights_" + std::to_string(floats) + "_" + std::to_string(extra_bytes);
   std::vector<float> weights(static_cast<std::size_t>(floats));
   std::iota(weights.begin(), weights.end(), 1.0F);
