@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "debug_picture.h"
 #include "detector.h"
 #include "failure.h"
 #include "interruption.h"
@@ -96,23 +97,24 @@ class Still {
   }
 
   [[nodiscard]] bool Wants(const FrameReport& report) const {
-    if (!file_ || taken_s_) return false;
+    if (!Missing()) return false;
     return at_s_ ? report.time_s > *at_s_ - half_frame_s_ : report.decision == 1;
   }
   /// Whether the last frame has to do, for want of an alarm.
-  [[nodiscard]] bool WantsLast() const { return file_ && !taken_s_ && !at_s_; }
+  [[nodiscard]] bool WantsLast() const { return Missing() && !at_s_; }
   [[nodiscard]] std::optional<double> TakenAt() const { return taken_s_; }
 
   void Take(const Canvas& picture, double time_s) {
     errno = 0;
-    if (!picture.WritePng(file_->Stream())) throw Failure(path_ + ": " + LastSystemError());
+    // Flushed: a full disk has to be noticed before the video takes its final name.
+    if (!picture.WritePng(file_->Stream()) || !file_->Stream().flush())
+      throw Failure(path_ + ": " + LastSystemError());
     taken_s_ = time_s;
   }
 
-  void Commit(const std::string& input) {
-    if (!file_) return;
-    if (!taken_s_) throw Failure(input + ": ends before the time that --still-at asks for");
-    file_->Commit();
+  [[nodiscard]] bool Missing() const { return file_ && !taken_s_; }
+  void Commit() {
+    if (file_) file_->Commit();
   }
 
  private:
@@ -173,6 +175,7 @@ class Rendering {
         detector_(module_, arguments.settings, frames_->Info()),
         overlay_(Info(), ProbeSampledArea(module_, arguments.settings, Info()), arguments.history_s),
         still_(outputs_.still, arguments.still_at, Info().fps > 0 ? 0.5 / Info().fps : 0) {
+    if (!arguments.settings.debug_fb.empty()) debug_.emplace(arguments.settings.debug_fb);
     if (outputs_.video.empty()) return;
     sink_ = OpenSink({outputs_.video, Info().width, Info().height, Info().fps, PixelFormat::kBgrx});
   }
@@ -180,8 +183,13 @@ class Rendering {
   void Run() {
     CatchInterruption();
     RenderFrames();
+    if (still_.Missing()) {
+      throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
+    }
+    if (debug_) WriteDebugPicture(debug_->Stream(), detector_.Context());
     if (sink_) sink_->Finish();
-    still_.Commit(arguments_.source.input);
+    still_.Commit();
+    if (debug_) debug_->Commit();
   }
 
   [[nodiscard]] std::string Tell() const { return Summary(arguments_, outputs_, counts_, still_.TakenAt()); }
@@ -221,6 +229,7 @@ class Rendering {
   Detector detector_;
   Overlay overlay_;
   Still still_;
+  std::optional<OutputFile> debug_;  ///< receives the debug framebuffer, where --debug-fb asks for it
   std::unique_ptr<VideoSink> sink_;  ///< none when only a still picture is wanted
   Counts counts_;
 };

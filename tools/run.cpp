@@ -1,6 +1,5 @@
 // run.cpp: stopngo run: replays a recording or a camera through the module and tells its decisions.
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -9,6 +8,7 @@
 #include "debug_picture.h"
 #include "detector.h"
 #include "failure.h"
+#include "interruption.h"
 #include "output_file.h"
 #include "progress.h"
 #include "run_report.h"
@@ -30,18 +30,6 @@ Examples:
   stopngo run drive.mp4 --config car.toml --rate 10 --trace frames.tsv
   stopngo run /dev/video0 --original --weights weights.bin --json
   stopngo run - --raw 800x480 --raw-fps 30 --no-weights < luma.raw)";
-
-volatile std::sig_atomic_t interrupted = 0;
-
-// The first interruption asks for the summary; the handler then steps aside, and the next one ends the
-// program even if the input gives no more frames.
-void CatchInterruption() {
-  struct sigaction action {};
-  action.sa_handler = [](int) { interrupted = 1; };
-  action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-}
 
 struct Run {
   explicit Run(CLI::App& app) : options(app, settings) {}
@@ -75,7 +63,7 @@ void Run::operator()() {
     std::optional<Progress> progress;
     if (settings.log <= 0) progress.emplace("run", frames->Info().frames);
     LumaFrame frame;
-    while (interrupted == 0 && frames->Next(frame)) {
+    while (!Interrupted() && frames->Next(frame)) {
       const FrameReport written = detector.Write(frame);
       report.Add(written);
       if (trace_file) WriteTraceLine(trace_file->Stream(), written);

@@ -20,7 +20,7 @@ constexpr double kPictureHeight = 480;
 constexpr double kMargin = 8;
 
 /// Blocks below this size, in pixels of an 800 × 480 picture, leave no room for an arrow: the analysis
-/// buffer is then shown apart, enlarged.
+/// buffer is then shown apart, enlarged. So it is when no part of the frame can be said to fill it.
 constexpr double kSmallestBlock = 7;
 constexpr double kLensWidth = 220;
 constexpr double kLensTitle = 20;
@@ -105,14 +105,25 @@ void DrawRegion(Canvas& canvas, const Box& region, double unit, const FrameRepor
   const Colour colour =
       report.decision == 0 ? style::kText
                            : style::kDecisions[static_cast<std::size_t>(std::min(report.decision, 2))].colour;
-  // Outside the region, so that no pixel of it is hidden.
+  // Wholly outside the region, the dark rim too, so that no pixel of it is hidden.
   const double line = 2 * unit;
-  canvas.Outline(region.Grown(line / 2), Colour::Hex(0x0A0D12, 0.55), line + 2 * unit);
-  canvas.Outline(region.Grown(line / 2), colour, line);
+  const double rim = unit;
+  const Box middle = region.Grown(line / 2 + rim);
+  canvas.Outline(middle, Colour::Hex(0x0A0D12, 0.55), line + 2 * rim);
+  canvas.Outline(middle, colour, line);
 }
 
-void DrawTag(Canvas& canvas, const std::string& text, Point anchor, double unit) {
-  canvas.Text(text, anchor, {.size = 11 * unit, .colour = style::kText, .halo = 1.6 * unit});
+/// Names the region, above it or, where there is no room, below; gives the part of the picture that
+/// region and name take.
+Box DrawTag(Canvas& canvas, const Box& region, bool sampled_apart, double unit) {
+  const TextStyle look{.size = 11 * unit, .colour = style::kText, .halo = 1.6 * unit};
+  const std::string text = sampled_apart ? "region (dashed: sampled part)" : "region of interest";
+  const double height = 16 * unit;
+  const bool above = region.y >= height;
+  const double x = std::min(region.x, canvas.Width() - canvas.TextWidth(text, look) - 4 * unit);
+  canvas.Text(text, {std::max(x, 2 * unit), above ? region.y - 6 * unit : region.Bottom() + 14 * unit}, look);
+  const Box taken{region.x, above ? region.y - height : region.y, region.width, region.height + height};
+  return taken.Grown(3 * unit);
 }
 
 /// The analysis buffer as the module holds it: cropped, enlarged and filtered.
@@ -168,18 +179,14 @@ void Overlay::Draw(const LumaFrame& frame, const FrameReport& report, const VEL_
   if (differs) canvas_.Outline(sampled, style::kAbove, 1.5 * unit_, 5 * unit_);
   DrawRegion(canvas_, region, unit_, report);
 
-  // The region's tag stands above it and needs its room too.
-  const Box tagged{region.x, region.y - 16 * unit_, region.width, region.height + 16 * unit_};
-  Layout layout(canvas_, unit_, {tagged.Grown(2 * unit_), sampled});
+  Layout layout(canvas_, unit_, {DrawTag(canvas_, region, differs, unit_), sampled});
   const Box strip = layout.PlaceStrip(kStripHeight * unit_);
   const Box status = layout.Place(kStatusWidth * unit_, kPanelHeight * unit_);
   const Box motion = layout.Place(kMotionWidth * unit_, kPanelHeight * unit_);
-  DrawTag(canvas_, differs ? "region (dashed: sampled part)" : "region of interest",
-          {region.x, region.y - 6 * unit_}, unit_);
   DrawStatus(canvas_, status, unit_, report, ctx);
   DrawMotion(canvas_, motion, unit_, report, ctx);
   DrawStrip(canvas_, strip, unit_, {.reports = history_, .seconds = history_s_, .frame_s = frame_s_}, ctx);
-  if (area_.Valid() && !in_place) {
+  if (!in_place) {
     const double height = kLensWidth * ctx.EndY / ctx.EndX + kLensTitle;
     DrawLens(canvas_, layout.Place((kLensWidth + 8) * unit_, (height + 4) * unit_), unit_, report, ctx);
   }

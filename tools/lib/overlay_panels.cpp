@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <numbers>
 
@@ -18,8 +19,9 @@ constexpr double kPad = 10;
 constexpr double kLabel = 11;
 constexpr double kSmall = 9.5;
 
-/// The most that a cell's sum can be: 12 blocks that all move by 7.
-constexpr double kLargestSum = 84;
+/// A cell's sum that fills its bar: 12 blocks that all move by 3 pixels. Sums reach 84, but those of a
+/// vehicle that moves off stay far below, and its bars have to show.
+constexpr double kFullSum = 36;
 
 std::string Format(const char* format, double value) {
   std::array<char, 64> text{};
@@ -110,10 +112,13 @@ Gauge CounterGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
 Gauge HoldGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   const bool holding = report.decided && report.hold_timer < ctx.TimeCooling;
   const double cooling = ctx.TimeCooling;
+  // A beeping time that is not shorter than the hold leaves no cooling.
   const bool cools = ctx.TimeBeeping < ctx.TimeCooling && ctx.TimeBeeping > 0;
   const std::string end = std::to_string(ctx.TimeCooling);
   return {.name = "Hold timer",
-          .remark = cools ? "beeps to " + std::to_string(ctx.TimeBeeping) + ", cools to " + end : "to " + end,
+          .remark = cools ? "beeps to " + std::to_string(ctx.TimeBeeping) + ", cools to " + end
+                    : ctx.TimeBeeping > 0 ? "beeps to " + end
+                                          : "cools to " + end,
           .value = holding ? std::to_string(report.hold_timer) : "off",
           .filled = holding ? report.hold_timer / cooling : 0,
           .mark = cools ? ctx.TimeBeeping / cooling : -1,
@@ -141,20 +146,21 @@ void DrawRosette(Canvas& canvas, Point centre, double unit) {
 void DrawCell(Canvas& canvas, const Box& box, double unit, const inte_08* sums) {
   canvas.Fill(box, Colour::Hex(0xFFFFFF, 0.07), 2 * unit);
   const Point centre = box.Centre();
-  const double reach = std::min(box.width, box.height) / 2 - unit;
-  const double half = 1.4 * unit;
+  // The bars leave a square free in the middle, so that none hides another's start.
+  const double gap = 0.95 * unit;
+  const double reach = std::min(box.width, box.height) / 2 - gap;
+  canvas.Fill({centre.x - gap / 2, centre.y - gap / 2, gap, gap}, style::kTrack);
   for (const auto& direction : style::kDirections) {
-    // By the square root: most sums are far below the largest possible one and have to show all the same.
-    const double length = reach * std::sqrt(std::clamp(*sums++ / kLargestSum, 0.0, 1.0));
+    // By the square root, so that one block on its own already shows.
+    const double length = reach * std::sqrt(std::clamp(*sums++ / kFullSum, 0.0, 1.0));
     if (length <= 0) continue;
-    // The bar starts at the centre and is as wide to both sides of its axis.
-    const double end_x = direction.x * length;
-    const double end_y = direction.y * length;
-    const double across_x = direction.x == 0 ? half : 0;
-    const double across_y = direction.y == 0 ? half : 0;
-    canvas.Fill({centre.x + std::min(0.0, end_x) - across_x, centre.y + std::min(0.0, end_y) - across_y,
-                 std::abs(end_x) + 2 * across_x, std::abs(end_y) + 2 * across_y},
-                direction.colour);
+    // Never wider than long: which way a bar points has to show.
+    const double half = std::min(0.95 * unit, 0.3 * length);
+    const Point middle{centre.x + direction.x * (gap + length / 2),
+                       centre.y + direction.y * (gap + length / 2)};
+    const double half_x = direction.x == 0 ? half : length / 2;
+    const double half_y = direction.y == 0 ? half : length / 2;
+    canvas.Fill({middle.x - half_x, middle.y - half_y, 2 * half_x, 2 * half_y}, direction.colour);
   }
 }
 
@@ -199,7 +205,9 @@ void DrawSeconds(Canvas& canvas, const StripScale& scale, double unit) {
   // Whole seconds, thinned out so that the numbers do not touch.
   const double step = std::max(1.0, std::ceil(scale.seconds / 12));
   const double oldest = std::max(0.0, scale.now + scale.frame_s - scale.seconds);
-  for (double t = std::ceil(oldest / step) * step; t <= scale.now; t += step) {
+  const auto last = static_cast<std::int64_t>(scale.now / step);
+  for (auto i = static_cast<std::int64_t>(std::ceil(oldest / step)); i <= last; ++i) {
+    const double t = static_cast<double>(i) * step;
     const double x = scale.X(t);
     canvas.Line({x, scale.plot.y}, {x, scale.plot.Bottom()}, style::kTrack, 0.8 * unit);
     // A number at the very edge would stick out of the panel.
@@ -211,7 +219,7 @@ void DrawSeconds(Canvas& canvas, const StripScale& scale, double unit) {
 
 /// The scores as columns that touch, so that a strip of many frames reads as an area.
 void DrawScores(Canvas& canvas, const StripScale& scale, const std::deque<FrameReport>& reports,
-                double threshold) {
+                double threshold, double unit) {
   // Columns share their edges: without this, every edge would show as a faint line.
   cairo_set_antialias(canvas.Cairo(), CAIRO_ANTIALIAS_NONE);
   for (auto report = reports.begin(); report != reports.end(); ++report) {
@@ -224,7 +232,9 @@ void DrawScores(Canvas& canvas, const StripScale& scale, const std::deque<FrameR
       canvas.Fill(scale.Column(report->time_s, end, scale.plot.y), shade);
     }
     if (!report->analysed) continue;
-    canvas.Fill(scale.Column(report->time_s, end, scale.Y(report->score)),
+    // The lowest scores keep a base line: a gap means that nothing was analysed.
+    const double top = std::min(scale.Y(report->score), scale.plot.Bottom() - unit);
+    canvas.Fill(scale.Column(report->time_s, end, top),
                 report->score > threshold ? style::kAbove : style::kBelow);
   }
   cairo_set_antialias(canvas.Cairo(), CAIRO_ANTIALIAS_DEFAULT);
@@ -266,7 +276,7 @@ void DrawStrip(Canvas& canvas, const Box& box, double unit, const Strip& strip, 
   const double threshold = ctx.Classifiy;
   canvas.Fill(scale.plot, Colour::Hex(0xFFFFFF, 0.05));
   DrawSeconds(canvas, scale, unit);
-  DrawScores(canvas, scale, strip.reports, threshold);
+  DrawScores(canvas, scale, strip.reports, threshold, unit);
   canvas.Line({scale.plot.x, scale.Y(threshold)}, {scale.plot.Right(), scale.Y(threshold)}, style::kText,
               unit, 4 * unit);
   canvas.Text(Format("%.2f", threshold), {scale.plot.Right() + 5 * unit, scale.Y(threshold) + 3.5 * unit},
