@@ -64,7 +64,6 @@ const DATA_08* _Block_Search_(const DATA_08* StartOld, const DATA_08* StartNew, 
 
 void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* MotionVector, DATA_32 BlockSize,
                  DATA_32 NumY, DATA_32 NumX, DATA_32 EndX) {
-  if (NumX == 0) return;
   const std::size_t BlockStep = std::size_t{BlockSize} * EndX;
   std::size_t Offset = BlockSize + BlockStep;
   for (DATA_32 Row = 0; Row < NumY; ++Row) {
@@ -103,7 +102,6 @@ void SumDirections(const INTE_08* Vector, inte_08* Chunk, DATA_32 NumY, DATA_32 
   constexpr int kBlockRows = 3;
   constexpr int kBlockColumns = 4;
   const std::size_t Step = std::size_t{NumX} * 4;
-  if (NumX == 0) return;
   std::memset(Chunk, 0, Step * NumY);
   for (DATA_32 CellRow = 0; CellRow < NumY; ++CellRow) {
     for (int BlockRow = 0; BlockRow < kBlockRows; ++BlockRow) {
@@ -142,7 +140,7 @@ namespace {
 /// One source row through Columns.
 void ResampleRow(const DATA_08* Input, data_08* Output, DATA_32 CropX, const Pattern& Columns) {
   if (Columns.Source == 1 && Columns.Output == 1) {
-    std::memcpy(Output, Input, CropX);
+    std::memmove(Output, Input, CropX);
     return;
   }
   DATA_32 Column = 0;

@@ -12,13 +12,13 @@
 #include "bitclip.h"
 #include "pattern.h"
 
-/// Vectors of NumY × NumX blocks; the contract of Block_Match_TSS_. Reads the block patches of both
+/// Vectors of NumY × NumX blocks, neither 0; the contract of Block_Match_TSS_. Reads the block patches of both
 /// images, BlockSize rows of BlockSize rounded up to 8 pixels, and those up to 7 pixels around in
 /// ImageOld, as the search goes. For block sizes up to 179 a sum stays below 2^31.
 using BlockMatch = void(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* MotionVector,
                         DATA_32 BlockSize, DATA_32 NumY, DATA_32 NumX, DATA_32 EndX);
 
-/// 4 × NumY × NumX sums from 24 × NumY × NumX vector components, modulo 256.
+/// 4 × NumY × NumX sums, neither count 0, from 24 × NumY × NumX vector components, modulo 256.
 using Histogram = void(const INTE_08* Vector, inte_08* Chunk, DATA_32 NumY, DATA_32 NumX);
 
 /// Length values, divided by 128; exact.

@@ -1,7 +1,9 @@
-// fenced.cpp: memory that ends where mapped memory ends.
+// fenced.cpp: memory that ends, or starts, where mapped memory does.
 #include "fenced.h"
 
 #include <sys/mman.h>
+
+#include <algorithm>
 
 namespace test {
 namespace {
@@ -11,7 +13,7 @@ constexpr std::size_t kPage = 65536;
 
 }  // namespace
 
-Fenced::Fenced(std::size_t size) : size_(size) {
+Fenced::Fenced(std::size_t size, Side side) : size_(size) {
   const std::size_t body = (size + kPage - 1) / kPage * kPage;
   mapping_size_ = body + 2 * kPage;
   mapping_ = mmap(nullptr, mapping_size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -25,7 +27,11 @@ Fenced::Fenced(std::size_t size) : size_(size) {
     mapping_ = nullptr;
     return;
   }
-  data_ = start + (body - size);
+  data_ = side == Side::kEnd ? start + (body - size) : start;
+}
+
+Fenced::Fenced(std::span<const std::uint8_t> bytes, Side side) : Fenced(bytes.size(), side) {
+  if (Mapped()) std::ranges::copy(bytes, data_);
 }
 
 Fenced::~Fenced() {

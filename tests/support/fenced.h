@@ -1,4 +1,4 @@
-// fenced.h: memory that ends where mapped memory ends, with an unmapped page before it too.
+// fenced.h: memory that ends, or starts, where mapped memory does.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,18 @@
 
 namespace test {
 
-/// Size bytes, zeroed, whose end is the start of an unmapped page: one byte too many is a fault. An empty
-/// one has no memory. Large ones take address space only, until they are touched.
+/// Size bytes, zeroed, between unmapped pages, right against one of them: there one byte too many is a
+/// fault. An empty one has no memory. Large ones take address space only, until they are touched.
 class Fenced {
  public:
-  explicit Fenced(std::size_t size);
+  enum class Side {
+    kEnd,    ///< its end is the start of an unmapped page
+    kStart,  ///< its start is the end of an unmapped page
+  };
+
+  explicit Fenced(std::size_t size, Side side = Side::kEnd);
+  /// A copy of bytes.
+  Fenced(std::span<const std::uint8_t> bytes, Side side);
   ~Fenced();
   Fenced(const Fenced&) = delete;
   Fenced& operator=(const Fenced&) = delete;

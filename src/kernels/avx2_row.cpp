@@ -1,0 +1,35 @@
+// avx2_row.cpp: marking and exchanging rows with AVX2, 32 bytes at a time.
+#include <cstddef>
+#include <cstdint>
+
+#include "forms.h"
+#include "v128.h"
+
+STOPNGO_TARGET_BEGIN("avx2")
+namespace avx2 {
+namespace {
+
+constexpr int kBytes = 32;
+
+using Bytes = __m256i;
+
+STOPNGO_INLINE Bytes Load(const data_08* From) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(From));
+}
+STOPNGO_INLINE void Store(data_08* To, Bytes v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(To), v); }
+STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return _mm256_xor_si256(a, b); }
+
+#include "row_text.h"
+
+}  // namespace
+
+void MarkRow(data_08* Image, const DATA_08* Mark, DATA_32 Width) {
+  if (!MarkVectors(Image, Mark, Width)) generic::MarkRow(Image, Mark, Width);
+}
+
+void ExchangeRows(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width) {
+  if (!ExchangeVectors(LineA, LineB, Width)) generic::ExchangeRows(LineA, LineB, Buffer, Width);
+}
+
+}  // namespace avx2
+STOPNGO_TARGET_END
