@@ -7,6 +7,8 @@ if(STOPNGO_BUILD_TOOLS)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
+# Relative to the file itself: the prefix is known only when it is installed.
+file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/zetstopngo.pc.in zetstopngo.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -123,8 +123,10 @@ STOPNGO_INLINE Bytes TakeEvery(const data_08* Pixel, const Selector<S>& Select) 
   }
 }
 
+/// Small cores follow a row's stride on their own; there the instructions would only cost.
 template <int Count>
 STOPNGO_INLINE void Prefetch(const data_08* Pixel) {
+  if constexpr (kBytes == 16) return;
   for (int i = 0; i < Count; i += kCacheLine) __builtin_prefetch(Pixel + i);
 }
 
