@@ -1,0 +1,14 @@
+// frames.h: what one frame costs, by configuration, content, area and number of blocks.
+#pragma once
+
+#include <functional>
+
+namespace bench {
+
+/// The cost of one call of its argument, in nanoseconds or in instructions.
+using Meter = std::function<double(const std::function<void(int calls)>& run)>;
+
+/// Prints tab-separated lines for the fastest kernels, the worst case of all last.
+void PrintFrameCosts(const Meter& meter, const char* unit);
+
+}  // namespace bench
