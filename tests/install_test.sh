@@ -29,7 +29,7 @@ find_package(zetstopngo 1 REQUIRED)
 add_executable(host host.c)
 target_link_libraries(host PRIVATE zetstopngo::zetstopngo)
 END
-cmake -S "$root" -B "$root/build" -DCMAKE_PREFIX_PATH="$root/usr" >/dev/null
+cmake -G Ninja -S "$root" -B "$root/build" -DCMAKE_PREFIX_PATH="$root/usr" >/dev/null
 cmake --build "$root/build" >/dev/null
 "$root/build/host"
 
