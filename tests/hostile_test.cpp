@@ -56,7 +56,8 @@ std::unique_ptr<Fenced> Declared(std::uint64_t rows, std::uint64_t columns, std:
   if (rows > kLimit || columns > kLimit / bytes || (columns > 0 && rows > kLimit / bytes / columns))
     return nullptr;
   auto memory = std::make_unique<Fenced>(rows * columns * bytes);
-  return memory->Mapped() ? std::move(memory) : nullptr;
+  if (!memory->Mapped()) memory.reset();
+  return memory;
 }
 
 std::unique_ptr<Fenced> FrameFor(const VEL_STOPNGO_CTX& ctx) {
