@@ -41,12 +41,14 @@ int main(int argc, char** argv) {
   if (ctx == NULL || detector->open(ctx) != 0) return fail("no context");
 
   /* The threshold is a double; every list ends with VEL_CTRL_STOPNGO_END. */
+  /* clang-format off */
   detector->control(ctx, VEL_CTRL_STOPNGO_ROI_X, 290, VEL_CTRL_STOPNGO_ROI_Y, 260,
-                    VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, 0.5,           /* */
-                    VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK, on_decision,        /* */
-                    VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS, (void*)&frame, /* */
-                    VEL_CTRL_STOPNGO_SET_CLASSIFY_PATH, argv[2],             /* */
+                    VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, 0.5,
+                    VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK, on_decision,
+                    VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS, (void*)&frame,
+                    VEL_CTRL_STOPNGO_SET_CLASSIFY_PATH, argv[2],
                     VEL_CTRL_STOPNGO_LOAD_CLASSIFY, &loaded, VEL_CTRL_STOPNGO_END);
+  /* clang-format on */
   if (loaded != 0) {
     status = fail("the weights file could not be read");
   } else {
