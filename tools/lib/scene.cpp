@@ -19,6 +19,9 @@ namespace {
 constexpr double kVehicleToLine_m = 5.4;  // from its rear: a car's length and a metre
 constexpr double kBrakesOff_s = 0.4;      // the foot leaves the brake before the vehicle moves
 constexpr double kLampFade_s = 0.12;
+// A vehicle that drives away counts as departing for this long: later it is too small to be told apart
+// from one that is merely far.
+constexpr double kDepartureLabel_s = 3;
 
 /// Half as many texels again as pixels keep the edges of texels from showing; beyond the limit, which
 /// only pictures above 1080 rows reach, memory is worth more than sharpness.
@@ -26,14 +29,22 @@ double TexelsPerMetre(const Camera& camera, double distance) {
   return std::min(1.5 * camera.focal / distance, 520.0);
 }
 
+/// A window is the picture of a camera whose principal point lies elsewhere.
+Camera Windowed(Camera camera, const SceneWindow& window) {
+  camera.centre_x -= window.x;
+  camera.horizon -= window.y;
+  return camera;
+}
+
 }  // namespace
 
 struct Scene::Model {
-  explicit Model(const SceneOptions& o)
+  Model(const SceneOptions& o, const SceneWindow& w)
       : options(o),
-        camera(MakeCamera(o.width, o.height)),
+        window(w.width == 0 ? SceneWindow{0, 0, o.width, o.height} : w),
+        camera(Windowed(MakeCamera(o.width, o.height), window)),
         world(camera.height_m, o.distance_m + kVehicleToLine_m, o.seed),
-        backdrop(world, camera, o.width, o.height, static_cast<int>(std::ceil(o.vibration))),
+        backdrop(world, camera, window.width, window.height, static_cast<int>(std::ceil(o.vibration))),
         vehicle(BuildVehicle(TexelsPerMetre(camera, o.distance_m), o.seed)),
         departure(o.departure_s, o.acceleration),
         shake(o.vibration, o.fps, o.seed),
@@ -46,6 +57,7 @@ struct Scene::Model {
   }
 
   SceneOptions options;
+  SceneWindow window;
   Camera camera;
   World world;
   Backdrop backdrop;
@@ -55,7 +67,8 @@ struct Scene::Model {
   Sensor sensor;
 };
 
-Scene::Scene(const SceneOptions& options) : model_(std::make_unique<Model>(options)) {}
+Scene::Scene(const SceneOptions& options, const SceneWindow& window)
+    : model_(std::make_unique<Model>(options, window)) {}
 
 Scene::~Scene() = default;
 
@@ -65,15 +78,26 @@ std::int64_t Scene::Frames() const {
 
 void Scene::Render(std::int64_t frame, std::span<std::uint8_t> luma) const {
   const Model& model = *model_;
-  const auto width = static_cast<std::size_t>(model.options.width);
+  const auto width = static_cast<std::size_t>(model.window.width);
   const Shake::Offset offset = model.shake.At(frame);
   VehicleView vehicle = model.View(static_cast<double>(frame) / model.options.fps, offset);
   std::vector<float> light(width);
-  for (int row = 0; row < model.options.height; row++) {
+  for (int row = 0; row < model.window.height; row++) {
     model.backdrop.Row(row, offset, light);
     vehicle.DrawRow(row, light);
     model.sensor.Expose(light, frame, row, luma.subspan(static_cast<std::size_t>(row) * width, width));
   }
+}
+
+std::vector<LabelSpan> Scene::Labels() const {
+  const SceneOptions& options = model_->options;
+  const double length_s = static_cast<double>(Frames()) / options.fps;
+  const double start = std::min(options.departure_s, length_s);
+  std::vector<LabelSpan> labels;
+  if (start > 0) labels.push_back({0, start, Activity::kStill});
+  if (start < length_s)
+    labels.push_back({start, std::min(start + kDepartureLabel_s, length_s), Activity::kLeadDeparts});
+  return labels;
 }
 
 double Scene::Distance(double time_s) const {
@@ -82,7 +106,8 @@ double Scene::Distance(double time_s) const {
 
 SceneRegion Scene::SuggestedRegion() const {
   const Settings defaults;
-  const VehicleView view = model_->View(0, {0, 0});
+  const VehicleView view =
+      model_->View(0, {static_cast<double>(model_->window.x), static_cast<double>(model_->window.y)});
   const double across = static_cast<double>(defaults.input_width) / model_->options.width;
   const double down = static_cast<double>(defaults.input_height) / model_->options.height;
   // Keeps a stretch where it is when it lies between the limits, else takes it to their middle.

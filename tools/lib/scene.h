@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
+
+#include "label.h"
 
 namespace stopngo {
 
@@ -26,14 +29,22 @@ struct SceneRegion {
   int x, y, width, height;
 };
 
+/// The part of a scene's picture that is rendered, in its own pixels.
+struct SceneWindow {
+  int x = 0, y = 0;
+  int width = 0, height = 0;  ///< 0: the whole picture
+};
+
 /// Renders the frames of a scene in any order; the same options give the same bytes on every machine.
 class Scene {
  public:
-  explicit Scene(const SceneOptions& options);
+  explicit Scene(const SceneOptions& options, const SceneWindow& window = {});
   ~Scene();
   [[nodiscard]] std::int64_t Frames() const;
-  /// luma: width × height bytes.
+  /// luma: width × height bytes, those of the window.
   void Render(std::int64_t frame, std::span<std::uint8_t> luma) const;
+  /// Everything that is judged, in order of time, up to the scene's end.
+  [[nodiscard]] std::vector<LabelSpan> Labels() const;
   /// Distance from the camera to the vehicle's rear at a time.
   [[nodiscard]] double Distance(double time_s) const;
   /// Where to look for the vehicle while it stands, at the working size of 800 × 480: the tools' default

@@ -1,0 +1,28 @@
+// scene_script.h: kinds of scenes, and how a scene of a kind is drawn from a seed.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "scene.h"
+
+namespace stopngo {
+
+enum class SceneKind {
+  kDeparture,  ///< the vehicle ahead drives away
+  kStanding,   ///< nothing happens
+};
+
+struct SceneKindName {
+  SceneKind kind;
+  const char* name;  ///< in manifests and options
+  const char* help;
+};
+
+std::span<const SceneKindName> SceneKinds();
+
+/// Everything of a scene but its size, rate and window, which stay as they are by default. The same kind
+/// and seed give the same scene on every machine.
+SceneOptions DrawScene(SceneKind kind, std::uint64_t seed);
+
+}  // namespace stopngo
