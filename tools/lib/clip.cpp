@@ -1,0 +1,71 @@
+// clip.cpp: opens labelled clips, recorded or rendered.
+#include "clip.h"
+
+#include <algorithm>
+#include <mutex>
+
+#include "failure.h"
+#include "frame_source_scene.h"
+#include "settings.h"
+
+namespace stopngo {
+namespace {
+
+SceneRegion DefaultRegion() {
+  const Settings defaults;
+  return {defaults.roi_x, defaults.roi_y, defaults.roi_width, defaults.roi_height};
+}
+
+OpenedClip OpenRecording(const Clip& clip, double rate) {
+  // FFmpeg's registers of formats and devices are filled on opening.
+  static std::mutex opening;
+  const std::lock_guard lock(opening);
+  SourceOptions options;
+  options.input = std::get<std::string>(clip.source);
+  options.width = kPictureWidth;
+  options.height = kPictureHeight;
+  options.rate = rate;
+  return {OpenSource(options), clip.region.value_or(DefaultRegion()), clip.labels};
+}
+
+/// A region with a margin around it, as far as the picture goes.
+SceneWindow Around(const SceneRegion& region, int margin) {
+  const int left = std::max(0, region.x - margin);
+  const int top = std::max(0, region.y - margin);
+  const int right = std::min(kPictureWidth, region.x + region.width + margin);
+  const int bottom = std::min(kPictureHeight, region.y + region.height + margin);
+  return {left, top, right - left, bottom - top};
+}
+
+/// Where a scene suggests to look; a window of a few pixels tells it as well as the whole picture.
+SceneRegion SuggestedRegion(const SceneOptions& options) {
+  return Scene(options, {0, 0, 8, 8}).SuggestedRegion();
+}
+
+OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
+  const auto& drawn = std::get<DrawnScene>(clip.source);
+  SceneOptions options = DrawScene(drawn.kind, drawn.seed);
+  options.width = kPictureWidth;
+  options.height = kPictureHeight;
+  const SceneRegion region = clip.region ? *clip.region : SuggestedRegion(options);
+  const SceneWindow window = Around(region, margin);
+  if (rate > options.fps) {
+    throw Failure(clip.name + ": has " + std::to_string(options.fps) +
+                  " frames a second, fewer than the rate that is asked for");
+  }
+  auto scene = std::make_unique<const Scene>(options, window);
+  std::vector<LabelSpan> labels = scene->Labels();
+  SceneFrames frames{clip.name, std::move(scene), window.width, window.height, options.fps, rate};
+  return {OpenSceneFrames(std::move(frames)),
+          {region.x - window.x, region.y - window.y, region.width, region.height},
+          std::move(labels)};
+}
+
+}  // namespace
+
+OpenedClip OpenClip(const Clip& clip, double rate, int margin) {
+  const double handed_over = clip.rate.value_or(rate);
+  return clip.IsScene() ? OpenScene(clip, handed_over, margin) : OpenRecording(clip, handed_over);
+}
+
+}  // namespace stopngo

@@ -1,0 +1,52 @@
+// clip.h: a labelled clip, recorded or rendered, and its frames as a detector is given them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "frame_source.h"
+#include "label.h"
+#include "scene.h"
+#include "scene_script.h"
+
+namespace stopngo {
+
+/// The picture that regions of clips refer to, pixels.
+inline constexpr int kPictureWidth = 800;
+inline constexpr int kPictureHeight = 480;
+
+/// A scene that is drawn from a seed.
+struct DrawnScene {
+  SceneKind kind;
+  std::uint64_t seed;
+};
+
+struct Clip {
+  std::string name;  ///< as the manifest has it; of a range, that of the one scene
+  std::string kind;  ///< the group that it counts in
+  std::variant<std::string, DrawnScene> source;  ///< a recording's path, or a scene
+  std::optional<SceneRegion> region;  ///< unset: where the scene suggests it, or the tools' default
+  std::optional<double> rate;         ///< frames a second handed over; unset: as settings tell
+  std::vector<LabelSpan> labels;      ///< of a recording; a scene knows its own
+
+  [[nodiscard]] bool IsScene() const { return std::holds_alternative<DrawnScene>(source); }
+};
+
+struct OpenedClip {
+  std::unique_ptr<FrameSource> frames;
+  SceneRegion region;             ///< in the pixels of the frames
+  std::vector<LabelSpan> labels;  ///< in order of time
+};
+
+/// Opens a clip. rate: frames a second handed over where the clip itself asks for none, the nearest ones;
+/// 0: all. A recording gives whole pictures. A scene is rendered only where a detector looks, in the
+/// region and margin pixels around it, and only at the frames handed over: the module reads nothing
+/// outside its region, so the analysis is that of the whole picture. Any number of threads may open and
+/// read clips at once. Throws Failure.
+OpenedClip OpenClip(const Clip& clip, double rate, int margin);
+
+}  // namespace stopngo
