@@ -112,8 +112,8 @@ TEST(Train, FindsAPlainDifferenceAndRepeatsItself) {
   const AlarmLoss validation(Options(), unseen, 2);
   TrainerOptions options;
   options.iterations = 60;
-  std::vector<CurvePoint> told;
-  const auto tell = [&told](const CurvePoint& point) { told.push_back(point); };
+  std::vector<LearningPoint> told;
+  const auto tell = [&told](const LearningPoint& point) { told.push_back(point); };
   const Training first = Train(loss, validation, kHiddens, options, tell);
   EXPECT_LT(first.validation, 0.25 * told.front().validation);
   const Training second = Train(loss, validation, kHiddens, options, tell);
@@ -133,7 +133,7 @@ TEST(Train, StopsWhenValidationGetsNoBetter) {
   TrainerOptions options;
   options.patience = 5;
   options.iterations = 1000;
-  const Training training = Train(loss, validation, kHiddens, options, [](const CurvePoint&) {});
+  const Training training = Train(loss, validation, kHiddens, options, [](const LearningPoint&) {});
   EXPECT_LT(training.curve.size(), 200U);
   EXPECT_GT(training.curve.back().validation, training.validation);
 }

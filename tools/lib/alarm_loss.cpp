@@ -101,7 +101,7 @@ struct AlarmLoss::Sums {
   }
 };
 
-AlarmLoss::AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, unsigned jobs)
+AlarmLoss::AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, int jobs)
     : options_(options), tracks_(tracks), jobs_(jobs), features_(tracks.empty() ? 0 : tracks[0].features) {
   // The blocks of a product, and with them the order of its sums, would follow the CPU's caches.
   Eigen::setCpuCacheSizes(32 * 1024, 512 * 1024, 4 * 1024 * 1024);
@@ -199,7 +199,7 @@ double AlarmLoss::Evaluate(std::span<const double> parameters, std::span<double>
   const Network network(parameters, features, hiddens);
   const std::size_t groups = (tracks_.size() + kGroup - 1) / kGroup;
   std::vector<Sums> sums(groups, Sums(features, hiddens));
-  ForEachPiece(groups, jobs_, [&](std::size_t group) {
+  InParallel(groups, jobs_, [&](std::size_t group) {
     for (const FeatureTrack& track :
          tracks_.subspan(group * kGroup, std::min(kGroup, tracks_.size() - group * kGroup))) {
       AddTrack(track, network, !gradient.empty(), sums[group]);

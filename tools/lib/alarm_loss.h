@@ -26,7 +26,7 @@ struct LossOptions {
 class AlarmLoss {
  public:
   /// The tracks must outlive the loss.
-  AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, unsigned jobs);
+  AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, int jobs);
 
   /// (2 × features + 2) × hiddens + 1, in the order of a weights file. The inputs are scaled to about 1,
   /// see FileNumbers.
@@ -43,7 +43,7 @@ class AlarmLoss {
 
   LossOptions options_;
   std::span<const FeatureTrack> tracks_;
-  unsigned jobs_;
+  int jobs_;
   std::size_t features_;
   double quiet_weight_;      ///< of one quiet run
   double departure_weight_;  ///< of one departure

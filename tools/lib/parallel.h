@@ -1,4 +1,4 @@
-// parallel.h: independent pieces of work spread over threads.
+// parallel.h: independent pieces of work on several threads.
 #pragma once
 
 #include <cstddef>
@@ -6,9 +6,12 @@
 
 namespace stopngo {
 
-/// Calls piece(index) once for every index below count, on up to jobs threads; 0: as many as the machine
-/// runs at once. The order is not defined, so pieces write to places of their own. The first exception
-/// ends the work and is thrown on.
-void ForEachPiece(std::size_t count, unsigned jobs, const std::function<void(std::size_t)>& piece);
+/// Calls work(0) to work(count - 1), each once, on up to jobs threads, and returns when all are done.
+/// When work throws, no more is begun, and the exception of the lowest number is thrown: the same
+/// whatever the number of threads.
+void InParallel(std::size_t count, int jobs, const std::function<void(std::size_t)>& work);
+
+/// How many threads this machine runs at once.
+int HardwareJobs();
 
 }  // namespace stopngo

@@ -2,10 +2,10 @@
 #include "run_report.h"
 
 #include <bit>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "print.h"
 #include "results.h"
 
 namespace stopngo {
@@ -22,13 +22,6 @@ struct Quantile {
 };
 constexpr std::array kQuantiles = {Quantile{"p50", 0.50}, Quantile{"p95", 0.95}, Quantile{"p99", 0.99},
                                    Quantile{"max", 1.0}};
-
-template <typename... Values>
-std::string Print(const char* format, Values... values) {
-  std::string text(static_cast<std::size_t>(std::snprintf(nullptr, 0, format, values...)), '\0');
-  std::snprintf(text.data(), text.size() + 1, format, values...);
-  return text;
-}
 
 long long Printable(std::int64_t number) { return number; }
 

@@ -7,9 +7,18 @@
 #include <cstdio>
 
 namespace stopngo {
+namespace {
+
+std::mutex& Turns() {
+  static std::mutex turns;
+  return turns;
+}
+
+}  // namespace
 
 StdoutGuard::StdoutGuard(ModuleLines lines) {
   if (lines == ModuleLines::kNone) return;
+  turn_ = std::unique_lock(Turns());
   std::fflush(stdout);
   saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (saved_ < 0) return;

@@ -1,6 +1,8 @@
 // stdout_guard.h: keeps what the module prints apart from a subcommand's results.
 #pragma once
 
+#include <mutex>
+
 namespace stopngo {
 
 /// Where the module's lines go instead of standard output, where results, JSON Lines or a picture
@@ -11,7 +13,8 @@ enum class ModuleLines {
   kDropped,
 };
 
-/// Leads standard output elsewhere while it lives.
+/// Leads standard output elsewhere while it lives. Standard output is the whole program's: guards on
+/// other threads wait for each other, and results must not be written meanwhile.
 class StdoutGuard {
  public:
   explicit StdoutGuard(ModuleLines lines);
@@ -20,6 +23,7 @@ class StdoutGuard {
   StdoutGuard& operator=(const StdoutGuard&) = delete;
 
  private:
+  std::unique_lock<std::mutex> turn_;
   int saved_ = -1;  ///< the real standard output; -1: nothing to put back
 };
 

@@ -31,7 +31,7 @@ struct Descent {
   const AlarmLoss& loss;
   const AlarmLoss& validation;
   const TrainerOptions& options;
-  const std::function<void(const CurvePoint&)>& tell;
+  const std::function<void(const LearningPoint&)>& tell;
   Training result;
   int best_iteration = 0;
   std::exception_ptr failure;  // not to be thrown through the library, which is written in C
@@ -48,7 +48,7 @@ struct Descent {
   /// True to go on.
   bool Accept(std::span<const double> parameters, double training, int iteration) {
     try {
-      const CurvePoint point{iteration, training, validation.Evaluate(parameters, {})};
+      const LearningPoint point{iteration, training, validation.Evaluate(parameters, {})};
       result.curve.push_back(point);
       if (result.parameters.empty() || point.validation < result.validation) {
         result.parameters.assign(parameters.begin(), parameters.end());
@@ -78,7 +78,7 @@ int ProgressCall(void* instance, const lbfgsfloatval_t* x, const lbfgsfloatval_t
 }  // namespace
 
 Training Train(const AlarmLoss& loss, const AlarmLoss& validation, std::size_t hiddens,
-               const TrainerOptions& options, const std::function<void(const CurvePoint&)>& tell) {
+               const TrainerOptions& options, const std::function<void(const LearningPoint&)>& tell) {
   Descent descent{loss, validation, options, tell, {}, 0, {}};
   std::vector<double> parameters = StartingPoint(loss, hiddens, options.seed);
   lbfgs_parameter_t settings;

@@ -15,7 +15,7 @@ struct TrainerOptions {
   std::uint64_t seed = 1;  ///< of the starting point
 };
 
-struct CurvePoint {
+struct LearningPoint {
   int iteration;
   double training;
   double validation;
@@ -24,13 +24,13 @@ struct CurvePoint {
 struct Training {
   std::vector<double> parameters;  ///< those with the least validation loss
   double validation = 0;           ///< that loss
-  std::vector<CurvePoint> curve;
+  std::vector<LearningPoint> curve;
 };
 
 /// L-BFGS, because the loss is smooth and taken over all clips at once: no learning rate to tune, no order
 /// of batches to get right, and the same bits at each run. Both losses must be of one shape. tell: called
 /// after each iteration.
 Training Train(const AlarmLoss& loss, const AlarmLoss& validation, std::size_t hiddens,
-               const TrainerOptions& options, const std::function<void(const CurvePoint&)>& tell);
+               const TrainerOptions& options, const std::function<void(const LearningPoint&)>& tell);
 
 }  // namespace stopngo

@@ -92,12 +92,12 @@ FeatureTrack Collect(const Module& module, const Settings& settings, const Clip&
 }  // namespace
 
 std::vector<FeatureTrack> CollectTracks(const Module& module, const Settings& settings,
-                                        std::span<const Clip> clips, const Looks& looks, unsigned jobs,
+                                        std::span<const Clip> clips, const Looks& looks, int jobs,
                                         const std::function<void()>& step) {
   const auto count = static_cast<std::size_t>(looks.count);
   std::vector<FeatureTrack> tracks(clips.size() * count);
   std::mutex stepping;
-  ForEachPiece(clips.size(), jobs, [&](std::size_t index) {
+  InParallel(clips.size(), jobs, [&](std::size_t index) {
     const Clip& clip = clips[index];
     const double rate = clip.rate.value_or(settings.rate);
     Random random(looks.seed + index, kStream);

@@ -23,7 +23,7 @@ struct Looks {
 /// region. The histograms are those that the module's own frame path made. step: called after each clip,
 /// one call at a time.
 std::vector<FeatureTrack> CollectTracks(const Module& module, const Settings& settings,
-                                        std::span<const Clip> clips, const Looks& looks, unsigned jobs,
+                                        std::span<const Clip> clips, const Looks& looks, int jobs,
                                         const std::function<void()>& step);
 
 }  // namespace stopngo
