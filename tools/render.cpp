@@ -235,7 +235,7 @@ class Rendering {
 };
 
 void Render(Arguments& arguments) {
-  arguments.options.LoadConfig();
+  arguments.options.Complete();
   Rendering rendering(arguments, OutputsOf(arguments));
   rendering.Run();
   if (arguments.output == "-") {

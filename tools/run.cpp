@@ -49,7 +49,7 @@ std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
 }
 
 void Run::operator()() {
-  options.LoadConfig();
+  options.Complete();
   const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source, settings));
   const Module module;
   Detector detector(module, settings, frames->Info());

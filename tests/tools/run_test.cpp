@@ -220,7 +220,7 @@ VEL_STOPNGO_CTX ContextFor(const std::vector<std::string>& arguments) {
   SettingsOptions options(app, settings);
   std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
   app.parse(reversed);
-  options.LoadConfig();
+  options.Complete();
   SourceInfo source;
   source.width = settings.input_width;
   source.height = settings.input_height;

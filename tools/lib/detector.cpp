@@ -2,12 +2,12 @@
 #include "detector.h"
 
 #include <chrono>
-#include <filesystem>
 #include <vector>
 
 #include "failure.h"
 #include "setting_table.h"
 #include "stdout_guard.h"
+#include "weights_file.h"
 
 namespace stopngo {
 namespace {
@@ -43,27 +43,11 @@ void CheckFrameSize(const VEL_STOPNGO_CTX& context, const SourceInfo& source) {
 }
 
 void CheckWeights(const std::string& path, const VEL_STOPNGO_CTX& context) {
-  const std::uint64_t inputs = 2 * std::uint64_t{context.Features};
-  const std::uint64_t numbers = (inputs + 2) * context.Hiddens + 1;
-  const std::string network =
-      std::to_string(context.Features) + " features and " + std::to_string(context.Hiddens) + " hidden nodes";
-  if (numbers > kWeightCapacity) {
-    throw Failure(network + " need " + std::to_string(numbers) + " weights, and the module has room for " +
-                      std::to_string(kWeightCapacity) + " (see --features, --hiddens)",
-                  ExitCode::kUsage);
-  }
   if (path.size() >= kPathCapacity) {
     throw Failure(path + ": the module takes paths of at most " + std::to_string(kPathCapacity - 1) +
                   " bytes");
   }
-  std::error_code error;
-  const std::uint64_t bytes = std::filesystem::file_size(path, error);
-  if (error) throw Failure(path + ": " + error.message());
-  if (bytes != numbers * sizeof(real_32)) {
-    throw Failure(path + ": a weights file for " + network + " has " +
-                  std::to_string(numbers * sizeof(real_32)) + " bytes, this file has " +
-                  std::to_string(bytes));
-  }
+  CheckWeightsSize(path, 2 * std::uint64_t{context.Features}, context.Hiddens, "--features, --hiddens");
 }
 
 std::string RegionText(const VEL_STOPNGO_CTX& context) {

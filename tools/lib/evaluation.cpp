@@ -98,7 +98,7 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
 }
 
 std::vector<Clip> EvaluationOptions::Clips() {
-  options_.LoadConfig();
+  options_.Complete();
   CheckSettings(settings);
   std::vector<Clip> clips;
   for (const std::string& manifest : manifests) {

@@ -2,12 +2,12 @@
 // the module's control.
 #include "setting_table.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 
 namespace stopngo {
@@ -31,18 +31,19 @@ constexpr std::array kTable = {
     Setting{"features", VEL_CTRL_STOPNGO_SET_FEATURES_COUNT, &S::features, "features of one frame"},
     Setting{"hiddens", VEL_CTRL_STOPNGO_SET_HIDDENS_COUNT, &S::hiddens, "hidden nodes of the perceptron"},
     Setting{"time-beeping", VEL_CTRL_STOPNGO_SET_TIME_BEEPING, &S::time_beeping,
-            "how long after an alarm the decision stays 1: frames (25) or seconds (1.5s)"},
+            "how long after an alarm the decision stays 1: frames (25) or seconds (1.5s)", true},
     Setting{"time-cooling", VEL_CTRL_STOPNGO_SET_TIME_COOLING, &S::time_cooling,
-            "how long after an alarm nothing is analysed: frames or seconds"},
+            "how long after an alarm nothing is analysed: frames or seconds", true},
     Setting{"time-leaving", VEL_CTRL_STOPNGO_SET_TIME_LEAVING, &S::time_leaving,
-            "count of high scores to be exceeded for an alarm: frames or seconds"},
+            "count of high scores to be exceeded for an alarm: frames or seconds", true},
     Setting{"frame-skip", VEL_CTRL_STOPNGO_SET_FRAME_SKIP, &S::frame_skip,
             "how long the decision is held at 0 from the start: frames or seconds"},
     Setting{"threshold", VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, &S::threshold,
-            "score to be exceeded, 0 to 1"},
-    Setting{"gap-op", VEL_CTRL_STOPNGO_SET_GAP_OP, &S::gap_op, "taken off the alarm count on a low score"},
+            "score to be exceeded, 0 to 1", true},
+    Setting{"gap-op", VEL_CTRL_STOPNGO_SET_GAP_OP, &S::gap_op, "taken off the alarm count on a low score",
+            true},
     Setting{"filter", VEL_CTRL_STOPNGO_SET_FILTER, Choice{&S::filter, kFilterNames},
-            "smoothing of the region: none, median, gaussian, or 0 to 2"},
+            "smoothing of the region: none, median, gaussian, or 0 to 2", true},
     Setting{"log", VEL_CTRL_STOPNGO_SET_LOG, &S::log, "above 0: the module's own lines, on standard error"},
     Setting{"lcd-width", VEL_CTRL_STOPNGO_LCD_WIDTH, &S::lcd_width, "columns of the debug framebuffer"},
     Setting{"lcd-height", VEL_CTRL_STOPNGO_LCD_HEIGHT, &S::lcd_height, "rows of the debug framebuffer"},
@@ -58,7 +59,8 @@ constexpr std::array kTable = {
     // Follows the path, and only where there is one.
     Setting{"", VEL_CTRL_STOPNGO_LOAD_CLASSIFY, Internal{}, ""},
     Setting{"no-weights", VEL_CTRL_STOPNGO_END, &S::no_weights, "run without weights: every score is 0.5"},
-    Setting{"rate", VEL_CTRL_STOPNGO_END, &S::rate, "frames a second to hand over, the nearest ones; 0: all"},
+    Setting{"rate", VEL_CTRL_STOPNGO_END, &S::rate, "frames a second to hand over, the nearest ones; 0: all",
+            true},
 };
 
 template <typename Number>
@@ -112,10 +114,10 @@ int ChoiceOf(const std::string& text, const Choice& choice) {
                               std::to_string(choice.names.size() - 1));
 }
 
+// The shortest text that reads back as the same number.
 std::string NumberText(double number) {
-  std::ostringstream text;
-  text << number;
-  return text.str();
+  std::array<char, 32> text;
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
 // One overload a kind of field: how its text is read, and how it is written.
@@ -161,6 +163,13 @@ struct Writer {
 }  // namespace
 
 std::span<const Setting> SettingTable() { return kTable; }
+
+const Setting* FindSetting(std::string_view name) {
+  const auto* const row = std::find_if(kTable.begin(), kTable.end(), [&](const Setting& setting) {
+    return !name.empty() && name == setting.name;
+  });
+  return row == kTable.end() ? nullptr : row;
+}
 
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text) {
   std::visit(Reader{settings, text}, setting.field);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "settings.h"
@@ -30,11 +31,15 @@ struct Setting {
   VEL_CTRL_STOPNGO code;  ///< VEL_CTRL_STOPNGO_END: a setting of the tools alone
   SettingField field;
   const char* help;
+  bool in_sidecar = false;  ///< belongs to what a network was made for, and so beside its weights
 };
 
 /// In the order in which the codes are sent: sizes first, then the derivation that follows them, then
 /// the weights, whose file is read with the derived counts.
 std::span<const Setting> SettingTable();
+
+/// The row of a name; null where there is none.
+const Setting* FindSetting(std::string_view name);
 
 /// Takes a value as text. Throws std::invalid_argument with what is expected instead.
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text);

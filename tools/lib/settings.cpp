@@ -4,7 +4,6 @@
 #include <toml++/toml.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -12,8 +11,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "default_weights.h"
 #include "failure.h"
 #include "setting_table.h"
+#include "sidecar.h"
 
 namespace stopngo {
 namespace {
@@ -125,23 +126,49 @@ SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings) : app_(app),
   app.get_option("--weights")->excludes(app.get_option("--no-weights"));
 }
 
-void SettingsOptions::LoadConfig() {
+bool SettingsOptions::Given(const std::string& name) const {
+  return configured_.contains(name) || GivenAsOption(app_, name);
+}
+
+void SettingsOptions::CompleteWithoutWeights() {
   if (config_.empty()) return;
   const toml::table table = ParsedFile(config_);
   for (const auto& [key, node] : table) {
     const std::string name(key.str());
     const std::string where = config_ + ":" + std::to_string(key.source().begin.line) + ": " + name + ": ";
-    const std::span<const Setting> settings = SettingTable();
-    const auto setting =
-        std::find_if(settings.begin(), settings.end(), [&](const Setting& row) { return name == row.name; });
-    if (name.empty() || setting == settings.end()) throw Failure(where + "no such setting");
+    const Setting* const setting = FindSetting(name);
+    if (setting == nullptr) throw Failure(where + "no such setting");
     if (GivenAsOption(app_, name)) continue;
     try {
       TakeNode(settings_, *setting, node, config_);
     } catch (const std::invalid_argument& reason) {
       throw Failure(where + reason.what());
     }
+    configured_.insert(name);
   }
+}
+
+void SettingsOptions::Complete() {
+  CompleteWithoutWeights();
+  if (settings_.no_weights) {
+    if (settings_.weights.empty()) return;
+    throw Failure(config_ + ": weights and no-weights exclude each other");
+  }
+  if (settings_.weights.empty()) settings_.weights = FindDefaultWeights().value_or("");
+  if (!settings_.weights.empty()) TakeSidecar();
+}
+
+void SettingsOptions::TakeSidecar() {
+  const std::optional<Sidecar> sidecar = ReadSidecar(settings_.weights);
+  if (!sidecar) return;
+  SettingTexts texts = sidecar->settings;
+  texts.emplace_back("features", std::to_string(sidecar->inputs / 2));
+  texts.emplace_back("hiddens", std::to_string(sidecar->hiddens));
+  for (const auto& [name, text] : texts) {
+    if (!Given(name)) SetFromText(settings_, *FindSetting(name), text);
+  }
+  const auto count = [](int setting) { return std::uint64_t{static_cast<std::uint32_t>(setting)}; };
+  CheckSidecar(settings_.weights, *sidecar, 2 * count(settings_.features), count(settings_.hiddens));
 }
 
 }  // namespace stopngo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 
 namespace CLI {
@@ -19,9 +20,11 @@ struct FrameCount {
 };
 
 /// The settings of one run. Defaults are the module's own but for the region, which the tools put
-/// where a forward camera sees the vehicle ahead.
+/// where a forward camera sees the vehicle ahead, and for the rate, with the times that follow from it:
+/// a vehicle that moves off shifts by a tenth of a pixel a frame at 30 frames a second and by whole
+/// pixels, which block matching can see, at 5 to 10.
 struct Settings {
-  std::string weights;      ///< path of the weights file; empty: none
+  std::string weights;      ///< path of the weights file; empty: those found by default
   bool no_weights = false;  ///< run all the same
   int input_width = 800;
   int input_height = 480;
@@ -35,8 +38,11 @@ struct Settings {
   int features = 80;
   int hiddens = 16;
   double threshold = 0.4;
-  FrameCount time_beeping{25, false};
-  FrameCount time_cooling{20, false};
+  FrameCount time_beeping{1, true};
+  /// A driver is told of a departure once. It goes on being seen for some seconds, in which second alarms
+  /// were met up to 2.4 s after the first; in 5 s even one at 0.5 m/s² has gone 6 m. A queue that moves up
+  /// takes longer to come to rest and start again.
+  FrameCount time_cooling{5, true};
   FrameCount time_leaving{3, false};
   FrameCount frame_skip{0, false};
   int gap_op = 2;
@@ -45,22 +51,30 @@ struct Settings {
   std::string debug_fb;  ///< file that receives the debug framebuffer after the last frame; empty: none
   int lcd_width = 800;
   int lcd_height = 480;
-  double rate = 0;  ///< frames a second to feed; 0: all
+  double rate = 8;  ///< frames a second to feed; 0: all
 };
 
-/// Adds an option for every setting to a subcommand, and --config FILE for the TOML file. Call
-/// LoadConfig after parsing: it fills in what the file gives and no option gave.
+/// Adds an option for every setting to a subcommand, and --config FILE for the TOML file. Call a Complete
+/// after parsing. What an option gives wins over the file, the file over the sidecar of the weights, and
+/// that over the defaults.
 class SettingsOptions {
  public:
   SettingsOptions(CLI::App& app, Settings& settings);
-  /// Throws Failure naming file, line and key when the file is unreadable, malformed, or has a key or
-  /// a value that is not known.
-  void LoadConfig();
+  /// Reads the file, settles the weights (the default ones where none are named) and takes their
+  /// sidecar's settings. Throws Failure: naming file, line and key when the file is unreadable, malformed,
+  /// or has a key or a value that is not known; and when a sidecar does not match its weights.
+  void Complete();
+  /// For a subcommand that needs no weights: reads the file alone.
+  void CompleteWithoutWeights();
 
  private:
+  [[nodiscard]] bool Given(const std::string& name) const;
+  void TakeSidecar();
+
   CLI::App& app_;
   Settings& settings_;
   std::string config_;
+  std::set<std::string> configured_;  ///< names of the settings that the file gave
 };
 
 }  // namespace stopngo
