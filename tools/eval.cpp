@@ -31,7 +31,7 @@ alarms where a clip has no label are not judged. Rates come with the bound that 
 Examples:
   stopngo eval test.tsv --weights weights.bin --rate 8
   stopngo eval test.tsv recordings.tsv --config car.toml --curve curve.tsv
-  stopngo eval test.tsv --weights weights.bin --rate 8 --baseline difference --baseline flow)";
+  stopngo eval test.tsv --weights weights.bin --rate 8 --baseline difference,flow)";
 
 /// Of the curve. The module compares scores near 0 and 1 as finely as any.
 constexpr std::array kThresholds{0.01, 0.02, 0.05, 0.1, 0.15, 0.2, 0.25, 0.3, 0.35, 0.4,  0.45, 0.5,
@@ -203,7 +203,9 @@ std::function<void()> AddEval(CLI::App& app) {
   command
       .add_option("--baseline", arguments->baselines,
                   "also the best that a threshold on a simple figure could do: difference or flow")
-      ->type_name("NAME")
+      ->type_name("NAME,…")
+      ->delimiter(',')
+      ->allow_extra_args(false)  // what follows is a manifest
       ->check(CLI::IsMember(names));
   command
       .add_option("--curve", arguments->curve,

@@ -175,6 +175,7 @@ std::function<void()> AddTune(CLI::App& app) {
         .add_option("--try-" + std::string(dimension.setting), dimension.values,
                     "values to try of --" + std::string(dimension.setting))
         ->delimiter(',')
+        ->allow_extra_args(false)  // what follows is a manifest
         ->type_name("VALUE,…")
         ->capture_default_str()
         ->check([&dimension](const std::string& value) { return FaultOf(dimension, value); });

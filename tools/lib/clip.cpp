@@ -6,6 +6,7 @@
 
 #include "failure.h"
 #include "frame_source_scene.h"
+#include "print.h"
 #include "settings.h"
 
 namespace stopngo {
@@ -50,7 +51,7 @@ OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
   const SceneRegion region = clip.region ? *clip.region : SuggestedRegion(options);
   const SceneWindow window = Around(region, margin);
   if (rate > options.fps) {
-    throw Failure(clip.name + ": has " + std::to_string(options.fps) +
+    throw Failure(clip.name + ": has " + Print("%g", options.fps) +
                   " frames a second, fewer than the rate that is asked for");
   }
   auto scene = std::make_unique<const Scene>(options, window);

@@ -26,12 +26,12 @@ struct DrawnScene {
 };
 
 struct Clip {
-  std::string name;  ///< as the manifest has it; of a range, that of the one scene
-  std::string kind;  ///< the group that it counts in
-  std::variant<std::string, DrawnScene> source;  ///< a recording's path, or a scene
-  std::optional<SceneRegion> region;  ///< unset: where the scene suggests it, or the tools' default
-  std::optional<double> rate;         ///< frames a second handed over; unset: as settings tell
-  std::vector<LabelSpan> labels;      ///< of a recording; a scene knows its own
+  std::string name{};  ///< as the manifest has it; of a range, that of the one scene
+  std::string kind{};  ///< the group that it counts in
+  std::variant<std::string, DrawnScene> source{};  ///< a recording's path, or a scene
+  std::optional<SceneRegion> region{};  ///< unset: where the scene suggests it, or the tools' default
+  std::optional<double> rate{};         ///< frames a second handed over; unset: as settings tell
+  std::vector<LabelSpan> labels{};      ///< of a recording; a scene knows its own
 
   [[nodiscard]] bool IsScene() const { return std::holds_alternative<DrawnScene>(source); }
 };

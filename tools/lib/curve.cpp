@@ -55,7 +55,8 @@ void DrawAxes(Canvas& canvas) {
   }
   canvas.Outline(kPlot, kInk, 1);
   canvas.Text("false alarms per hour of standing", {kPlot.Centre().x, kPlot.Bottom() + 50}, name);
-  canvas.Text("departures caught within 3 s", {kPlot.x + 90, kPlot.y - 18}, name);
+  canvas.Text("departures caught within 3 s", {kPlot.x, kPlot.y - 18},
+              {.size = 15, .colour = kInk, .bold = true});
 }
 
 }  // namespace
@@ -78,9 +79,10 @@ Canvas DrawCurve(std::span<const CurvePoint> points, std::span<const NamedTally>
     if (last) canvas.Line(*last, *place, kNetwork, 2);
     canvas.Dot(*place, 3.5, kNetwork);
     // Thresholds that do much the same would write over each other.
+    const double below = place->y + 20 < kPlot.Bottom() ? 15 : -8;
     const bool apart = !labelled || std::hypot(place->x - labelled->x, place->y - labelled->y) > 36;
     if (apart) {
-      canvas.Text(Print("%g", point.threshold), {place->x + 6, place->y + 15},
+      canvas.Text(Print("%g", point.threshold), {place->x + 6, place->y + below},
                   {.size = 12, .colour = kNetwork});
       labelled = place;
     }
