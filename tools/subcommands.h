@@ -13,6 +13,7 @@ namespace stopngo {
 std::function<void()> AddRun(CLI::App& app);
 std::function<void()> AddSynth(CLI::App& app);
 std::function<void()> AddRender(CLI::App& app);
+std::function<void()> AddTrain(CLI::App& app);
 std::function<void()> AddEval(CLI::App& app);
 std::function<void()> AddTune(CLI::App& app);
 
