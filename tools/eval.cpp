@@ -29,9 +29,9 @@ alarms where a clip has no label are not judged. Rates come with the bound that 
 95 % confidence. A recording without a region is looked at where the settings put theirs.
 
 Examples:
-  stopngo eval test.tsv --weights weights.bin --rate 8
+  stopngo eval test.tsv --weights weights.bin
   stopngo eval test.tsv recordings.tsv --config car.toml --curve curve.tsv
-  stopngo eval test.tsv --weights weights.bin --rate 8 --baseline difference,flow)";
+  stopngo eval test.tsv --weights weights.bin --baseline difference,flow)";
 
 /// Of the curve. The module compares scores near 0 and 1 as finely as any.
 constexpr std::array kThresholds{0.01, 0.02, 0.05, 0.1, 0.15, 0.2, 0.25, 0.3, 0.35, 0.4,  0.45, 0.5,

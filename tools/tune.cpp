@@ -26,7 +26,7 @@ constexpr const char* kFooter =
 the shortest median time to alarm, that keeps within the wanted rate of false alarms: TOML for --config.
 
 Examples:
-  stopngo tune validate.tsv --weights weights.bin --rate 8 --false-alarms-per-hour 0.5 > car.toml
+  stopngo tune validate.tsv --weights weights.bin --false-alarms-per-hour 0.5 > car.toml
   stopngo tune validate.tsv --weights weights.bin --try-threshold 0.5,0.6 --try-filter none)";
 
 constexpr std::size_t kRunnersUp = 9;
@@ -124,7 +124,7 @@ class Search {
               options_.false_per_hour, best.tally.clips));
     WriteResult("# " + FigureSentence(best.tally));
     for (const Dimension& dimension : arguments_.dimensions) TellSetting(best, dimension.setting);
-    if (options_.settings.rate > 0) TellSetting(best, "rate");
+    TellSetting(best, "rate");
     if (candidates_.size() > 1) WriteResult("# runners-up");
     for (const Candidate& candidate : std::span(candidates_).subspan(1)) {
       WriteResult("# " + InOneLine(arguments_, candidate.settings));

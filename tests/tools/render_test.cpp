@@ -19,7 +19,8 @@ namespace stopngo::test {
 namespace {
 
 // With no weights every score is 0.5, above the threshold: the counter passes 3 on the fifth frame, and
-// the next 20 are a hold.
+// the rest are a hold.
+const std::string kEveryFrame = " --no-weights --rate 0";
 constexpr int kAlarmFrame = 4;
 constexpr int kFrames = 13;
 
@@ -102,7 +103,7 @@ TEST_F(RenderTest, VideoHasEveryFrameAndTheStillIsTheFirstAlarm) {
   const std::string video = folder_ / "seen.y4m";
   const std::string still = folder_ / "still.png";
   const CommandResult result =
-      Stopngo("render " + clip + " " + video + " --still " + still + " --no-weights --json");
+      Stopngo("render " + clip + " " + video + " --still " + still + kEveryFrame + " --json");
   ASSERT_EQ(result.exit_code, 0) << result.err;
   EXPECT_EQ(result.err, "");
   const auto summary = nlohmann::json::parse(result.out);
@@ -133,7 +134,8 @@ TEST_F(RenderTest, PanelsKeepClearOfTheRegionWhereverItLies) {
   const std::string clip = Clip(800, 480);
   const Picture plain = Undecorated(ReadFile(clip), 800, 480, 10);
   const std::string still = folder_ / "hold.png";
-  const std::string command = "render " + clip + " " + still + " --no-weights --still-at 0.4 --block-size 30";
+  const std::string command =
+      "render " + clip + " " + still + kEveryFrame + " --still-at 0.4 --block-size 30";
   for (const Rectangle& region :
        {Rectangle{290, 260, 220, 140}, Rectangle{0, 0, 220, 140}, Rectangle{580, 0, 220, 140},
         Rectangle{0, 340, 220, 140}, Rectangle{580, 340, 220, 140}, Rectangle{430, 150, 220, 140},
@@ -151,7 +153,7 @@ TEST_F(RenderTest, OriginalFramesAreDrawnOnInTheirOwnSize) {
   const std::string still = folder_ / "last.png";
   // No score passes this threshold, so that the last frame is shown.
   const CommandResult result =
-      Stopngo("render " + clip + " " + still + " --original --no-weights --threshold 0.9 --json");
+      Stopngo("render " + clip + " " + still + kEveryFrame + " --original --threshold 0.9 --json");
   ASSERT_EQ(result.exit_code, 0) << result.err;
   EXPECT_DOUBLE_EQ(nlohmann::json::parse(result.out).at("still").at("time_s"), (kFrames - 1) / 25.0);
   const Picture drawn = ReadPng(still);

@@ -92,7 +92,8 @@ std::vector<nlohmann::json> JsonLines(const std::string& text) {
   return lines;
 }
 
-const std::string kRaw = "run - --raw 800x480 ";
+// Every frame, as most cases count them.
+const std::string kRaw = "run - --raw 800x480 --rate 0 ";
 
 // What every refusal looks like: its exit code, one sentence with the words asked for, no results.
 void ExpectRefusal(const CommandResult& result, int exit_code, const std::vector<std::string>& words) {
@@ -116,15 +117,15 @@ TEST(RunTest, EveryFormOfAnInputGivesTheSameTrace) {
   };
   std::vector<Form> forms = {
       {kRaw, raw},
-      {"run --raw 800x480 " + folder.File("v.raw", raw), ""},
-      {"run " + mono, ""},
-      {"run -", Y4m(kFrames, "", 2 * kQuarter)},
-      {"run -", Y4m(kFrames, "C420paldv XCOLORRANGE=FULL", 2 * kQuarter)},
-      {"run -", Y4m(kFrames, "C422", 4 * kQuarter)},
-      {"run -", Y4m(kFrames, "C444", 8 * kQuarter)},
+      {"run --rate 0 --raw 800x480 " + folder.File("v.raw", raw), ""},
+      {"run --rate 0 " + mono, ""},
+      {"run --rate 0 -", Y4m(kFrames, "", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kFrames, "C420paldv XCOLORRANGE=FULL", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kFrames, "C422", 4 * kQuarter)},
+      {"run --rate 0 -", Y4m(kFrames, "C444", 8 * kQuarter)},
   };
 #if defined(STOPNGO_WITH_FFMPEG)
-  forms.push_back({"run --format yuv4mpegpipe " + mono, ""});
+  forms.push_back({"run --rate 0 --format yuv4mpegpipe " + mono, ""});
 #endif
   std::vector<std::vector<Row>> traces;
   const std::string path = folder / "t.tsv";
@@ -196,7 +197,8 @@ TEST(RunTest, RateTakesTheNearestFrames) {
   const TemporaryFolder folder;
   const std::string path = folder / "t.tsv";
   const auto frames = [&](const std::string& arguments) {
-    const CommandResult result = Stopngo(kRaw + "--no-weights --trace " + path + arguments, RawVideo(9));
+    const CommandResult result =
+        Stopngo("run - --raw 800x480 --no-weights --trace " + path + arguments, RawVideo(9));
     EXPECT_EQ(result.exit_code, 0) << result.err;
     return Column(ReadTrace(path), "frame");
   };
@@ -205,12 +207,14 @@ TEST(RunTest, RateTakesTheNearestFrames) {
   EXPECT_EQ(frames(" --raw-fps 30 --rate 12"), (Frames{"0", "2", "5", "7"}));
   EXPECT_EQ(frames(" --raw-fps 25 --rate 10"), (Frames{"0", "2", "5", "7"}));
   EXPECT_EQ(frames(" --raw-fps 25 --rate 25").size(), 9U);
-  EXPECT_EQ(frames(" --raw-fps 25").size(), 9U);
+  EXPECT_EQ(frames(" --raw-fps 25 --rate 0").size(), 9U);
+  EXPECT_EQ(frames(" --raw-fps 16"), (Frames{"0", "2", "4", "6", "8"})) << "8 a second unless told otherwise";
   EXPECT_EQ(frames(" --raw-fps 25 --rate 0.1"), (Frames{"0"}));
   // Times in seconds count the frames that are handed over.
   frames(" --raw-fps 30 --rate 10 --time-cooling 1.2s");
   EXPECT_EQ(ReadTrace(path).front().at("hold_timer"), "12");
-  ExpectRefusal(Stopngo(kRaw + "--no-weights --raw-fps 25 --rate 26", RawVideo(2)), 1, {"25", "26"});
+  ExpectRefusal(Stopngo("run - --raw 800x480 --no-weights --raw-fps 25 --rate 26", RawVideo(2)), 1,
+                {"25", "26"});
 }
 
 // Opens a detector as run does, from a command line.
@@ -353,7 +357,7 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {kRaw + "--filter blur" + outputs, 2, {"--filter", "gaussian"}},
       {"run - --raw 800" + outputs, 2, {"--raw", "800"}},
       {kRaw + "--raw-fps 0" + outputs, 2, {"--raw-fps"}},
-      {kRaw + "--rate -1" + outputs, 2, {"--rate"}},
+      {"run - --raw 800x480 --rate -1" + outputs, 2, {"--rate"}},
       {kRaw + "--input-width 0" + outputs, 2, {"--input-width"}},
       {kRaw + "--original-size 1280" + outputs, 2, {"1280 x 720", "800 x 480", "--original-size"}},
       {kRaw + "--lcd-width 0" + outputs, 2, {"--lcd-width"}},
@@ -362,7 +366,7 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {"run - " + outputs, 1, {"standard input", "not Y4M"}},
       {kRaw + "--original" + outputs, 1, {"800 x 480", "1920 x 1080"}},
       {kRaw + "--roi-y 400" + outputs, 1, {"frame 0", "220 x 140", "800 x 480", "--roi-y"}},
-      {"run - --raw 800x500 --input-height 500" + outputs, 1, {"frame 2 is cut short"}},
+      {"run - --rate 0 --raw 800x500 --input-height 500" + outputs, 1, {"frame 2 is cut short"}},
       {kRaw + "--no-weights --trace " + folder / "none/t.tsv", 1, {"none/t.tsv"}},
       {kRaw + "--no-weights --trace /dev/full", 1, {"/dev/full"}},
       {kRaw + "--config " + folder / "gone.toml", 1, {"gone.toml"}},
@@ -384,7 +388,7 @@ TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
   const TemporaryFolder folder;
   const std::string video = folder.File("v.raw", RawVideo(12));
   const std::string trace = folder / "t.tsv";
-  const std::string run = "run --raw 800x480 --no-weights " + video + " --trace " + trace;
+  const std::string run = "run --rate 0 --raw 800x480 --no-weights " + video + " --trace " + trace;
   ExpectRefusal(Stopngo(run + " >/dev/full"), 1, {"standard output"});
   ExpectRefusal(Stopngo("--help >/dev/full"), 1, {"standard output"});
   EXPECT_EQ(folder.Files(), 1U);
@@ -399,7 +403,7 @@ TEST(RunTest, VideosAreScaledWithoutTouchingTheirRange) {
   const TemporaryFolder folder;
   const std::string path = folder / "fb.ppm";
   const std::string run =
-      "run - --format yuv4mpegpipe --no-weights --lcd-width 220 --lcd-height 140 --debug-fb " + path;
+      "run - --rate 0 --format yuv4mpegpipe --no-weights --lcd-width 220 --lcd-height 140 --debug-fb " + path;
   for (const std::string range : {"LIMITED", "FULL"}) {
     const std::string header = "YUV4MPEG2 W400 H240 F25:1 C420jpeg XCOLORRANGE=" + range + "\n";
     for (const char level : {'\0', '\x10', '\xeb', '\xff'}) {
@@ -418,7 +422,7 @@ TEST(RunTest, VideosAreScaledWithoutTouchingTheirRange) {
 TEST(RunTest, OriginalFramesAreHandedOverAsTheyAre) {
   const TemporaryFolder folder;
   const auto source = [](const std::string& size) {
-    return "run --format lavfi testsrc=size=" + size + ":rate=30:duration=0.5 --no-weights --log 1 ";
+    return "run --rate 0 --format lavfi testsrc=size=" + size + ":rate=30:duration=0.5 --no-weights --log 1 ";
   };
   for (const char* const size : {"1920x1080", "1280x720"}) {
     const CommandResult result = Stopngo(source(size) + "--original --trace " + folder / "t.tsv");
