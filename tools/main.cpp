@@ -24,7 +24,7 @@ using Command = std::pair<const CLI::App*, std::function<void()>>;
 
 std::vector<Command> AddCommands(CLI::App& app) {
   std::vector<Command> commands;
-  for (auto* const add : {AddRun, AddSynth, AddRender, AddTrain, AddEval, AddTune}) {
+  for (auto* const add : {AddRun, AddSynth, AddRender, AddTrain, AddEval, AddTune, AddWeights}) {
     std::function<void()> action = add(app);
     const CLI::App* const added = app.get_subcommands([](const CLI::App*) { return true; }).back();
     commands.emplace_back(added, std::move(action));

@@ -16,5 +16,6 @@ std::function<void()> AddRender(CLI::App& app);
 std::function<void()> AddTrain(CLI::App& app);
 std::function<void()> AddEval(CLI::App& app);
 std::function<void()> AddTune(CLI::App& app);
+std::function<void()> AddWeights(CLI::App& app);
 
 }  // namespace stopngo
