@@ -3,8 +3,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "failure.h"
 #include "manifest.h"
@@ -90,7 +92,8 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
       ->type_name("N")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
-  app.add_option("--false-alarms-per-hour", false_per_hour, "wanted at most, in an hour of standing")
+  app.add_option("--false-alarms-per-hour", false_per_hour,
+                 "of standing: the limit within which the best is searched")
       ->type_name("NUMBER")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
@@ -115,7 +118,9 @@ std::vector<Clip> EvaluationOptions::Clips() {
 std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options) {
   const Module module;
   std::vector<ClipRun> runs(clips.size());
-  Progress progress(options.title, static_cast<std::int64_t>(clips.size()));
+  std::optional<Progress> progress;
+  // The module's own lines and a progress bar would write over each other.
+  if (options.settings.front().log <= 0) progress.emplace(options.title, std::ssize(clips));
   std::mutex drawing;
   InParallel(clips.size(), options.jobs, [&](std::size_t i) {
     try {
@@ -126,7 +131,7 @@ std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& opt
       throw Failure(named ? reason : clips[i].name + ": " + reason, failure.Code());
     }
     const std::lock_guard lock(drawing);
-    progress.Step();
+    if (progress) progress->Step();
   });
   return runs;
 }
