@@ -1,9 +1,7 @@
 // synth.cpp: stopngo synth: renders a scene in which the vehicle ahead departs, with its labels.
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <iostream>
@@ -12,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "failure.h"
@@ -19,6 +18,7 @@
 #include "progress.h"
 #include "results.h"
 #include "scene.h"
+#include "scene_script.h"
 #include "subcommands.h"
 #include "system_error.h"
 #include "video_sink.h"
@@ -26,24 +26,20 @@
 namespace stopngo {
 namespace {
 
-// A vehicle that drives away counts as departing for this long: later it is too small to be told apart
-// from one that is merely far.
-constexpr double kDepartureLabel_s = 3;
-
+/// What is given on the command line overrides what a kind draws.
 struct Arguments {
-  SceneOptions scene;
   std::string size = "800x480";
   std::string seed = "1";
+  std::string kind;
+  std::optional<double> fps, length_s, departure_s, distance_m, acceleration, vibration, noise;
   std::string output;
   std::string labels;
+  bool list_kinds = false;
   bool json = false;
 };
 
-struct Label {
-  double start_s;
-  double end_s;
-  std::string name;
-};
+constexpr double kDeparture_s = 5;  // unless told otherwise
+constexpr double kAcceleration = 1.2;
 
 std::string Text(double value) {
   std::array<char, 512> digits{};  // the largest double has 309
@@ -72,7 +68,7 @@ void ParseSeed(const std::string& text, SceneOptions& scene) {
 }
 
 /// What a street, a camera and a vehicle can be like.
-void CheckRanges(const SceneOptions& scene) {
+void CheckRanges(const SceneOptions& scene, const Arguments& arguments) {
   struct Range {
     const char* option;
     double value, least, most;
@@ -83,11 +79,11 @@ void CheckRanges(const SceneOptions& scene) {
       {"--size", static_cast<double>(scene.height), 48, 2160, "pixels of height"},
       {"--rate", scene.fps, 1, 240, "frames a second"},
       {"--length", scene.length_s, 0.1, 3600, "seconds"},
-      {"--departure", scene.departure_s, 0, 1e6, "seconds"},
-      {"--distance", scene.distance_m, 2, 100, "metres"},
-      {"--acceleration", scene.acceleration, 0.1, 10, "m/s²"},
-      {"--vibration", scene.vibration, 0, 8, "pixels"},
-      {"--noise", scene.noise, 0, 60, "grey levels"},
+      {"--departure", arguments.departure_s.value_or(0), 0, 1e6, "seconds"},
+      {"--distance", scene.lead.distance_m, 2, 1000, "metres"},
+      {"--acceleration", arguments.acceleration.value_or(kAcceleration), 0.1, 10, "m/s²"},
+      {"--vibration", scene.camera.vibration, 0, 8, "pixels"},
+      {"--noise", scene.sensor.noise, 0, 60, "grey levels"},
   }};
   for (const Range& range : ranges) {
     if (range.value >= range.least && range.value <= range.most) continue;
@@ -97,58 +93,82 @@ void CheckRanges(const SceneOptions& scene) {
   }
 }
 
-std::vector<Label> Labels(const SceneOptions& scene, double length) {
-  const double length_s = std::round(length * 1000) / 1000;
-  const double start = std::min(scene.departure_s, length_s);
-  std::vector<Label> labels;
-  if (start > 0) labels.push_back({0, start, "still"});
-  if (start < length_s)
-    labels.push_back({start, std::min(start + kDepartureLabel_s, length_s), "lead_departs"});
-  return labels;
+SceneKind KindOf(const std::string& name) {
+  std::string names;
+  for (const SceneKindName& kind : SceneKinds()) {
+    if (kind.name == name) return kind.kind;
+    names += std::string(names.empty() ? "" : ", ") + kind.name;
+  }
+  throw Failure("--kind: " + name + " is none of " + names, ExitCode::kUsage);
 }
 
-nlohmann::ordered_json Describe(const SceneOptions& options, const Scene& scene) {
+/// Without a kind: a car that leaves a street by day, as described by the options alone.
+SceneOptions MakeOptions(const Arguments& arguments) {
+  SceneOptions scene;
+  ParseSeed(arguments.seed, scene);
+  if (!arguments.kind.empty()) scene = DrawScene(KindOf(arguments.kind), scene.seed);
+  ParseSize(arguments.size, scene);
+  scene.fps = arguments.fps.value_or(scene.fps);
+  scene.length_s = arguments.length_s.value_or(scene.length_s);
+  scene.lead.distance_m = arguments.distance_m.value_or(scene.lead.distance_m);
+  scene.camera.vibration = arguments.vibration.value_or(scene.camera.vibration);
+  scene.sensor.noise = arguments.noise.value_or(scene.sensor.noise);
+  CheckRanges(scene, arguments);
+  if (arguments.kind.empty() || arguments.departure_s || arguments.acceleration) {
+    LeaveAt(scene.lead, arguments.departure_s.value_or(kDeparture_s),
+            arguments.acceleration.value_or(kAcceleration));
+  }
+  // A vehicle that never leaves keeps its brakes on.
+  if (arguments.departure_s.value_or(0) >= scene.length_s) scene.lead.brake_switches_s.clear();
+  return scene;
+}
+
+nlohmann::ordered_json Describe(const Arguments& arguments, const SceneOptions& options, const Scene& scene) {
   const SceneRegion region = scene.SuggestedRegion();
-  return {{"seed", options.seed},
+  std::uint64_t seed = 0;
+  std::from_chars(arguments.seed.data(), arguments.seed.data() + arguments.seed.size(), seed);
+  return {{"kind", arguments.kind.empty() ? "plain" : arguments.kind},
+          {"seed", seed},
           {"width", options.width},
           {"height", options.height},
           {"fps", options.fps},
           {"frames", scene.Frames()},
-          {"departure_s", options.departure_s},
-          {"distance_m", options.distance_m},
-          {"acceleration", options.acceleration},
-          {"vibration", options.vibration},
-          {"noise", options.noise},
+          {"length_s", options.length_s},
+          {"distance_m", options.lead.distance_m},
+          {"vibration", options.camera.vibration},
+          {"noise", options.sensor.noise},
           {"roi", {region.x, region.y, region.width, region.height}}};
 }
 
 // Flushed at once: a full disk has to be noticed before the video takes its final name.
-void WriteLabels(const std::string& path, std::ostream& out, const std::vector<Label>& labels,
+void WriteLabels(const std::string& path, std::ostream& out, const std::vector<LabelSpan>& labels,
                  const nlohmann::ordered_json& scene) {
   errno = 0;
   out << "# " << scene.dump() << "\nstart_s\tend_s\tlabel\n";
-  for (const Label& label : labels) {
-    out << Text(label.start_s) << '\t' << Text(label.end_s) << '\t' << label.name << '\n';
+  for (const LabelSpan& label : labels) {
+    out << Text(label.start_s) << '\t' << Text(label.end_s) << '\t' << NameOf(label.activity) << '\n';
   }
   out.flush();
   if (!out) throw Failure(path + ": " + LastSystemError());
 }
 
 std::string Summary(const Arguments& arguments, const nlohmann::ordered_json& scene,
-                    const std::vector<Label>& labels) {
+                    const std::vector<LabelSpan>& labels) {
   if (arguments.json) {
     nlohmann::ordered_json line{{"output", arguments.output}};
     if (!arguments.labels.empty()) line["labels_file"] = arguments.labels;
     line.update(scene);
-    for (const Label& label : labels) {
-      line["labels"].push_back({{"start_s", label.start_s}, {"end_s", label.end_s}, {"label", label.name}});
+    for (const LabelSpan& label : labels) {
+      line["labels"].push_back(
+          {{"start_s", label.start_s}, {"end_s", label.end_s}, {"label", NameOf(label.activity)}});
     }
     return line.dump();
   }
   std::string text = arguments.output + ": " + scene["frames"].dump() + " frames of " + arguments.size +
-                     " at " + Text(arguments.scene.fps) + " a second, region " + scene["roi"].dump();
-  for (const Label& label : labels) {
-    text += ", " + label.name + " " + Text(label.start_s) + "–" + Text(label.end_s) + " s";
+                     " at " + scene["fps"].dump() + " a second, region " + scene["roi"].dump();
+  for (const LabelSpan& label : labels) {
+    text += ", " + std::string(NameOf(label.activity)) + " " + Text(label.start_s) + "–" + Text(label.end_s) +
+            " s";
   }
   return text;
 }
@@ -164,11 +184,20 @@ void Render(const Scene& scene, const SceneOptions& options, VideoSink& sink) {
   }
 }
 
+void ListKinds() {
+  std::string text;
+  for (const SceneKindName& kind : SceneKinds()) {
+    std::string name = kind.name;
+    name.resize(14, ' ');
+    text += std::string(text.empty() ? "" : "\n") + name + kind.help;
+  }
+  WriteResult(text);
+}
+
 void Synth(Arguments arguments) {
-  SceneOptions& options = arguments.scene;
-  ParseSize(arguments.size, options);
-  ParseSeed(arguments.seed, options);
-  CheckRanges(options);
+  if (arguments.list_kinds) return ListKinds();
+  if (arguments.output.empty()) throw Failure("output is required", ExitCode::kUsage);
+  const SceneOptions options = MakeOptions(arguments);
   const bool to_stdout = arguments.output == "-";
   if (arguments.labels.empty() && !to_stdout) arguments.labels = arguments.output + ".labels.tsv";
 
@@ -179,8 +208,8 @@ void Synth(Arguments arguments) {
   if (!arguments.labels.empty()) labels_file.emplace(arguments.labels);
 
   const Scene scene(options);
-  const auto labels = Labels(options, static_cast<double>(scene.Frames()) / options.fps);
-  const nlohmann::ordered_json description = Describe(options, scene);
+  const std::vector<LabelSpan> labels = scene.Labels();
+  const nlohmann::ordered_json description = Describe(arguments, options, scene);
   Render(scene, options, *sink);
   if (labels_file) WriteLabels(arguments.labels, labels_file->Stream(), labels, description);
   sink->Finish();
@@ -198,32 +227,27 @@ void Synth(Arguments arguments) {
 
 std::function<void()> AddSynth(CLI::App& app) {
   auto arguments = std::make_shared<Arguments>();
-  SceneOptions& scene = arguments->scene;
   CLI::App* synth = app.add_subcommand(
       "synth", "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels");
-  synth
-      ->add_option("output", arguments->output,
-                   "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)")
-      ->required();
+  synth->add_option("output", arguments->output,
+                    "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)");
+  synth->add_option("--kind", arguments->kind,
+                    "Draw everything that is not given here from the seed, for a scene of this kind");
+  synth->add_flag("--list-kinds", arguments->list_kinds, "Tell the kinds of scenes");
   synth->add_option("--size", arguments->size, "Picture size, WIDTHxHEIGHT")->capture_default_str();
-  synth->add_option("--rate", scene.fps, "Frames a second")->capture_default_str();
-  synth->add_option("--length", scene.length_s, "Length in seconds")->capture_default_str();
-  synth
-      ->add_option("--departure", scene.departure_s,
-                   "Second at which the vehicle starts; past the length: never")
-      ->capture_default_str();
+  synth->add_option("--rate", arguments->fps, "Frames a second (25)");
+  synth->add_option("--length", arguments->length_s, "Length in seconds (12)");
+  synth->add_option("--departure", arguments->departure_s,
+                    "Second at which the vehicle starts; past the length: never (5)");
   synth
       ->add_option("--seed", arguments->seed,
                    "Chooses street, vehicle, noise and shake; the same gives the same bytes")
       ->capture_default_str();
-  synth->add_option("--distance", scene.distance_m, "Metres to the vehicle's rear while it waits")
-      ->capture_default_str();
-  synth->add_option("--acceleration", scene.acceleration, "Of the vehicle, m/s², reached after 0.8 s")
-      ->capture_default_str();
-  synth->add_option("--vibration", scene.vibration, "Largest shake of the picture, pixels")
-      ->capture_default_str();
-  synth->add_option("--noise", scene.noise, "Standard deviation of the sensor noise, grey levels")
-      ->capture_default_str();
+  synth->add_option("--distance", arguments->distance_m, "Metres to the vehicle's rear while it waits (5)");
+  synth->add_option("--acceleration", arguments->acceleration,
+                    "Of the vehicle, m/s², reached after 0.8 s (1.2)");
+  synth->add_option("--vibration", arguments->vibration, "Largest shake of the picture, pixels (0.4)");
+  synth->add_option("--noise", arguments->noise, "Standard deviation of the sensor noise, grey levels (2)");
   synth->add_option("--labels", arguments->labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
   synth->add_flag("--json", arguments->json, "Describe the clip as one line of JSON");
   synth->footer(
@@ -231,6 +255,7 @@ std::function<void()> AddSynth(CLI::App& app) {
       "  stopngo synth clip.y4m\n"
       "  stopngo synth clip.mp4 --seed 7 --departure 4 --acceleration 0.6\n"
       "  stopngo synth waiting.mkv --length 30 --departure 30 --vibration 1\n"
+      "  stopngo synth night.mp4 --kind mixed --seed 12\n"
       "  stopngo synth - --seed 3 | stopngo run -");
   return [arguments] { Synth(*arguments); };
 }

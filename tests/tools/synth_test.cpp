@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,6 +18,7 @@
 #include "command.h"
 #include "frame_source.h"
 #include "scene.h"
+#include "scene_script.h"
 #include "video_sink.h"
 
 namespace stopngo::test {
@@ -43,13 +46,24 @@ double MeanDifference(const Picture& a, const Picture& b) {
 
 /// A camera that neither shakes nor hisses: what changes is the vehicle.
 SceneOptions Quiet(std::uint64_t seed) {
-  return {.width = 200,
-          .height = 120,
-          .length_s = 40,
-          .departure_s = 2,
-          .seed = seed,
-          .vibration = 0,
-          .noise = 0};
+  SceneOptions options;
+  options.width = 200;
+  options.height = 120;
+  options.length_s = 40;
+  options.seed = seed;
+  LeaveAt(options.lead, 2, 1.2);
+  options.camera.vibration = 0;
+  options.sensor.noise = 0;
+  return options;
+}
+
+/// A scene of a kind as it is drawn, small.
+SceneOptions Drawn(SceneKind kind, std::uint64_t seed) {
+  SceneOptions options = DrawScene(kind, seed);
+  options.width = 400;
+  options.height = 240;
+  options.fps = 8;
+  return options;
 }
 
 std::string WriteY4m(const TemporaryFolder& folder, const SinkOptions& options, const Picture& picture) {
@@ -125,8 +139,10 @@ TEST(Synth, RearShrinksAsPerspectiveTells) {
 }
 
 TEST(Synth, DepartureIsSmoothAndAsStrongAsAsked) {
-  const SceneOptions options{
-      .width = 64, .height = 48, .length_s = 60, .departure_s = 3, .distance_m = 7, .acceleration = 2};
+  SceneOptions options = Quiet(1);
+  options.length_s = 60;
+  options.lead.distance_m = 7;
+  LeaveAt(options.lead, 3, 2);
   const Scene scene(options);
   const double step = 0.01;
   double last = 0;
@@ -150,7 +166,7 @@ TEST(Synth, DepartureIsSmoothAndAsStrongAsAsked) {
 TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
   SceneOptions options = Quiet(5);
   const Picture exact = Rendered(Scene(options), options, 0);
-  options.noise = 4;
+  options.sensor.noise = 4;
   const Picture noisy = Rendered(Scene(options), options, 0);
   double sum = 0;
   double squares = 0;
@@ -164,6 +180,132 @@ TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
   ASSERT_GT(count, 1000);
   EXPECT_NEAR(sum / count, 0, 0.15);
   EXPECT_NEAR(std::sqrt(squares / count), 4, 0.3);
+}
+
+// What every machine and compiler has to draw alike, from all that a scene can hold.
+TEST(Synth, ScenesOfAllKindsHaveTheSameBytesEverywhere) {
+  std::uint64_t hash = 0;
+  for (const SceneKindName& kind : SceneKinds()) {
+    std::vector<Picture> pictures;
+    for (const std::uint64_t seed : {1, 2}) {
+      const SceneOptions options = Drawn(kind.kind, seed);
+      const Scene scene(options);
+      for (const std::int64_t frame : {0, 20, 60}) pictures.push_back(Rendered(scene, options, frame));
+    }
+    EXPECT_GT(MeanDifference(pictures[0], pictures[3]), 3) << kind.name << ": seeds must differ";
+    for (const Picture& picture : pictures) {
+      hash = hash * 31 + Fnv1a({reinterpret_cast<const char*>(picture.data()), picture.size()});
+    }
+  }
+  EXPECT_EQ(hash, 0x0U) << std::hex << "0x" << hash;
+}
+
+TEST(Synth, WindowIsAPartOfThePicture) {
+  for (const SceneKind kind : {SceneKind::kMixed, SceneKind::kDriving, SceneKind::kRain}) {
+    for (const std::uint64_t seed : {1, 2, 3}) {
+      SceneOptions options = Drawn(kind, seed);
+      options.sensor.noise = 0;
+      const Scene whole(options);
+      const SceneWindow window{131, 90, 141, 93};
+      const Scene part(options, window);
+      EXPECT_EQ(part.SuggestedRegion().x, whole.SuggestedRegion().x);
+      EXPECT_EQ(part.SuggestedRegion().y, whole.SuggestedRegion().y);
+      Picture seen(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));
+      for (std::int64_t frame = 0; frame < 70; frame += 7) {
+        const Picture picture = Rendered(whole, options, frame);
+        part.Render(frame, seen);
+        Picture cut;
+        for (int row = 0; row < window.height; row++) {
+          const auto begin = picture.begin() + (window.y + row) * options.width + window.x;
+          cut.insert(cut.end(), begin, begin + window.width);
+        }
+        EXPECT_LT(MeanDifference(cut, seen), 1.5) << static_cast<int>(kind) << " " << seed << " " << frame;
+      }
+    }
+  }
+}
+
+// The lead's place tells when it starts; the picture has to tell it too, and not before.
+TEST(Synth, LabelsAgreeWithThePicture) {
+  int departures = 0;
+  for (std::uint64_t seed = 1; seed <= 12; seed++) {
+    SceneOptions options = Drawn(SceneKind::kDeparture, seed);
+    options.camera = {};
+    options.camera.vibration = 0;
+    options.sensor = {};
+    options.sensor.noise = 0;
+    options.light = {};
+    options.actors.clear();
+    options.others.clear();
+    options.lead.brake_switches_s.clear();
+    options.lead.indicator = Indicator::kNone;
+    const Scene scene(options);
+    for (const LabelSpan& label : scene.Labels()) {
+      if (label.activity != Activity::kLeadDeparts) continue;
+      departures++;
+      EXPECT_EQ(scene.Distance(label.start_s), scene.Distance(0));
+      EXPECT_GT(scene.Distance(label.start_s + 2.2), 1.09 * scene.Distance(0)) << "seed " << seed;
+      const auto before = static_cast<std::int64_t>(std::floor((label.start_s - 0.15) * options.fps));
+      const Picture first = Rendered(scene, options, 0);
+      EXPECT_EQ(first, Rendered(scene, options, before)) << "seed " << seed;
+      EXPECT_GT(MeanDifference(first, Rendered(scene, options, before + 20)), 0.2) << "seed " << seed;
+    }
+  }
+  EXPECT_EQ(departures, 12);
+}
+
+TEST(Synth, LabelsOfEveryKindFollowOneAnother) {
+  for (const SceneKindName& kind : SceneKinds()) {
+    int departures = 0;
+    bool moving = false;
+    for (std::uint64_t seed = 1; seed <= 20; seed++) {
+      const SceneOptions options = Drawn(kind.kind, seed);
+      const Scene scene(options, {0, 0, 8, 8});
+      double last = 0;
+      for (const LabelSpan& label : scene.Labels()) {
+        EXPECT_GE(label.start_s, last) << kind.name << " " << seed;
+        EXPECT_GT(label.end_s, label.start_s) << kind.name << " " << seed;
+        last = label.end_s;
+        moving = moving || label.activity == Activity::kEgoMoving;
+        if (label.activity != Activity::kLeadDeparts) continue;
+        departures++;
+        EXPECT_GE(label.start_s, 3) << kind.name << " " << seed;
+      }
+      EXPECT_LE(last, options.length_s + 0.2);
+    }
+    const bool leaves = kind.kind == SceneKind::kDeparture || kind.kind == SceneKind::kCreep ||
+                        kind.kind == SceneKind::kMixed;
+    if (leaves) {
+      EXPECT_EQ(departures, 20) << kind.name;
+    } else if (kind.kind != SceneKind::kQueue) {
+      EXPECT_EQ(departures, 0) << kind.name;
+    }
+    if (kind.kind == SceneKind::kDriving) {
+      EXPECT_TRUE(moving);
+    }
+  }
+}
+
+// A coder keeps what hardly changes: in a still picture that hisses most pixels are those of before, and
+// the hiss is gone from what it keeps; what truly changes comes through.
+TEST(Synth, CompressionFreezesWhatStands) {
+  SceneOptions options = Quiet(4);
+  options.sensor.noise = 1.5;
+  options.sensor.compression = 0.6;
+  options.sensor.refresh_s = 100;
+  const Scene scene(options);
+  const Picture first = Rendered(scene, options, 0);
+  const Picture second = Rendered(scene, options, 1);
+  const auto same = std::inner_product(first.begin(), first.end(), second.begin(), 0, std::plus<>(),
+                                       [](int a, int b) { return a == b ? 1 : 0; });
+  EXPECT_GT(same, 0.9 * static_cast<double>(first.size()));
+  options.sensor.compression = 0;
+  options.sensor.noise = 0;
+  const Picture exact = Rendered(Scene(options), options, 0);
+  EXPECT_LT(MeanDifference(first, exact), 5);
+  EXPECT_GT(MeanDifference(first, exact), 0.2);
+  const Picture later = Rendered(scene, options, 110);
+  EXPECT_LT(MeanDifference(later, Rendered(Scene(options), options, 110)), 5);
 }
 
 TEST(Synth, LabelsAgreeWithOptions) {
@@ -209,6 +351,7 @@ TEST(Synth, FaultsGiveOneSentenceAndLeaveNothing) {
                           {"@/clip.y4m --size 800", 2, "--size"},
                           {"@/clip.y4m --size 99999x480", 2, "--size"},
                           {"@/clip.y4m --seed -1", 2, "--seed"},
+                          {"@/clip.y4m --kind parade", 2, "parade"},
                           {"@/nowhere/clip.y4m", 1, "nowhere/clip.y4m"},
                           {"@/clip.nonsense", 1, "clip.nonsense"},
                           {"@/full.y4m", 1, "full.y4m"},
@@ -281,8 +424,12 @@ TEST(VideoSink, ColoursOfY4m) {
 
 #ifdef STOPNGO_WITH_FFMPEG
 TEST(VideoSink, VideoFilesKeepGreyLevelsAndTimes) {
-  const SceneOptions options{
-      .width = 320, .height = 192, .fps = 29.97, .length_s = 1, .departure_s = 0, .noise = 0};
+  SceneOptions options = Quiet(1);
+  options.width = 320;
+  options.height = 192;
+  options.fps = 29.97;
+  options.length_s = 1;
+  LeaveAt(options.lead, 0, 1.2);
   const Scene scene(options);
   const TemporaryFolder folder;
   for (const char* name : {"clip.mp4", "clip.mkv", "clip.avi"}) {

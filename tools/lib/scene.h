@@ -1,4 +1,4 @@
-// scene.h: a rendered scene: a camera that stands behind a vehicle, which waits and then drives away.
+// scene.h: a rendered scene: what a camera behind a windscreen sees of a street and of the vehicle ahead.
 #pragma once
 
 #include <cstdint>
@@ -7,22 +7,9 @@
 #include <vector>
 
 #include "label.h"
+#include "scene_options.h"
 
 namespace stopngo {
-
-/// Lengths in metres, times in seconds, angles in radians.
-struct SceneOptions {
-  int width = 800;  ///< pixels
-  int height = 480;
-  double fps = 25;
-  double length_s = 12;
-  double departure_s = 5;     ///< when the vehicle ahead starts; at or past length_s: never
-  std::uint64_t seed = 1;     ///< everything random: textures, colours, noise, vibration
-  double distance_m = 5;      ///< from the camera to the vehicle's rear
-  double acceleration = 1.2;  ///< m/s², after a soft start
-  double vibration = 0.4;     ///< amplitude of the picture's shake, pixels
-  double noise = 2.0;         ///< standard deviation of the sensor noise, grey levels
-};
 
 /// Columns and rows of a picture of 800 × 480 pixels.
 struct SceneRegion {
@@ -35,20 +22,22 @@ struct SceneWindow {
   int width = 0, height = 0;  ///< 0: the whole picture
 };
 
-/// Renders the frames of a scene in any order; the same options give the same bytes on every machine.
+/// The same options give the same bytes on every machine.
 class Scene {
  public:
   explicit Scene(const SceneOptions& options, const SceneWindow& window = {});
   ~Scene();
   [[nodiscard]] std::int64_t Frames() const;
-  /// luma: width × height bytes, those of the window.
+  /// luma: width × height bytes, those of the window. With compression a frame depends on those that were
+  /// rendered before it, which may be every frame or every n-th, in order; without it the order does not
+  /// matter. One thread at a time may render.
   void Render(std::int64_t frame, std::span<std::uint8_t> luma) const;
   /// Everything that is judged, in order of time, up to the scene's end.
   [[nodiscard]] std::vector<LabelSpan> Labels() const;
-  /// Distance from the camera to the vehicle's rear at a time.
+  /// Distance from where the camera is at the beginning to the vehicle's rear at a time.
   [[nodiscard]] double Distance(double time_s) const;
-  /// Where to look for the vehicle while it stands, at the working size of 800 × 480: the tools' default
-  /// region, moved onto the vehicle's rear when it does not lie on it.
+  /// Where to look for the vehicle while it stands, at the working size of 800 × 480: unless the options
+  /// aim it, the tools' default region, moved onto the vehicle's rear when it does not lie on it.
   [[nodiscard]] SceneRegion SuggestedRegion() const;
 
  private:

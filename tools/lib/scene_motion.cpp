@@ -1,63 +1,75 @@
-// scene_motion.cpp: departure with limited jerk, and the shake of an idling car.
+// scene_motion.cpp: stretches of constant jerk, one after the other.
 #include "scene_motion.h"
 
 #include <algorithm>
-
-#include "scene_random.h"
+#include <cmath>
 
 namespace stopngo {
-namespace {
 
-constexpr double kBuildUp_s = 0.8;       // clutch or converter: full acceleration is not there at once
-constexpr double kSpeedLimit = 13.9;     // m/s, 50 km/h
-constexpr std::uint64_t kStream = 0x5a;  // of random numbers: the shake's
-
-}  // namespace
-
-Departure::Departure(double start_s, double acceleration) {
-  // A strong acceleration would pass the speed limit while it still builds up: shorten the build-up.
-  const double build_up = std::min(kBuildUp_s, kSpeedLimit / acceleration);
-  const double constant = kSpeedLimit / acceleration - build_up;
-  const double jerk = acceleration / build_up;
-  phases_[0] = {start_s, 0, 0, 0, jerk};
-  phases_[1] = After(phases_[0], build_up, 0);
-  phases_[2] = After(phases_[1], constant, -jerk);
-  phases_[3] = After(phases_[2], build_up, 0);
-  phases_[3].acceleration = 0;  // exactly, where the sum leaves a rounding error that would grow with t²
+Track::Track(const MotionOptions& motion) : phases_{{0, 0, motion.speed, 0, 0}} {
+  for (const SpeedChange& change : motion.changes) {
+    Change(change);
+  }
 }
 
-Departure::Phase Departure::After(const Phase& phase, double t, double jerk) {
+void Track::Change(const SpeedChange& change) {
+  const double begin = std::max(change.start_s, phases_.back().begin_s);
+  const double difference = change.speed - phases_.back().speed;
+  if (difference == 0) {
+    return;
+  }
+  // A strong acceleration would pass the speed while it still builds up: shorten the build-up.
+  const double total = std::fabs(difference) / change.acceleration;
+  const double build_up = std::min(change.build_up_s, total);
+  const double jerk = (difference > 0 ? 1 : -1) * change.acceleration / build_up;
+  phases_.push_back(After(phases_.back(), begin - phases_.back().begin_s, jerk));
+  phases_.push_back(After(phases_.back(), build_up, 0));
+  phases_.push_back(After(phases_.back(), total - build_up, -jerk));
+  phases_.push_back(After(phases_.back(), build_up, 0));
+  // Exactly, where the sums leave rounding errors that would grow with time.
+  phases_.back().speed = change.speed;
+  phases_.back().acceleration = 0;
+}
+
+Track::Phase Track::After(const Phase& phase, double t, double jerk) {
   return {phase.begin_s + t,
           phase.position + t * (phase.speed + t * (phase.acceleration / 2 + t * phase.jerk / 6)),
           phase.speed + t * (phase.acceleration + t * phase.jerk / 2), phase.acceleration + t * phase.jerk,
           jerk};
 }
 
-double Departure::Travelled(double time_s) const {
-  if (time_s <= phases_[0].begin_s) {
-    return 0;
-  }
+const Track::Phase& Track::At(double time_s) const {
   const auto next = std::find_if(phases_.begin() + 1, phases_.end(),
                                  [time_s](const Phase& phase) { return time_s < phase.begin_s; });
-  const Phase& phase = *(next - 1);
+  return *(next - 1);
+}
+
+double Track::Position(double time_s) const {
+  const Phase& phase = At(time_s);
   return After(phase, time_s - phase.begin_s, 0).position;
 }
 
-Shake::Shake(double amplitude, double fps, std::uint64_t seed)
-    : amplitude_(amplitude), fps_(fps), seed_(seed) {
-  Random random(seed, kStream);
-  rock_hz_ = random.Uniform(1.2, 2.2);  // the body on its springs
-  idle_hz_ = random.Uniform(22, 28);    // four cylinders, two ignitions a turn, at 660 to 840 turns a minute
+double Track::Speed(double time_s) const {
+  const Phase& phase = At(time_s);
+  return After(phase, time_s - phase.begin_s, 0).speed;
 }
 
-Shake::Offset Shake::At(std::int64_t frame) const {
-  const double time_s = static_cast<double>(frame) / fps_;
-  Random jitter(seed_ + static_cast<std::uint64_t>(frame) * 2, kStream + 1);
-  const double rock = SineOfTurns(rock_hz_ * time_s);
-  const double idle = SineOfTurns(idle_hz_ * time_s);
-  // An engine shakes its car up and down more than sideways. The weights of a coordinate sum to at most 1.
-  return {amplitude_ * (0.2 * rock + 0.15 * idle + jitter.Uniform(-0.15, 0.15)),
-          amplitude_ * (0.3 * rock + 0.4 * idle + jitter.Uniform(-0.3, 0.3))};
+std::vector<Span> Track::Moving(double end_s) const {
+  std::vector<Span> spans;
+  for (std::size_t i = 0; i < phases_.size() && phases_[i].begin_s < end_s; i++) {
+    const Phase& phase = phases_[i];
+    const double until = i + 1 < phases_.size() ? std::min(phases_[i + 1].begin_s, end_s) : end_s;
+    const bool rests = phase.speed == 0 && phase.acceleration == 0 && phase.jerk == 0;
+    if (rests || until <= phase.begin_s) {
+      continue;
+    }
+    if (!spans.empty() && spans.back().end_s == phase.begin_s) {
+      spans.back().end_s = until;
+    } else {
+      spans.push_back({phase.begin_s, until});
+    }
+  }
+  return spans;
 }
 
 }  // namespace stopngo

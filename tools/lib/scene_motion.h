@@ -1,18 +1,25 @@
-// scene_motion.h: how things move in a scene: the vehicle that drives away, the camera that shakes.
+// scene_motion.h: how things move along a line: speeds that change with limited jerk.
 #pragma once
 
-#include <array>
-#include <cstdint>
+#include <vector>
+
+#include "scene_options.h"
 
 namespace stopngo {
 
-/// Position along a road after starting from rest: the acceleration builds up over a moment, holds,
-/// and fades out at the speed limit.
-class Departure {
+struct Span {
+  double start_s;
+  double end_s;
+};
+
+/// A position over time. While it rests it is exactly the same from one moment to the next.
+class Track {
  public:
-  Departure(double start_s, double acceleration);
-  /// Metres driven by a time.
-  [[nodiscard]] double Travelled(double time_s) const;
+  explicit Track(const MotionOptions& motion);
+  [[nodiscard]] double Position(double time_s) const;
+  [[nodiscard]] double Speed(double time_s) const;
+  /// When it moves, up to a time.
+  [[nodiscard]] std::vector<Span> Moving(double end_s) const;
 
  private:
   /// A stretch of constant jerk and the state at its beginning.
@@ -24,27 +31,10 @@ class Departure {
     double jerk;
   };
   [[nodiscard]] static Phase After(const Phase& phase, double duration_s, double jerk);
+  [[nodiscard]] const Phase& At(double time_s) const;
+  void Change(const SpeedChange& change);
 
-  std::array<Phase, 4> phases_;
-};
-
-/// The picture's displacement by the idling engine, in pixels.
-class Shake {
- public:
-  struct Offset {
-    double x;
-    double y;
-  };
-  /// Neither coordinate ever passes the amplitude.
-  Shake(double amplitude, double fps, std::uint64_t seed);
-  [[nodiscard]] Offset At(std::int64_t frame) const;
-
- private:
-  double amplitude_;
-  double fps_;
-  std::uint64_t seed_;
-  double rock_hz_;
-  double idle_hz_;
+  std::vector<Phase> phases_;
 };
 
 }  // namespace stopngo

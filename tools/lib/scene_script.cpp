@@ -2,33 +2,133 @@
 #include "scene_script.h"
 
 #include <array>
+#include <cstddef>
 
+#include "scene_events.h"
 #include "scene_random.h"
 
 namespace stopngo {
 namespace {
 
 constexpr std::uint64_t kStream = 0x77;  // of random numbers: the script's
+constexpr double kBefore_s = 3.5;        // the lead stands at least so long before it leaves
+constexpr double kAfter_s = 4.5;         // and this long is shown of it leaving
 
-constexpr std::array<SceneKindName, 2> kKinds{{
-    {SceneKind::kDeparture, "departure", "the vehicle ahead drives away"},
-    {SceneKind::kStanding, "standing", "nothing happens"},
+/// A moment at which something happens.
+double SomeTime(const SceneOptions& scene, Random& random) { return random.Uniform(1, scene.length_s - 1.5); }
+
+double StartTime(const SceneOptions& scene, Random& random) {
+  return random.Uniform(kBefore_s, scene.length_s - kAfter_s);
+}
+
+void Depart(SceneOptions& scene, Random& random) { AddDeparture(scene, StartTime(scene, random), random); }
+
+void Nothing(SceneOptions& scene, Random& random) {
+  // Whether it brakes does not matter; it is one draw that keeps neighbouring seeds apart.
+  scene.lead.braking = Chance(random, 0.75);
+}
+
+template <Distractor kDistractor>
+void Distract(SceneOptions& scene, Random& random) {
+  const std::uint32_t times = 1 + random.Below(3);
+  for (std::uint32_t i = 0; i < times; i++) {
+    kDistractor(scene, SomeTime(scene, random), random);
+  }
+}
+
+/// What crosses also does so with nobody ahead of us.
+template <Distractor kDistractor>
+void Cross(SceneOptions& scene, Random& random) {
+  scene.lead_present = Chance(random, 0.75);
+  if (!scene.lead_present) scene.others.clear();
+  Distract<kDistractor>(scene, random);
+}
+
+void Creep(SceneOptions& scene, Random& random) { AddCreep(scene, StartTime(scene, random), random); }
+
+/// The one before the lead leaves; in half of the scenes the lead does so some seconds later.
+void Queue(SceneOptions& scene, Random& random) {
+  AddQueue(scene, random);
+  VehicleOptions ahead = scene.others.front();
+  const double start_s = random.Uniform(2.5, scene.length_s - 6);
+  LeaveAt(ahead, start_s, LogUniform(random, 0.4, 2.5), LogUniform(random, 0.3, 1.5));
+  const double later_s = start_s + random.Uniform(2, 6);
+  if (Chance(random, 0.5) && later_s < scene.length_s - kAfter_s) {
+    AddDeparture(scene, later_s, random);
+  }
+  scene.others.front() = ahead;
+}
+
+void Drive(SceneOptions& scene, Random& random) { AddDriving(scene, random); }
+
+void Empty(SceneOptions& scene, Random& random) {
+  scene.lead_present = false;
+  scene.others.clear();
+  const auto distractors = Distractors();
+  const std::uint32_t times = 1 + random.Below(4);
+  for (std::uint32_t i = 0; i < times; i++) {
+    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, SomeTime(scene, random),
+                                                                              random);
+  }
+}
+
+/// A departure, with one to three things before it and none to two during it.
+void Mix(SceneOptions& scene, Random& random) {
+  const double start_s = StartTime(scene, random);
+  AddDeparture(scene, start_s, random);
+  const auto distractors = Distractors();
+  const std::uint32_t before = 1 + random.Below(3);
+  const std::uint32_t during = random.Below(3);
+  for (std::uint32_t i = 0; i < before + during; i++) {
+    const double at_s = i < before ? random.Uniform(0.5, start_s) : start_s + random.Uniform(-0.5, 2.5);
+    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, at_s, random);
+  }
+}
+
+struct Script {
+  SceneKindName name;
+  void (*draw)(SceneOptions& scene, Random& random);
+};
+
+constexpr std::array<Script, 15> kScripts{{
+    {{SceneKind::kDeparture, "departure", "the vehicle ahead drives away"}, Depart},
+    {{SceneKind::kStanding, "standing", "nothing happens"}, Nothing},
+    {{SceneKind::kCrossing, "crossing", "vehicles cross before or behind the one ahead"}, Cross<AddCrossing>},
+    {{SceneKind::kPedestrians, "pedestrians", "people cross"}, Cross<AddPedestrians>},
+    {{SceneKind::kNeighbours, "neighbours", "vehicles beside start, stop or pass"}, Distract<AddNeighbours>},
+    {{SceneKind::kWipers, "wipers", "wipers sweep"}, Distract<AddWipers>},
+    {{SceneKind::kRain, "rain", "rain, drops on the glass, snow"}, Distract<AddRain>},
+    {{SceneKind::kBrakeLights, "brake_lights", "lamps of the one ahead change, it rocks, its boot opens"},
+     Distract<AddLamps>},
+    {{SceneKind::kExposure, "exposure", "the light or the exposure changes"}, Distract<AddExposure>},
+    {{SceneKind::kShaking, "shaking", "jolts and gusts shake the camera"}, Distract<AddShaking>},
+    {{SceneKind::kDriving, "driving", "our own vehicle moves"}, Drive},
+    {{SceneKind::kCreep, "creep", "the vehicle ahead rolls a little and stops"}, Creep},
+    {{SceneKind::kQueue, "queue", "the vehicle before the one ahead leaves first"}, Queue},
+    {{SceneKind::kEmpty, "empty", "nobody is ahead, things happen"}, Empty},
+    {{SceneKind::kMixed, "mixed", "a departure, with other things before and during it"}, Mix},
 }};
 
 }  // namespace
 
-std::span<const SceneKindName> SceneKinds() { return kKinds; }
+std::span<const SceneKindName> SceneKinds() {
+  static const auto names = [] {
+    std::array<SceneKindName, kScripts.size()> list{};
+    for (std::size_t i = 0; i < list.size(); i++) list[i] = kScripts[i].name;
+    return list;
+  }();
+  return names;
+}
 
 SceneOptions DrawScene(SceneKind kind, std::uint64_t seed) {
-  Random random(seed, kStream);
-  SceneOptions options;
-  options.seed = seed;
-  options.distance_m = random.Uniform(3, 12);
-  options.acceleration = random.Uniform(0.3, 3);
-  options.vibration = random.Uniform(0, 0.6);
-  options.noise = random.Uniform(0.5, 4);
-  options.departure_s = kind == SceneKind::kDeparture ? random.Uniform(4, 7) : options.length_s;
-  return options;
+  const auto index = static_cast<std::uint64_t>(kind);
+  Random random(seed, kStream + index);
+  SceneOptions scene;
+  // Scenes of two kinds with the same seed have nothing else in common.
+  scene.seed = seed ^ (index << 56);
+  DrawSetting(scene, random);
+  kScripts[static_cast<std::size_t>(kind)].draw(scene, random);
+  return scene;
 }
 
 }  // namespace stopngo

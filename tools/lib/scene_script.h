@@ -9,8 +9,21 @@
 namespace stopngo {
 
 enum class SceneKind {
-  kDeparture,  ///< the vehicle ahead drives away
-  kStanding,   ///< nothing happens
+  kDeparture,
+  kStanding,
+  kCrossing,
+  kPedestrians,
+  kNeighbours,
+  kWipers,
+  kRain,
+  kBrakeLights,
+  kExposure,
+  kShaking,
+  kDriving,
+  kCreep,
+  kQueue,
+  kEmpty,
+  kMixed,
 };
 
 struct SceneKindName {

@@ -1,9 +1,10 @@
-// scene_sensor.cpp: read noise, shot noise and rounding to grey levels.
+// scene_sensor.cpp: the lens's blur, exposure, read noise, shot noise and rounding to grey levels.
 #include "scene_sensor.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <vector>
 
 #include "scene_random.h"
 
@@ -45,14 +46,74 @@ class NoiseLanes {
 /// the light. This is the parabola through that root at the levels 0, 110 and 255.
 constexpr float RelativeDeviation(float level) { return 0.577F + level * (0.0044034F - 5.072e-6F * level); }
 
+constexpr float kContrastPivot = 100;
+
 }  // namespace
 
-Sensor::Sensor(double deviation, std::uint64_t seed)
-    : deviation_(static_cast<float>(deviation)), seed_(seed) {}
+Sensor::Sensor(const SensorOptions& options, const PicturePart& frame, std::uint64_t seed)
+    : options_(options), frame_(frame), seed_(seed) {}
 
-void Sensor::Expose(std::span<const float> light, std::int64_t frame, int row,
+double Sensor::Gain(double time_s) const {
+  double gain = options_.gain;
+  for (const ExposureChange& change : options_.exposure) {
+    const double share = std::clamp((time_s - change.start_s) / std::max(change.ramp_s, 1e-3), 0.0, 1.0);
+    gain *= 1 + (change.factor - 1) * share;
+  }
+  return gain;
+}
+
+/// Each pixel gives a share to its neighbours, first across, then down.
+void Sensor::Blur(std::span<float> light) const {
+  const auto width = static_cast<std::size_t>(frame_.width);
+  const auto share = static_cast<float>(options_.blur);
+  const float own = 1 - 2 * share;
+  std::vector<float> above(width);
+  std::vector<float> row(width);
+  for (std::size_t begin = 0; begin < light.size(); begin += width) {
+    const auto line = light.subspan(begin, width);
+    std::copy(line.begin(), line.end(), row.begin());
+    for (std::size_t x = 1; x + 1 < width; x++) {
+      line[x] = own * row[x] + share * (row[x - 1] + row[x + 1]);
+    }
+  }
+  std::copy_n(light.begin(), width, above.begin());
+  for (std::size_t begin = 0; begin + width < light.size(); begin += width) {
+    for (std::size_t x = 0; x < width; x++) {
+      const float here = light[begin + x];
+      light[begin + x] = own * here + share * (above[x] + light[begin + width + x]);
+      above[x] = here;
+    }
+  }
+}
+
+void Sensor::Expose(std::span<float> light, double time_s, std::int64_t index,
                     std::span<std::uint8_t> out) const {
-  NoiseLanes lanes(seed_, frame, row);
+  if (options_.blur > 0) {
+    Blur(light);
+  }
+  const auto width = static_cast<std::size_t>(frame_.width);
+  const auto gain = static_cast<float>(Gain(time_s));
+  for (int row = 0; row < frame_.height; row++) {
+    const std::size_t begin = static_cast<std::size_t>(row) * width;
+    ExposeRow(row, gain, index, light.subspan(begin, width), out.subspan(begin, width));
+  }
+}
+
+void Sensor::ExposeRow(int row, float gain, std::int64_t index, std::span<float> light,
+                       std::span<std::uint8_t> out) const {
+  const auto contrast = static_cast<float>(options_.contrast);
+  const auto deviation = static_cast<float>(options_.noise);
+  const float middle_x = 0.5F * static_cast<float>(frame_.whole_width);
+  const float middle_y = 0.5F * static_cast<float>(frame_.whole_height);
+  const float falloff = static_cast<float>(options_.vignette) / (middle_x * middle_x + middle_y * middle_y);
+  const float dy = static_cast<float>(frame_.y + row) - middle_y;
+  for (std::size_t x = 0; x < light.size(); x++) {
+    const float dx = static_cast<float>(frame_.x) + static_cast<float>(x) - middle_x;
+    const float strength = gain * (1 - falloff * (dx * dx + dy * dy));
+    const float level = kBlack + (light[x] - kBlack) * strength;
+    light[x] = std::clamp(kContrastPivot + (level - kContrastPivot) * contrast, 0.0F, 255.0F);
+  }
+  NoiseLanes lanes(seed_, index, row + frame_.y);
   std::array<float, kLanes> unit{};
   std::array<float, kLanes> level{};
   std::array<std::uint8_t, kLanes> bytes{};
@@ -61,8 +122,8 @@ void Sensor::Expose(std::span<const float> light, std::int64_t frame, int row,
     std::copy_n(light.begin() + static_cast<std::ptrdiff_t>(x), count, level.begin());
     lanes.Next(unit);
     for (std::size_t i = 0; i < kLanes; i++) {
-      const float deviation = deviation_ * RelativeDeviation(level[i]);
-      const float grey = std::clamp(level[i] + deviation * unit[i] + 0.5F, 0.0F, 255.0F);
+      const float amplitude = deviation * RelativeDeviation(level[i]);
+      const float grey = std::clamp(level[i] + amplitude * unit[i] + 0.5F, 0.0F, 255.0F);
       bytes[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(grey));
     }
     std::copy_n(bytes.begin(), count, out.begin() + static_cast<std::ptrdiff_t>(x));

@@ -1,20 +1,34 @@
-// scene_sensor.h: the image sensor of a scene: light to grey levels, with noise.
+// scene_sensor.h: lens and image sensor of a scene: light to grey levels, with blur, exposure and noise.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
+#include "scene_options.h"
+
 namespace stopngo {
+
+/// A part of a picture: where it begins in the whole, and the sizes of both.
+struct PicturePart {
+  int x, y, width, height;
+  int whole_width, whole_height;
+};
 
 class Sensor {
  public:
-  /// deviation: of the noise at a middle grey, in grey levels.
-  Sensor(double deviation, std::uint64_t seed);
-  /// Turns one row of exact grey levels into bytes.
-  void Expose(std::span<const float> light, std::int64_t frame, int row, std::span<std::uint8_t> out) const;
+  Sensor(const SensorOptions& options, const PicturePart& frame, std::uint64_t seed);
+  /// Turns exact grey levels into bytes. index: of the picture, for its noise. The light is changed.
+  void Expose(std::span<float> light, double time_s, std::int64_t index, std::span<std::uint8_t> out) const;
+  /// What all light is multiplied by at a time.
+  [[nodiscard]] double Gain(double time_s) const;
 
  private:
-  float deviation_;
+  void Blur(std::span<float> light) const;
+  void ExposeRow(int row, float gain, std::int64_t index, std::span<float> light,
+                 std::span<std::uint8_t> out) const;
+
+  SensorOptions options_;
+  PicturePart frame_;
   std::uint64_t seed_;
 };
 

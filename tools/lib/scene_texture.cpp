@@ -54,6 +54,42 @@ void Texture::Fill(std::span<const OutlinePoint> outline, double tone_bottom, do
   }
 }
 
+void Texture::FillPolygon(std::span<const PaintPoint> corners, double tone_bottom, double tone_top) {
+  constexpr int kSlices = 4;  // of a row of texels: their edges are smooth across rows, and exact along them
+  const double span = static_cast<double>(rows_) / per_metre_;
+  std::vector<double> crossings;
+  std::vector<double> cover(columns_);
+  for (std::size_t row = 0; row < rows_; row++) {
+    std::fill(cover.begin(), cover.end(), 0.0);
+    for (int slice = 0; slice < kSlices; slice++) {
+      const double height = (static_cast<double>(row) + (slice + 0.5) / kSlices) / per_metre_;
+      crossings.clear();
+      for (std::size_t i = 0; i < corners.size(); i++) {
+        const PaintPoint& a = corners[i];
+        const PaintPoint& b = corners[(i + 1) % corners.size()];
+        if ((a.height <= height) != (b.height <= height)) {
+          const double share = (height - a.height) / (b.height - a.height);
+          crossings.push_back((a.across + share * (b.across - a.across)) * per_metre_ + Centre());
+        }
+      }
+      std::sort(crossings.begin(), crossings.end());
+      for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
+        const double left = std::clamp(crossings[i], 0.0, Columns());
+        const double right = std::clamp(crossings[i + 1], 0.0, Columns());
+        for (auto column = static_cast<std::size_t>(left); static_cast<double>(column) < right; column++) {
+          const auto x = static_cast<double>(column);
+          cover[column] += (std::min(right, x + 1) - std::max(left, x)) / kSlices;
+        }
+      }
+    }
+    const double height = (static_cast<double>(row) + 0.5) / per_metre_;
+    const double tone = tone_bottom + (tone_top - tone_bottom) * height / span;
+    for (std::size_t column = 0; column < columns_; column++) {
+      Blend(row, column, tone, cover[column], 0);
+    }
+  }
+}
+
 void Texture::Paint(const Shape& shape) {
   PaintOne(shape, shape.centre);
   if (shape.centre != 0) {
@@ -122,23 +158,53 @@ void Texture::Seal() {
   texels_ = std::move(sums);
 }
 
+const Texel* Texture::Line(double row, double& share) const {
+  const double inside = std::clamp(row, 0.0, static_cast<double>(rows_));
+  const auto whole = std::min(static_cast<std::size_t>(inside), rows_ - 1);
+  share = inside - static_cast<double>(whole);
+  return texels_.data() + whole * (columns_ + 1);
+}
+
 void Texture::SumRows(double low, double high, std::vector<Texel>& sums) const {
+  SumRows(low, high, 0, Columns(), sums);
+}
+
+void Texture::SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const {
   const std::size_t stride = columns_ + 1;
-  const auto line = [this, stride](double row, double& share) {
-    const auto whole = std::min(static_cast<std::size_t>(row), rows_ - 1);
-    share = row - static_cast<double>(whole);
-    return texels_.data() + whole * stride;
-  };
   double low_share = 0;
   double high_share = 0;
-  const Texel* bottom = line(std::clamp(low, 0.0, static_cast<double>(rows_)), low_share);
-  const Texel* top = line(std::clamp(high, 0.0, static_cast<double>(rows_)), high_share);
+  const Texel* bottom = Line(low, low_share);
+  const Texel* top = Line(high, high_share);
   sums.resize(stride);
-  for (std::size_t i = 0; i < stride; i++) {
+  // SumColumns looks at the columns around a place, and at the last two at the right edge.
+  const auto first = std::min(static_cast<std::size_t>(std::clamp(left, 0.0, Columns())), columns_ - 1);
+  const auto last = std::min(static_cast<std::size_t>(std::clamp(right, 0.0, Columns())) + 1, columns_);
+  for (std::size_t i = first; i <= last; i++) {
     const Texel from = Mix(bottom[i], bottom[i + stride], low_share);
     const Texel to = Mix(top[i], top[i + stride], high_share);
     sums[i] = {to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
   }
+}
+
+Texel Texture::Sum(double left, double right, double low, double high) const {
+  const std::size_t stride = columns_ + 1;
+  double low_share = 0;
+  double high_share = 0;
+  const Texel* bottom = Line(low, low_share);
+  const Texel* top = Line(high, high_share);
+  const auto upto = [&](double column) {
+    const double inside = std::clamp(column, 0.0, Columns());
+    const auto whole = std::min(static_cast<std::size_t>(inside), columns_ - 1);
+    const double share = inside - static_cast<double>(whole);
+    const Texel* b = bottom + whole;
+    const Texel* t = top + whole;
+    const Texel to = Mix(Mix(t[0], t[1], share), Mix(t[stride], t[stride + 1], share), high_share);
+    const Texel from = Mix(Mix(b[0], b[1], share), Mix(b[stride], b[stride + 1], share), low_share);
+    return Texel{to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
+  };
+  const Texel to = upto(right);
+  const Texel from = upto(left);
+  return {to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
 }
 
 Texel Texture::SumColumns(const std::vector<Texel>& sums, double column) {

@@ -26,6 +26,12 @@ struct OutlinePoint {
   double half_width;
 };
 
+/// A point of a painting: metres to the right of its middle and above its lower edge.
+struct PaintPoint {
+  double across;
+  double height;
+};
+
 /// What a texture holds of each point, or the sum of it over many points.
 struct Texel {
   double tone = 0;   ///< grey level times coverage
@@ -39,6 +45,8 @@ class Texture {
  public:
   Texture(double half_width, double height, double texels_per_metre);
   void Fill(std::span<const OutlinePoint> outline, double tone_bottom, double tone_top);
+  /// A polygon of any shape that no edge of crosses another.
+  void FillPolygon(std::span<const PaintPoint> corners, double tone_bottom, double tone_top);
   void Paint(const Shape& shape);
   /// Paints it once, with its middle at centre.
   void PaintOne(const Shape& shape, double centre);
@@ -49,13 +57,20 @@ class Texture {
   [[nodiscard]] double TexelsPerMetre() const { return per_metre_; }
   [[nodiscard]] double Centre() const { return 0.5 * static_cast<double>(columns_); }
   [[nodiscard]] double Columns() const { return static_cast<double>(columns_); }
+  [[nodiscard]] double Rows() const { return static_cast<double>(rows_); }
   /// For each column the sum over all columns left of it and the rows from low to high (texels from
   /// the lower edge).
   void SumRows(double low, double high, std::vector<Texel>& sums) const;
+  /// The same for the columns that SumColumns needs between two of them; the others are left as they are.
+  void SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const;
+  /// The sum over a rectangle (texels from the left and the lower edge), of which any part may lie outside.
+  [[nodiscard]] Texel Sum(double left, double right, double low, double high) const;
   /// The sum left of a column, of what SumRows gave.
   static Texel SumColumns(const std::vector<Texel>& sums, double column);
 
  private:
+  /// The sums below a row, and its fraction.
+  const Texel* Line(double row, double& share) const;
   void Blend(std::size_t row, std::size_t column, double tone, double alpha, double lamp);
 
   double per_metre_;

@@ -1,256 +1,274 @@
-// scene_world.cpp: a street between houses, seen from a lane that leads straight ahead.
+// scene_world.cpp: a street laid out from a seed, and what a ray into it meets first.
 #include "scene_world.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace stopngo {
 namespace {
 
-// Across the street, metres from the middle of the own lane, which is 3.5 m wide; one more lane comes
-// towards the camera on the left.
-constexpr float kLeftKerb = -5.4F;
-constexpr float kRightKerb = 1.95F;
-constexpr float kLeftHouses = -9.5F;
-constexpr float kRightHouses = 6.2F;
-constexpr float kCentreLine = -1.75F;
-constexpr float kEdgeLine = 1.65F;
 constexpr float kKerbHeight = 0.12F;
-constexpr float kStreetEnd = 140;  // where houses close the view
-
 constexpr float kHazeTone = 190;
 constexpr float kHazeDistance = 450;  // at which half of the light is haze
-constexpr float kPaintTone = 196;
 constexpr float kNowhere = 1e9F;
+constexpr float kLampGap = 28;  // between street lamps
+constexpr float kCeiling = 5.2F;
 
 constexpr std::uint64_t kStream = 0x30;  // of random numbers: the world's
 
-float Haze(float tone, float z) { return tone + (kHazeTone - tone) * z / (z + kHazeDistance); }
-
-bool Within(float value, float low, float high) { return value >= low && value < high; }
-
-float Fraction(float value) { return value - static_cast<float>(FloorToInt(value)); }
-
-/// 1 at the middle of a band, a half at its width, falling off slowly.
-float Band(float distance, float width) {
-  const float relative = distance / width;
-  return 1 / (1 + relative * relative);
-}
-
 }  // namespace
 
-World::World(double camera_height, double stop_line_m, std::uint64_t seed)
-    : camera_height_(static_cast<float>(camera_height)),
+World::Profile World::ProfileOf(WorldOptions::Style style, Random& random) {
+  const auto number = [&random](double low, double high) {
+    return static_cast<float>(random.Uniform(low, high));
+  };
+  const auto lanes = static_cast<float>(random.Below(3));
+  const float left_pavement = number(1.5, 6);
+  const float right_pavement = number(1.5, 6);
+  const float extra = static_cast<float>(random.Below(3) == 0 ? 3.5 : 0.2);  // a lane to the right
+  const float left = -5.4F - 1.75F * lanes;
+  const float right = 1.75F + extra;
+  switch (style) {
+    case WorldOptions::Style::kOpen:
+      return {left + 1.2F, 2.6F, -kNowhere, kNowhere, -1.75F, 0, 0, 14, lanes < 2};
+    case WorldOptions::Style::kWall:
+      return {left, right, left - left_pavement * 0.5F, right + right_pavement * 0.5F, -1.75F, 5, 9,
+              22,   true};
+    case WorldOptions::Style::kTunnel:
+      return {-5.6F, 2.3F, -6.6F, 3.4F, -1.75F, 9, 9, 0, false};
+    case WorldOptions::Style::kMotorway:
+      return {-9.2F, 4.6F, -kNowhere, kNowhere, -1.75F, 0, 0, 30, false};
+    case WorldOptions::Style::kStreet:
+      break;
+  }
+  return {left, right, left - left_pavement, right + right_pavement, -1.75F, 7, 17, 12, true};
+}
+
+World::World(const WorldOptions& options, const Light& light, double camera_height, double stop_line_m,
+             double travel_m, std::uint64_t seed)
+    : options_(options),
+      light_(light),
+      profile_(),
+      camera_height_(static_cast<float>(camera_height)),
       stop_line_(static_cast<float>(stop_line_m)),
-      seed_(0) {
+      end_(static_cast<float>(options.street_end_m + travel_m)),
+      reach_(150) {
   Random random(seed, kStream);
   seed_ = static_cast<std::uint32_t>(random.Next());
+  profile_ = ProfileOf(options.style, random);
+  sun_edge_ = static_cast<float>(random.Uniform(-6, 14));
+  pool_phase_ = static_cast<float>(random.Uniform(0, 28));
+  sky_bright_ = static_cast<float>(random.Uniform(170, 232));
+  sky_fall_ = static_cast<float>(random.Uniform(20, 120));
+  clouds_ = static_cast<float>(random.Uniform(2, 16));
   BuildHouses(random);
   BuildUprights(random);
 }
 
 void World::BuildHouses(Random& random) {
+  if (profile_.most_height <= 0) {
+    return;
+  }
   const auto row = [&random](float from, float to, double least, double most) {
     std::vector<House> houses;
     for (float at = from; at < to;) {
-      const auto length = static_cast<float>(random.Uniform(9, 22));
-      houses.push_back(
-          {at, at + length, static_cast<float>(random.Uniform(least, most)),
-           static_cast<float>(random.Uniform(85, 175)), static_cast<float>(random.Uniform(2.9, 3.6)),
-           static_cast<float>(random.Uniform(2.1, 3.6)), static_cast<std::uint32_t>(random.Next())});
+      const auto length = static_cast<float>(random.Uniform(7, 22));
+      const auto height = static_cast<float>(random.Uniform(least, most));
+      const auto tone = static_cast<float>(random.Uniform(60, 190));
+      const auto floor_height = static_cast<float>(random.Uniform(2.7, 3.6));
+      const auto bay_width = static_cast<float>(random.Uniform(1.6, 3.6));
+      houses.push_back({at, at + length, height, tone, floor_height, bay_width,
+                        static_cast<std::uint32_t>(random.Next())});
       at += length;
     }
     return houses;
   };
-  left_ = row(-2, kStreetEnd, 8, 17);
-  right_ = row(-2, kStreetEnd, 7, 15);
-  far_ = row(-60, 60, 9, 22);
+  left_ = row(-20, end_, profile_.least_height, profile_.most_height);
+  right_ = row(-20, end_, profile_.least_height, profile_.most_height);
+  far_ = row(-60, 60, profile_.least_height + 2, profile_.most_height + 5);
 }
 
 void World::BuildUprights(Random& random) {
   const auto number = [&random](double low, double high) {
     return static_cast<float>(random.Uniform(low, high));
   };
-  const auto seed = [&random] { return static_cast<std::uint32_t>(random.Next()); };
-  uprights_.push_back({Upright::Kind::kSignal, kRightKerb + 0.6F, stop_line_ + 0.3F, 3.3F, 0.34F, seed()});
-  uprights_.push_back({Upright::Kind::kSignal, kLeftKerb - 0.6F, stop_line_ + 7, 3.3F, 0.34F, seed()});
-  for (const float x : {kLeftKerb - 1.1F, kRightKerb + 1.2F}) {
-    float z = number(9, 16);
-    while (z < kStreetEnd) {
-      if (random.Below(3) == 0) {
-        uprights_.push_back({Upright::Kind::kMast, x, z, number(6.5, 8), 0.15F, seed()});
+  const auto add = [&](Upright::Kind kind, float x, float z, float height, float width) {
+    uprights_.push_back({kind, x, z, height, width, static_cast<std::uint32_t>(random.Next())});
+  };
+  const float left = profile_.left_kerb;
+  const float right = profile_.right_kerb;
+  if (profile_.junction) {
+    add(Upright::Kind::kSignal, right + 0.6F, stop_line_ + 0.3F, 3.3F, 0.34F);
+    add(Upright::Kind::kSignal, left - 0.6F, stop_line_ + 7, 3.3F, 0.34F);
+  }
+  for (const float x : {left - 1.1F, right + 1.2F}) {
+    for (float z = number(7, 16); profile_.upright_gap > 0 && z < end_;) {
+      const float height = number(4.5, 8.5);
+      if (random.Below(3) == 0 || options_.style == WorldOptions::Style::kMotorway) {
+        add(Upright::Kind::kMast, x, z, height, 0.9F);
       } else {
-        uprights_.push_back({Upright::Kind::kTree, x, z, number(5, 8.5), number(2.4, 4.4), seed()});
+        add(Upright::Kind::kTree, x + (x < 0 ? -1.0F : 1.0F) * number(0, 2), z, height, number(2.4, 4.6));
       }
-      z += number(8, 17);
+      z += profile_.upright_gap * number(0.6, 1.6);
+    }
+  }
+  if (options_.style == WorldOptions::Style::kOpen) {
+    for (int i = 0; i < 60; i++) {  // a wood along the horizon
+      const float x = number(-110, 110);
+      if (std::fabs(x) > 7) add(Upright::Kind::kTree, x, end_ - number(0, 60), number(5, 13), number(5, 12));
     }
   }
   std::stable_sort(uprights_.begin(), uprights_.end(),
                    [](const Upright& a, const Upright& b) { return a.z < b.z; });
 }
 
-float World::Shade(Ray ray) const {
-  const Hit house = Houses(ray);
-  Hit hit = Ground(ray);
-  if (house.z < hit.z) {
-    hit = house;
+/// What reaches the camera from a surface: its own tone under the light there, and haze before it.
+float World::Seen(const Hit& hit, float across) const {
+  const float level = hit.tone + static_cast<float>(options_.brightness);
+  const float surface = 112 + (level - 112) * static_cast<float>(options_.contrast);
+  float factor = light_.At(across, hit.y, hit.distance);
+  if (light_.street > 0 && hit.y < 6) {
+    const float from = hit.z - pool_phase_ + 1000 * kLampGap;
+    const float phase = from / kLampGap;
+    const float off = (phase - static_cast<float>(FloorToInt(phase)) - 0.5F) * kLampGap / 7;
+    factor += light_.street / (1 + off * off);
   }
+  const float haze = hit.distance / (hit.distance + kHazeDistance);
+  const float seen = Light::Lit(std::clamp(surface, kBlack, kWhite), factor) + hit.glow;
+  return seen + (Light::Lit(kHazeTone, light_.ambient) - seen) * haze;
+}
+
+float World::Shade(const Camera& camera, float across, float up) const {
+  const auto cosine = static_cast<float>(camera.cosine);
+  const auto sine = static_cast<float>(camera.sine);
+  const Ray ray{cosine * across + sine, up, cosine - sine * across, static_cast<float>(camera.x_m),
+                static_cast<float>(camera.z_m)};
+  Hit hit = Ground(ray);
+  const Hit house = Houses(ray);
+  if (house.distance < hit.distance) hit = house;
+  if (options_.style == WorldOptions::Style::kTunnel) {
+    const Hit ceiling = Ceiling(ray);
+    if (ceiling.distance < hit.distance) hit = ceiling;
+  }
+  const float limit = std::min(reach_ + 40, hit.distance);
   for (const Upright& upright : uprights_) {
-    if (upright.z >= hit.z) {
+    const float ahead = upright.z - ray.from_z;
+    if (ahead >= limit * ray.z) {
       break;
     }
-    float tone = 0;
-    if (UprightAt(upright, upright.z * ray.x - upright.x, camera_height_ + upright.z * ray.y, tone)) {
-      return Haze(tone, upright.z);
+    if (ahead < 0.5F) {
+      continue;
+    }
+    const float distance = ahead / ray.z;
+    Hit met{distance, 0, 0, camera_height_ + distance * ray.y, upright.z};
+    if (UprightAt(upright, ray.from_x + distance * ray.x - upright.x, met.y, met)) {
+      return Seen(met, across * distance);
     }
   }
-  return hit.z < kNowhere ? Haze(hit.tone, hit.z) : Sky(ray);
+  return hit.distance < kNowhere ? Seen(hit, across * hit.distance) : Sky(ray);
 }
 
-float World::Sky(Ray ray) const {
-  const float clouds =
-      ValueNoise(ray.x * 3, ray.y * 9, seed_) + 0.5F * ValueNoise(ray.x * 9, ray.y * 24, seed_ + 1);
-  return 214 - 45 * std::clamp(ray.y, 0.0F, 0.5F) + 6 * clouds;
+float World::Sky(const Ray& ray) const {
+  const float clouds = ValueNoise(ray.x * 3 / ray.z, ray.y * 9, seed_) +
+                       0.5F * ValueNoise(ray.x * 9 / ray.z, ray.y * 24, seed_ + 1);
+  const float day = sky_bright_ - sky_fall_ * std::clamp(ray.y, 0.0F, 0.5F) + clouds_ * clouds;
+  // The night's sky above a town is a little brighter than its streets would be without lamps.
+  return Light::Lit(day, light_.ambient * (light_.ambient < 0.5F ? 0.7F : 1.0F));
 }
 
-World::Hit World::Houses(Ray ray) const {
-  const auto find = [](const std::vector<House>& houses, float along) {
-    return std::find_if(houses.begin(), houses.end(),
-                        [along](const House& house) { return along < house.end; });
-  };
+World::Hit World::Houses(const Ray& ray) const {
   const bool left = ray.x < 0;
-  const float side_z = ray.x == 0 ? kNowhere : (left ? kLeftHouses : kRightHouses) / ray.x;
-  if (side_z < kStreetEnd) {
-    const float y = camera_height_ + side_z * ray.y;
-    const auto& houses = left ? left_ : right_;
-    const auto house = find(houses, side_z);
-    if (house != houses.end() && y < house->height) {
-      return {side_z, Facade(*house, side_z - house->begin, y, left ? 1.05F : 0.72F)};
-    }
+  const float wall = left ? profile_.left_houses : profile_.right_houses;
+  const float away = (wall - ray.from_x) / ray.x;
+  if (ray.x != 0 && std::fabs(wall) < kNowhere && away > 0) {
+    const Hit hit = Front(ray, away, true);
+    if (hit.distance < kNowhere) return hit;
   }
-  const float across = ray.x * kStreetEnd;
-  const float y = camera_height_ + kStreetEnd * ray.y;
-  const auto house = find(far_, across);
-  if (house != far_.end() && across >= far_.front().begin && y < house->height) {
-    return {kStreetEnd, Facade(*house, across - house->begin, y, 0.85F)};
+  if (ray.z > 0.01F && !far_.empty()) {
+    return Front(ray, (end_ - ray.from_z) / ray.z, false);
   }
-  return {kNowhere, 0};
+  return {kNowhere, 0, 0, 0, 0};
 }
 
-float World::Facade(const House& house, float along, float y, float light) {
-  if (y > house.height - 0.45F) {
-    return light * (house.tone + 22);  // cornice
+World::Hit World::Front(const Ray& ray, float distance, bool side) const {
+  const Hit nothing{kNowhere, 0, 0, 0, 0};
+  const float x = ray.from_x + distance * ray.x;
+  const float y = camera_height_ + distance * ray.y;
+  const float z = ray.from_z + distance * ray.z;
+  if (distance < 0 || (side && z > end_)) return nothing;
+  if (options_.style == WorldOptions::Style::kWall || options_.style == WorldOptions::Style::kTunnel) {
+    return Wall(ray, distance, side);
   }
-  const float across = along / house.bay_width;
-  const float up = y / house.floor_height;
-  const std::int32_t bay = FloorToInt(across);
-  const std::int32_t level = FloorToInt(up);
-  const float fx = std::fabs(across - static_cast<float>(bay) - 0.5F);
-  const float fy = up - static_cast<float>(level);
-  // Shop windows on the ground floor are wide, those above upright.
-  const float half_width = level == 0 ? 0.42F : 0.24F;
-  const float sill = level == 0 ? 0.14F : 0.26F;
-  if (fx < half_width && Within(fy, sill, 0.82F)) {
-    const float frame = std::min({half_width - fx, (fy - sill) * 1.2F, (0.82F - fy) * 1.2F});
-    const float glass = 34 + 60 * LatticeValue(bay, level, house.seed) + 22 * fy;
-    return light * (frame < 0.03F || (level > 0 && fx < 0.012F) ? house.tone + 30 : glass);
-  }
-  const float ledge = fy > 0.95F ? -18.0F : 0.0F;
-  const float stain =
-      5 * ValueNoise(along * 0.9F, y * 0.35F, house.seed) + 4 * ValueNoise(along * 7, y * 7, house.seed);
-  return light * (house.tone + ledge + stain - (level == 0 ? 14.0F : 0.0F));
+  const auto& houses = !side ? far_ : (ray.x < 0 ? left_ : right_);
+  const float along = side ? z : x;
+  const auto house = std::find_if(houses.begin(), houses.end(),
+                                  [along](const House& candidate) { return along < candidate.end; });
+  if (house == houses.end() || along < house->begin || y > house->height) return nothing;
+  Hit hit{distance, 0, x, y, z};
+  const float light = !side ? 0.85F : (ray.x < 0 ? 1.05F : 0.72F);
+  hit.tone = Facade(*house, along - house->begin, y, light, hit.glow);
+  return hit;
 }
 
-World::Hit World::Ground(Ray ray) const {
-  if (ray.y > -camera_height_ / kStreetEnd) {
-    return {kNowhere, 0};  // behind the last houses
-  }
-  const auto off_road = [](float x) { return x < kLeftKerb || x > kRightKerb; };
-  const float raised_z = (kKerbHeight - camera_height_) / ray.y;
-  if (off_road(raised_z * ray.x)) {
-    return {raised_z, Pavement(raised_z * ray.x, raised_z)};
-  }
-  const float z = -camera_height_ / ray.y;
-  if (off_road(z * ray.x)) {
-    return {z, 118 + 9 * ValueNoise(z * 3, 0, seed_)};  // the kerb's face
-  }
-  return {z, Road(z * ray.x, z)};
+World::Hit World::Ceiling(const Ray& ray) const {
+  if (ray.y <= 0.001F) return {kNowhere, 0, 0, 0, 0};
+  const float distance = (kCeiling - camera_height_) / ray.y;
+  const float x = ray.from_x + distance * ray.x;
+  const float z = ray.from_z + distance * ray.z;
+  const float across = std::fabs(x + 1.7F) - 1.6F;
+  const float along = z / 6 - static_cast<float>(FloorToInt(z / 6));
+  const bool lamp = std::fabs(across) < 0.15F && along < 0.5F;
+  return {distance, 70 + 6 * ValueNoise(x, z, seed_ + 14), x, kCeiling, z, lamp ? 150.0F : 0.0F};
 }
 
-float World::Road(float x, float z) const {
-  const float blotches =
-      5 * ValueNoise(x * 0.45F, z * 0.3F, seed_ + 2) + 4 * ValueNoise(x * 2.2F, z * 1.3F, seed_ + 3);
-  const float grain = 7 * ValueNoise(x * 28, z * 28, seed_ + 4) + 11 * ValueNoise(x * 85, z * 85, seed_ + 5);
-  float tone = 96 + blotches + grain;
-  // Tyres polish their tracks, and oil drips between them.
-  const float lane = x > kCentreLine ? x : x + 3.6F;
-  tone += 7 * Band(std::fabs(lane) - 0.78F, 0.22F) - 9 * Band(lane, 0.3F);
-  const std::int32_t cell_x = FloorToInt(x / 1.7F);
-  const std::int32_t cell_z = FloorToInt(z / 3.7F);
-  if (LatticeValue(cell_x, cell_z, seed_ + 6) < 0.13F) {
-    tone -= 13;  // repaired
+World::Hit World::Ground(const Ray& ray) const {
+  if (ray.y > -camera_height_ / (reach_ + 30)) {
+    return {kNowhere, 0, 0, 0, 0};  // behind the last houses
   }
-  // Cracks run along the level lines of a noise, but only in some stretches of the road.
-  const float crack = ValueNoise(x * 0.8F, z * 0.3F, seed_ + 7) + 0.3F * ValueNoise(x * 5, z * 5, seed_ + 8);
-  if (std::fabs(crack) < 0.008F && ValueNoise(x * 0.5F, z * 0.4F, seed_ + 13) > 0.15F) {
-    tone -= 26;
+  const auto off_road = [this](float x) { return x < profile_.left_kerb || x > profile_.right_kerb; };
+  const auto at = [&ray](float distance) {
+    return Hit{distance, 0, ray.from_x + distance * ray.x, 0, ray.from_z + distance * ray.z};
+  };
+  const bool kerb = options_.style != WorldOptions::Style::kOpen;
+  const Hit raised = at((kKerbHeight * (kerb ? 1.0F : 0.2F) - camera_height_) / ray.y);
+  Hit hit = off_road(raised.x) ? raised : at(-camera_height_ / ray.y);
+  // Metres along the road that a pixel of 1/700 spans: what is finer averages out.
+  const float footprint = hit.distance * hit.distance / (camera_height_ * 700);
+  if (off_road(raised.x)) {
+    hit.tone = kerb && profile_.junction ? Pavement(hit.x, hit.z, footprint) : Field(hit.x, hit.z, footprint);
+  } else if (off_road(hit.x)) {
+    hit.tone = 118 + 9 * ValueNoise(hit.z * 3, 0, seed_);  // the kerb's face
+  } else {
+    hit.tone = Road(hit.x, hit.z, footprint);
   }
-  const float cover_x = x - 0.75F;
-  const float cover_z = z - stop_line_ - 7.5F;
-  const float cover = cover_x * cover_x + cover_z * cover_z;
-  if (cover < 0.12F) {
-    tone = cover < 0.085F && Fraction(x * 9) < 0.6F ? 62.0F : 84.0F;  // manhole cover and its ring
-  }
-  const float paint =
-      Markings(x, z) * std::clamp(0.8F + 0.7F * ValueNoise(x * 9, z * 9, seed_ + 9), 0.0F, 0.95F);
-  return tone + (kPaintTone + 0.5F * grain - tone) * paint;
+  // Houses throw their shadow over a part of the street, with an edge like their roofs.
+  const float roofs = 2.5F * ValueNoise(hit.z * 0.11F, 0.5F, seed_ + 16);
+  if (light_.ambient > 0.9F && hit.x > sun_edge_ + roofs) hit.tone = 30 + (hit.tone - 30) * 0.6F;
+  return hit;
 }
 
-float World::Markings(float x, float z) const {
-  const float past = z - stop_line_;
-  const bool junction = Within(past, 0, 6);
-  const bool dash = std::fabs(x - kCentreLine) < 0.06F && (Fraction(z / 6) < 0.5F) && !junction;
-  const bool edge = std::fabs(x - kEdgeLine) < 0.06F && !junction;
-  const bool stop = Within(past, 0, 0.45F) && Within(x, kCentreLine, kEdgeLine);
-  const bool crossing = Within(past, 1.6F, 4.8F) && Fraction(x + 0.2F) < 0.5F;
-  return dash || edge || stop || crossing ? 1.0F : 0.0F;
+void World::Row(const Camera& camera, int row, std::span<float> light) const {
+  const auto scale = static_cast<float>(1 / camera.focal);
+  const auto left = static_cast<float>(camera.centre_x);
+  for (std::size_t x = 0; x < light.size(); x++) {
+    // Two rays that lie on a diagonal, which alternates: together with the neighbours' a quincunx.
+    const float first = ((x + static_cast<std::size_t>(row)) & 1U) != 0 ? 0.25F : 0.75F;
+    const auto horizon = static_cast<float>(camera.horizon - row);
+    const auto column = static_cast<float>(x) - left;
+    light[x] = Shade(camera, (column + first) * scale, (horizon - 0.5F) * scale);
+  }
 }
 
-float World::Pavement(float x, float z) const {
-  const bool right = x > 0;
-  const float from_kerb = right ? x - kRightKerb : kLeftKerb - x;
-  const float grain =
-      6 * ValueNoise(x * 40, z * 40, seed_ + 10) + 5 * ValueNoise(x * 1.1F, z * 0.8F, seed_ + 11);
-  if (from_kerb < 0.16F) {
-    return (Fraction(z) < 0.02F ? 96.0F : 152.0F) + grain;  // kerbstones, a metre each
+void World::RowPart(const Camera& camera, int row, int phase, std::span<float> light) const {
+  const auto scale = static_cast<float>(1 / camera.focal);
+  const auto left = static_cast<float>(camera.centre_x);
+  const float right = (phase & 1) != 0 ? 0.75F : 0.25F;
+  const float down = phase == 1 || phase == 2 ? 0.75F : 0.25F;
+  const float up = (static_cast<float>(camera.horizon - row) - down) * scale;
+  for (std::size_t x = 0; x < light.size(); x++) {
+    light[x] += 0.25F * Shade(camera, (static_cast<float>(x) + right - left) * scale, up);
   }
-  const bool joint = Fraction(x * 2) < 0.04F || Fraction(z * 2) < 0.04F;
-  const float slab = 10 * LatticeValue(FloorToInt(x * 2), FloorToInt(z * 2), seed_ + 12);
-  // The right pavement lies in the shadow of its houses.
-  return ((joint ? 112.0F : 128.0F + slab) + grain) * (right ? 0.74F : 1.0F);
-}
-
-bool World::UprightAt(const Upright& upright, float x, float y, float& tone) const {
-  if (std::fabs(x) > upright.width * 0.6F || y > upright.height || y < kKerbHeight) {
-    return false;
-  }
-  if (upright.kind == Upright::Kind::kTree) {
-    const float rx = x / (upright.width * 0.5F);
-    const float ry = (y - upright.height * 0.66F) / (upright.height * 0.34F);
-    const float leaves = 0.5F * ValueNoise(x * 1.7F, y * 1.7F, upright.seed) +
-                         0.35F * ValueNoise(x * 7, y * 7, upright.seed + 1) +
-                         0.35F * ValueNoise(x * 19, y * 19, upright.seed + 2);
-    tone = 62 + 16 * ry - 8 * rx + 30 * leaves;
-    return rx * rx + ry * ry + leaves < 0.85F || (std::fabs(x) < 0.13F && ry < 0);
-  }
-  const bool signal = upright.kind == Upright::Kind::kSignal;
-  if (signal && y > upright.height - 0.95F && std::fabs(x) < upright.width / 2) {
-    const float lens_y = y - (upright.height - 0.75F);
-    tone = x * x + lens_y * lens_y < 0.009F ? 168.0F : 30.0F;  // green is lit, the two above are dark
-    return true;
-  }
-  tone = 84 + 150 * x;
-  return std::fabs(x) < 0.07F;
 }
 
 }  // namespace stopngo

@@ -1,0 +1,14 @@
+// scene_gleam.h: light that wanders: over the vehicle ahead, and over the whole picture.
+#pragma once
+
+#include "scene_actor.h"
+#include "scene_random.h"
+
+namespace stopngo {
+
+Actors MakeHeadlampSweep(const Stage& stage, Random& random);
+Actors MakeReflection(const Stage& stage, Random& random);
+std::unique_ptr<ScreenEffect> MakeShade(const Stage& stage, Random& random);
+std::unique_ptr<ScreenEffect> MakeBeacon(const Stage& stage, Random& random);
+
+}  // namespace stopngo

@@ -1,0 +1,298 @@
+// scene_model.cpp: a scene put together: street, vehicles, actors, shake, windscreen, sensor, coder.
+#include "scene_model.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "scene_labels.h"
+#include "settings.h"
+
+namespace stopngo {
+namespace {
+
+constexpr double kVehicleToLine_m = 5.4;  // from its rear: a car's length and a metre
+constexpr int kSubExposures = 4;
+
+Camera CameraOf(const SceneOptions& options, const SceneWindow& window) {
+  Camera camera = MakeCamera(options.width, options.height);
+  camera.height_m = options.camera.height_m;
+  camera.focal = options.camera.focal * options.width;
+  camera.horizon = options.camera.horizon * options.height;
+  // A window is the picture of a camera whose principal point lies elsewhere.
+  camera.centre_x -= window.x;
+  camera.horizon -= window.y;
+  return camera;
+}
+
+bool Crosses(ActorKind kind) {
+  switch (kind) {
+    case ActorKind::kCrossing:
+    case ActorKind::kCrossingNear:
+    case ActorKind::kCrossingQueue:
+    case ActorKind::kTurning:
+    case ActorKind::kPedestrian:
+    case ActorKind::kCrowd:
+    case ActorKind::kCyclist:
+      return true;
+    default:
+      return false;
+  }
+}
+
+Illumination IlluminationOf(const Light& light) {
+  const double dark = std::clamp(1.2 - static_cast<double>(light.ambient), 0.0, 1.0);
+  return {static_cast<double>(light.ambient), 0.8 * static_cast<double>(light.headlamps), dark};
+}
+
+bool SamePose(const Camera& a, const Camera& b) {
+  return a.x_m == b.x_m && a.z_m == b.z_m && a.sine == b.sine && a.horizon == b.horizon;
+}
+
+}  // namespace
+
+Scene::Model::Model(const SceneOptions& o, const SceneWindow& w)
+    : options(o),
+      window(w.width == 0 ? SceneWindow{0, 0, o.width, o.height} : w),
+      part{window.x, window.y, window.width, window.height, o.width, o.height},
+      camera_(CameraOf(o, window)),
+      path_(o.ego, o.ego_turning, o.length_s),
+      world_(o.world, o.light, camera_.height_m, o.lead.distance_m + kVehicleToLine_m, path_.Travelled(),
+             o.seed),
+      shake_(o.camera, o.seed),
+      windscreen_(o.windscreen, o.light, part, o.seed),
+      sensor_(o.sensor, part, o.seed),
+      coder_(o.sensor, part),
+      illumination_(IlluminationOf(o.light)),
+      sheet_(window.width, window.height),
+      light_(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height)) {
+  std::vector<VehicleOptions> vehicles;
+  if (o.lead_present) vehicles.push_back(o.lead);
+  vehicles.insert(vehicles.end(), o.others.begin(), o.others.end());
+  // Half as many texels again as pixels keep the edges of texels from showing; a lorry's are too many to
+  // paint for every scene.
+  const double most_texels = std::min(0.65 * o.width * o.height, 1.5e6);
+  for (std::size_t i = 0; i < vehicles.size(); i++) {
+    const double nearest = std::max(2.0, vehicles[i].distance_m);
+    lane.emplace_back(vehicles[i], std::min(1.5 * camera_.focal / nearest, 520.0), most_texels, o.seed + i);
+  }
+  for (const ActorOptions& actor : o.actors) {
+    Actors made = MakeActors(actor.kind, MakeStage(actor.event_s), actor.seed);
+    for (auto& one : made) {
+      if (Crosses(actor.kind)) crossing_.push_back(one.get());
+      actors_.push_back(std::move(one));
+    }
+  }
+  for (const OverlayOptions& overlay : o.overlays) {
+    overlays_.push_back(MakeOverlay(overlay.kind, MakeStage(overlay.event_s), overlay.seed));
+  }
+}
+
+Stage Scene::Model::MakeStage(double event_s) const {
+  Stage stage;
+  stage.width = options.width;
+  stage.height = options.height;
+  stage.window_x = window.x;
+  stage.window_y = window.y;
+  stage.focal = camera_.focal;
+  stage.camera_height_m = camera_.height_m;
+  stage.length_s = options.length_s;
+  stage.event_s = event_s;
+  stage.night = illumination_.lamps;
+  if (options.lead_present) {
+    const LaneVehicle& lead = lane.front();
+    stage.lead_half_width = lead.Look().half_width;
+    stage.lead_height = lead.Look().profile.back().height;
+    stage.lead_offset = options.lead.offset_m;
+    stage.lead_distance = [this](double time_s) { return lane.front().At(time_s).z; };
+  } else {
+    stage.lead_distance = [](double) { return 60.0; };
+  }
+  return stage;
+}
+
+Camera Scene::Model::Pose(double time_s) const {
+  Camera camera = camera_;
+  path_.Place(camera, time_s);
+  return camera;
+}
+
+/// The time of what a frame shows, and the number of that picture.
+double Scene::Model::Shown(std::int64_t frame, std::int64_t& index) const {
+  const double time_s = static_cast<double>(frame) / options.fps;
+  index = frame;
+  if (options.sensor.source_fps <= 0 || options.sensor.source_fps >= options.fps) {
+    return time_s;
+  }
+  index = static_cast<std::int64_t>(time_s * options.sensor.source_fps + 1e-6);
+  return static_cast<double>(index) / options.sensor.source_fps;
+}
+
+void Scene::Model::UpdateStill(double time_s, const Camera& camera) {
+  resting_ = path_.Rests(time_s);
+  if (!resting_ || (still_ && SamePose(still_->camera, camera))) {
+    return;
+  }
+  const int margin = static_cast<int>(std::ceil(shake_.Reach()));
+  const auto street = [this](const Camera& seen, int row, std::span<float> light) {
+    world_.Row(seen, row, light);
+  };
+  still_ =
+      std::make_unique<Still>(Still{camera, Layer(camera, part.width, 0, part.height, margin, street), {}});
+  still_->vehicles.resize(lane.size());
+}
+
+void Scene::Model::DrawStreet(double time_s, const Camera& camera, Shake::Offset shake) {
+  const auto width = static_cast<std::size_t>(part.width);
+  const auto line = [this, width](int row) {
+    return std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
+  };
+  if (resting_) {
+    for (int row = 0; row < part.height; row++) {
+      still_->street.Row(row, shake, line(row));
+    }
+    return;
+  }
+  std::array<Camera, kSubExposures> cameras;
+  for (int i = 0; i < kSubExposures; i++) {
+    const double at = time_s + options.sensor.shutter_s * ((i + 0.5) / kSubExposures - 0.5);
+    const Shake::Offset offset = shake_.At(at, path_.Speed(at));
+    Camera& moved = cameras[static_cast<std::size_t>(i)];
+    moved = Pose(at);
+    moved.centre_x += offset.x;
+    moved.horizon += offset.y;
+  }
+  (void)camera;
+  std::fill(light_.begin(), light_.end(), 0.0F);
+  for (int row = 0; row < part.height; row++) {
+    for (int i = 0; i < kSubExposures; i++) {
+      world_.RowPart(cameras[static_cast<std::size_t>(i)], row, i, line(row));
+    }
+  }
+}
+
+std::vector<Scene::Model::Item> Scene::Model::Items(double time_s, const Camera& camera) const {
+  std::vector<Item> items;
+  for (std::size_t i = 0; i < lane.size(); i++) {
+    const VehicleState state = lane[i].At(time_s);
+    items.push_back({PlaceOf(camera, state.x, state.z).ahead, nullptr, i});
+  }
+  for (const auto& actor : actors_) {
+    const auto distance = actor->Distance(time_s);
+    if (distance) items.push_back({*distance - camera.z_m, actor.get(), 0});
+  }
+  std::stable_sort(items.begin(), items.end(),
+                   [](const Item& a, const Item& b) { return a.distance > b.distance; });
+  return items;
+}
+
+void Scene::Model::DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake) {
+  const LaneVehicle& vehicle = lane[index];
+  const VehicleState state = vehicle.At(time_s);
+  VehicleView view(vehicle.Look(), shaken, state, options.light);
+  if (!view.Visible()) {
+    return;
+  }
+  const auto width = static_cast<std::size_t>(part.width);
+  const bool kept = resting_ && vehicle.Waits(time_s);
+  if (kept && !still_->vehicles[index]) {
+    const auto paint = [this, &vehicle, &state](const Camera& camera, int row, std::span<float> light) {
+      VehicleView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
+    };
+    const int margin = static_cast<int>(std::ceil(shake_.Reach()));
+    still_->vehicles[index].emplace(still_->camera, part.width, 0, part.height, margin, paint);
+  }
+  for (int row = 0; row < part.height; row++) {
+    const auto line = std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
+    if (kept) {
+      still_->vehicles[index]->DrawRow(row, shake, line);
+    } else {
+      view.DrawRow(row, line);
+    }
+    view.DrawLamps(row, line);
+  }
+}
+
+void Scene::Model::FlushSheet() {
+  if (!sheet_used_) {
+    return;
+  }
+  const auto width = static_cast<std::size_t>(part.width);
+  for (int row = 0; row < part.height; row++) {
+    sheet_.DrawRow(row, std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width));
+  }
+  sheet_.Clear();
+  sheet_used_ = false;
+}
+
+void Scene::Model::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
+  std::int64_t index = 0;
+  const double time_s = Shown(frame, index);
+  const Camera camera = Pose(time_s);
+  UpdateStill(time_s, camera);
+  const Shake::Offset shake = shake_.At(time_s, path_.Speed(time_s));
+  Camera shaken = camera;
+  shaken.centre_x += shake.x;
+  shaken.horizon += shake.y;
+  DrawStreet(time_s, camera, shake);
+  for (const Item& item : Items(time_s, camera)) {
+    if (item.actor != nullptr) {
+      item.actor->Draw(time_s, shaken, illumination_, sheet_);
+      sheet_used_ = true;
+    } else {
+      FlushSheet();
+      DrawVehicle(item.vehicle, time_s, shaken, shake);
+    }
+  }
+  FlushSheet();
+  windscreen_.Draw(light_);
+  for (const auto& overlay : overlays_) {
+    overlay->Draw(time_s, sheet_);
+    sheet_used_ = true;
+  }
+  FlushSheet();
+  sensor_.Expose(light_, time_s, index, luma);
+  coder_.Code(time_s, luma);
+}
+
+std::vector<LabelSpan> Scene::Model::Labels(double length_s) const {
+  constexpr double kStep_s = 0.1;
+  SceneEvents events{path_.Moving(length_s), {}, {}, length_s};
+  if (options.lead_present) events.lead_moving = lane.front().Moving(length_s);
+  for (const Actor* actor : crossing_) {
+    for (int i = 0; i * kStep_s < length_s; i++) {
+      if (actor->Distance(i * kStep_s)) events.crossing.push_back({i * kStep_s, (i + 1) * kStep_s});
+    }
+  }
+  return MakeLabels(events);
+}
+
+SceneRegion Scene::Model::Region() const {
+  const Settings defaults;
+  SceneRegion region{defaults.roi_x, defaults.roi_y, defaults.roi_width, defaults.roi_height};
+  if (options.lead_present) {
+    Camera whole = Pose(0);
+    whole.centre_x += window.x;
+    whole.horizon += window.y;
+    const VehicleView view(lane.front().Look(), whole, lane.front().At(0), options.light);
+    const double across = static_cast<double>(defaults.input_width) / options.width;
+    const double down = static_cast<double>(defaults.input_height) / options.height;
+    // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.
+    const auto place = [this](int at, int length, double low, double high, double share) {
+      if (!options.region.aimed && at >= low && at + length <= high) {
+        return at;
+      }
+      return static_cast<int>(std::lround(low + (high - low) * share)) - length / 2;
+    };
+    region.x = place(region.x, region.width, view.Left() * across, view.Right() * across,
+                     0.5 + options.region.across);
+    region.y = place(region.y, region.height, view.Top() * down, view.Bottom() * down,
+                     options.region.aimed ? 1 - options.region.up : 0.5);
+  }
+  region.x = std::clamp(region.x + options.region.shift_x, 0, defaults.input_width - region.width);
+  region.y = std::clamp(region.y + options.region.shift_y, 0, defaults.input_height - region.height);
+  return region;
+}
+
+}  // namespace stopngo

@@ -1,0 +1,76 @@
+// scene_model.h: the parts of a scene, and how a frame is put together from them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "scene.h"
+#include "scene_coder.h"
+#include "scene_lane.h"
+#include "scene_layer.h"
+#include "scene_path.h"
+#include "scene_sensor.h"
+#include "scene_shake.h"
+#include "scene_windscreen.h"
+#include "scene_world.h"
+
+namespace stopngo {
+
+struct Scene::Model {
+  Model(const SceneOptions& options, const SceneWindow& window);
+
+  void Render(std::int64_t frame, std::span<std::uint8_t> luma);
+  /// Where our own vehicle is at a time, without the camera's shake.
+  [[nodiscard]] Camera Pose(double time_s) const;
+  [[nodiscard]] std::vector<LabelSpan> Labels(double length_s) const;
+  [[nodiscard]] SceneRegion Region() const;
+
+  SceneOptions options;
+  SceneWindow window;
+  PicturePart part;
+  std::vector<LaneVehicle> lane;  ///< the one ahead first, when there is one
+
+ private:
+  /// What stands still seen from one place: kept from frame to frame.
+  struct Still {
+    Camera camera;
+    Layer street;
+    std::vector<std::optional<Cutout>> vehicles;  ///< as they are at the beginning
+  };
+  /// Something of a frame, to be drawn in order of distance.
+  struct Item {
+    double distance;
+    const Actor* actor;
+    std::size_t vehicle;
+  };
+
+  void DrawStreet(double time_s, const Camera& camera, Shake::Offset shake);
+  [[nodiscard]] std::vector<Item> Items(double time_s, const Camera& camera) const;
+  void DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake);
+  void FlushSheet();
+  void UpdateStill(double time_s, const Camera& camera);
+  [[nodiscard]] Stage MakeStage(double event_s) const;
+  [[nodiscard]] double Shown(std::int64_t frame, std::int64_t& index) const;
+
+  Camera camera_;
+  EgoPath path_;
+  World world_;
+  Shake shake_;
+  Windscreen windscreen_;
+  Sensor sensor_;
+  Coder coder_;
+  Illumination illumination_;
+  Actors actors_;
+  std::vector<std::unique_ptr<ScreenEffect>> overlays_;
+  std::vector<const Actor*> crossing_;
+  std::unique_ptr<Still> still_;
+  bool resting_ = false;
+  Sheet sheet_;
+  bool sheet_used_ = false;
+  std::vector<float> light_;
+};
+
+}  // namespace stopngo
