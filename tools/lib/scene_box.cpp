@@ -12,6 +12,7 @@ namespace {
 constexpr double kPi = 3.14159265358979;
 constexpr double kBrakeLevel = 90;  // grey levels that a brake light outshines the day's light by
 constexpr double kNightLevel = 190;
+constexpr double kBeam_m = 4;  // what is nearer stands beside our headlamps' beam
 
 Vector3 Directed(const Pose& pose, Vector3 local) { return InStreet({0, 0, pose.cosine, pose.sine}, local); }
 
@@ -46,7 +47,9 @@ std::array<double, 2> BoxVehicle::Reach(const Pose& pose) const {
 void BoxVehicle::DrawFaces(const std::vector<Face>& faces, const Look& look) const {
   for (const Face& face : faces) {
     if (look.Sees(face.origin, face.outward)) {
-      look.Draw(parts_.textures[face.texture], face.origin, face.across, face.up, look.glaze);
+      // Brake lights are not in front.
+      const double lamp = face.outward.z > 0 ? kNightLevel / 100 * look.lamps : look.glaze.lamp;
+      look.Draw(parts_.textures[face.texture], face.origin, face.across, face.up, {look.glaze.gain, lamp, 1});
     }
   }
 }
@@ -88,7 +91,7 @@ void BoxVehicle::DrawGlows(const Look& look, const VehicleLamps& lamps) const {
 void BoxVehicle::Draw(const Pose& pose, double travelled, const VehicleLamps& lamps, const Camera& camera,
                       const Illumination& light, Sheet& sheet) const {
   const double lit = std::max({kBrakeLevel * lamps.brakes, kNightLevel * light.lamps, 80 * lamps.indicator});
-  const double distance = std::max(Reach(pose)[0], 1.0);
+  const double distance = std::max(Reach(pose)[0], kBeam_m);
   const Look look{pose, camera, {light.At(distance), lit / 100, 1}, sheet, light.lamps};
   const Texture& shadow = parts_.textures[parts_.shadow];
   look.Draw(shadow, {0, 0, -0.5 * shadow.Rows() / shadow.TexelsPerMetre()}, {1, 0, 0}, {0, 0, 1}, {0, 0, 1});

@@ -22,7 +22,8 @@ constexpr std::array<BoxShape, 7> kShapes{{
     {20.0, 1.20, 0.28, 3.30, 3.30, 0, 0, 0, 0, 0.30, {2.5, 4.3, 15.5, 17.3}, 1.30, 2.45},
 }};
 
-constexpr double kTexels = 160000;  // of the largest face at most: 4 MB
+constexpr double kTexels = 60000;    // of a face at most: 1.4 MB
+constexpr double kBonnetFall = 0.2;  // metres
 constexpr double kShadowTexels = 8;
 constexpr double kShadowFade_m = 0.4;
 
@@ -80,7 +81,7 @@ void PaintArches(Texture& texture, const BoxShape& shape) {
 void PaintEndLamps(Texture& texture, const BoxShape& shape, double height) {
   const double end = 0.5 * shape.length;
   texture.PaintOne(Block(height - 0.07, height + 0.07, 0.13, 0.03, 70, 100), -end + 0.12);
-  texture.PaintOne(Block(height - 0.08, height + 0.06, 0.17, 0.04, 190, 110), end - 0.17);
+  texture.PaintOne(Block(height - 0.08, height + 0.06, 0.17, 0.04, 190), end - 0.17);
 }
 
 /// A car's lower part: doors, sill, trim, lamps.
@@ -190,18 +191,24 @@ Texture TallFlank(BoxKind kind, const BoxShape& shape, double density, const Coa
   return texture;
 }
 
+/// A car's bonnet falls off towards its front.
+double FrontTop(const BoxShape& shape) {
+  return shape.roof > shape.belt ? shape.belt - kBonnetFall : shape.belt;
+}
+
 /// Rear or front of the body. Windows only where the body reaches up to the roof.
 Texture End(const BoxShape& shape, double density, const Coat& coat, bool front) {
   const double half = shape.half_width;
-  Texture texture(half + 0.02, shape.belt + 0.02, Density(density, 2 * half, shape.belt));
+  const double top = front ? FrontTop(shape) : shape.belt;
+  Texture texture(half + 0.02, top + 0.02, Density(density, 2 * half, top));
   texture.Paint({half - 0.14, 0, 0.4, 0.1, 0.1, 0.03, 22, 34});  // tyres
   texture.Paint(Block(0.14, shape.low + 0.1, half - 0.25, 0.03, 18));
-  const double edge = shape.belt - 0.04;
+  const double edge = top - 0.04;
   const std::array<OutlinePoint, 5> outline{{{shape.low, half - 0.08},
                                              {shape.low + 0.1, half},
                                              {0.6, half},
                                              {edge, half - 0.02},
-                                             {shape.belt, half - 0.1}}};
+                                             {top, half - 0.1}}};
   texture.Fill(outline, 0.8 * coat.body, 1.08 * coat.body);
   texture.Paint(Block(shape.low + 0.02, shape.low + 0.32, half - 0.01, 0.05, coat.trim));
   texture.Paint(Block(0.42, 0.53, 0.26, 0.01, 205));
@@ -294,12 +301,18 @@ void AddCabin(BoxParts& parts, const BoxShape& shape, double density, const Coat
     parts.textures.push_back(std::move(texture));
     return parts.textures.size() - 1;
   };
-  const double deck = shape.length - 0.6;
+  const double deck = shape.length - shape.cabin_front - 0.08;
   parts.cabin.push_back({add(Plain(shape.half_width - 0.05, deck, coat)),
                          {0, shape.belt, -end + 0.08},
                          {1, 0, 0},
                          {0, 0, 1},
                          {0, 1, 0}});
+  const double bonnet = std::sqrt(shape.cabin_front * shape.cabin_front + kBonnetFall * kBonnetFall);
+  parts.cabin.push_back({add(Plain(shape.half_width - 0.05, bonnet, coat)),
+                         {0, FrontTop(shape), end},
+                         {1, 0, 0},
+                         {0, kBonnetFall / bonnet, -shape.cabin_front / bonnet},
+                         {0, shape.cabin_front, kBonnetFall}});
   AddFlanks(parts.cabin, add(CabinFlank(shape, density, coat)), shape.half_width - 0.05, shape.belt,
             0.5 * (shape.cabin_rear - shape.cabin_front), 0.22 / rise);
   for (const double side : {-1.0, 1.0}) {

@@ -195,7 +195,7 @@ Actors MakeReflection(const Stage& stage, Random& random) {
     course.low = window ? 0.63 : 0.25;
     course.high = window ? 0.95 : 0.62;
     course.half_width = random.Uniform(0.4, 2);
-    course.opacity = random.Uniform(0.1, window ? 0.4 : 0.2);
+    course.opacity = random.Uniform(0.12, window ? 0.55 : 0.25);
     actors.push_back(std::make_unique<Gleam>(stage, course));
   }
   return actors;

@@ -114,52 +114,58 @@ struct Painter {
   }
 };
 
-/// An upright panel that faces the camera: its rows are rows of the picture, its columns columns.
-void DrawFacing(const Painter& painter, const Outline& outline, const Camera& camera, Vector3 origin,
-                double across) {
+/// Where the rays through the picture meet a panel's plane, in metres along it and up it: the quotients of
+/// two planes each, by Cramer's rule for ray d = origin + u across + v up.
+struct Meeting {
+  Meeting(const Camera& camera, Vector3 origin, Vector3 across, Vector3 up)
+      : depth(AlongRay(camera, Cross(across, up))),
+        along(AlongRay(camera, Cross(up, origin))),
+        above(AlongRay(camera, Cross(origin, across))),
+        facing(Dot(origin, Cross(across, up))) {}
+  /// depth has to have the sign of facing, or the ray meets the plane behind the lens or never.
+  Plane depth, along, above;
+  double facing;
+};
+
+/// An upright panel: on a column of the picture lies a column of the texture, all at one distance.
+void DrawUpright(const Painter& painter, const Outline& outline, const Meeting& meeting) {
   const double texels = painter.texture.TexelsPerMetre();
-  const double metres = origin.z / camera.focal;  // a pixel
-  const double across_step = metres * texels / across;
-  const double up_step = metres * texels;
-  const auto texture_column = [&](double column) {
-    return (column - camera.centre_x) * across_step - origin.x * texels / across + painter.texture.Centre();
-  };
-  const auto texture_row = [&](double row) {
-    return (camera.horizon - row) * up_step - origin.height * texels;
-  };
   const auto [left, right] = outline.Between(outline.Top(), outline.Bottom());
   const Stretch columns = painter.sheet.Columns(left, right);
-  const Stretch rows = painter.sheet.Rows(outline.Top(), outline.Bottom());
-  if (columns.first >= columns.end) {
-    return;
-  }
-  const double begin = texture_column(columns.first);
-  const double end = texture_column(columns.end);
-  std::vector<Texel> sums;
-  for (int row = rows.first; row < rows.end; row++) {
+  const Stretch all = painter.sheet.Rows(outline.Top(), outline.Bottom());
+  for (int row = all.first; row < all.end; row++) {
     painter.sheet.Touch(row, columns);
-    painter.texture.SumRows(texture_row(row + 1), texture_row(row), std::min(begin, end),
-                            std::max(begin, end), sums);
-    Texel before = Texture::SumColumns(sums, begin);
-    for (int column = columns.first; column < columns.end; column++) {
-      const Texel after = Texture::SumColumns(sums, texture_column(column + 1));
-      const Texel& low = across > 0 ? before : after;
-      const Texel& high = across > 0 ? after : before;
-      painter.Blend(row, column, {high.tone - low.tone, high.cover - low.cover, high.lamp - low.lamp},
-                    std::fabs(across_step) * up_step);
+  }
+  const auto texture_column = [&](double column) {
+    return meeting.along.At(column, 0) / meeting.depth.At(column, 0) * texels + painter.texture.Centre();
+  };
+  for (int column = columns.first; column < columns.end; column++) {
+    const double q = meeting.depth.At(column + 0.5, 0);
+    if (meeting.depth.At(column, 0) * meeting.facing <= 0 ||
+        meeting.depth.At(column + 1, 0) * meeting.facing <= 0) {
+      continue;
+    }
+    const double begin = texture_column(column);
+    const double end = texture_column(column + 1);
+    const Texture::Strip strip(painter.texture, std::min(begin, end), std::max(begin, end));
+    const double step = meeting.above.per_row / q * texels;  // texels up a row of the picture
+    const double origin = meeting.above.At(column + 0.5, 0) / q * texels;
+    const double top = (painter.texture.Rows() - origin) / step;
+    const double bottom = -origin / step;
+    const Stretch rows = painter.sheet.Rows(std::min(top, bottom), std::max(top, bottom));
+    const double area = std::fabs(step * (end - begin));
+    Texel before = strip.Below(origin + step * rows.first);
+    for (int row = rows.first; row < rows.end; row++) {
+      const Texel after = strip.Below(origin + step * (row + 1));
+      painter.Blend(row, column, step < 0 ? before - after : after - before, area);
       before = after;
     }
   }
 }
 
 /// Any other. The pixel's outline on the texture is taken for a rectangle along its axes.
-void DrawSlanted(const Painter& painter, const Outline& outline, const Camera& camera, Vector3 origin,
-                 Vector3 across, Vector3 up) {
-  // Where the ray d meets origin + u across + v up follows from Cramer's rule.
-  const Plane depth = AlongRay(camera, Cross(across, up));
-  const Plane along = AlongRay(camera, Cross(up, origin));
-  const Plane above = AlongRay(camera, Cross(origin, across));
-  const double facing = Dot(origin, Cross(across, up));
+void DrawSlanted(const Painter& painter, const Outline& outline, const Meeting& meeting) {
+  const auto& [depth, along, above, facing] = meeting;
   const double texels = painter.texture.TexelsPerMetre();
   const double centre = painter.texture.Centre();
   const Stretch rows = painter.sheet.Rows(outline.Top() - 0.5, outline.Bottom() + 0.5);
@@ -208,12 +214,11 @@ void DrawPanel(const Panel& panel, const Camera& camera, const Glaze& glaze, She
   const Vector3 right = origin + half * across;
   const Outline outline(camera, {left, right, right + height * up, left + height * up});
   const Painter painter{panel.texture, glaze, sheet};
-  const bool facing =
-      across.height == 0 && across.z == 0 && up.x == 0 && up.height == 1 && up.z == 0 && across.x != 0;
-  if (facing) {
-    DrawFacing(painter, outline, camera, origin, across.x);
+  const Meeting meeting(camera, origin, across, up);
+  if (across.height == 0 && up.x == 0 && up.z == 0) {
+    DrawUpright(painter, outline, meeting);
   } else {
-    DrawSlanted(painter, outline, camera, origin, across, up);
+    DrawSlanted(painter, outline, meeting);
   }
 }
 

@@ -10,10 +10,7 @@
 namespace stopngo {
 namespace {
 
-Texel Mix(const Texel& a, const Texel& b, double share) {
-  return {a.tone + (b.tone - a.tone) * share, a.cover + (b.cover - a.cover) * share,
-          a.lamp + (b.lamp - a.lamp) * share};
-}
+Texel Mix(const Texel& a, const Texel& b, double share) { return a + share * (b - a); }
 
 double HalfWidth(std::span<const OutlinePoint> outline, double height) {
   for (std::size_t i = 1; i < outline.size(); i++) {
@@ -149,10 +146,8 @@ void Texture::Seal() {
     Texel line;
     for (std::size_t column = 0; column < columns_; column++) {
       const Texel& texel = texels_[row * columns_ + column];
-      line = {line.tone + texel.tone, line.cover + texel.cover, line.lamp + texel.lamp};
-      const Texel& below = sums[row * stride + column + 1];
-      sums[(row + 1) * stride + column + 1] = {below.tone + line.tone, below.cover + line.cover,
-                                               below.lamp + line.lamp};
+      line = line + texel;
+      sums[(row + 1) * stride + column + 1] = sums[row * stride + column + 1] + line;
     }
   }
   texels_ = std::move(sums);
@@ -163,10 +158,6 @@ const Texel* Texture::Line(double row, double& share) const {
   const auto whole = std::min(static_cast<std::size_t>(inside), rows_ - 1);
   share = inside - static_cast<double>(whole);
   return texels_.data() + whole * (columns_ + 1);
-}
-
-void Texture::SumRows(double low, double high, std::vector<Texel>& sums) const {
-  SumRows(low, high, 0, Columns(), sums);
 }
 
 void Texture::SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const {
@@ -182,29 +173,25 @@ void Texture::SumRows(double low, double high, double left, double right, std::v
   for (std::size_t i = first; i <= last; i++) {
     const Texel from = Mix(bottom[i], bottom[i + stride], low_share);
     const Texel to = Mix(top[i], top[i + stride], high_share);
-    sums[i] = {to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
+    sums[i] = to - from;
   }
 }
 
-Texel Texture::Sum(double left, double right, double low, double high) const {
-  const std::size_t stride = columns_ + 1;
-  double low_share = 0;
-  double high_share = 0;
-  const Texel* bottom = Line(low, low_share);
-  const Texel* top = Line(high, high_share);
-  const auto upto = [&](double column) {
-    const double inside = std::clamp(column, 0.0, Columns());
-    const auto whole = std::min(static_cast<std::size_t>(inside), columns_ - 1);
-    const double share = inside - static_cast<double>(whole);
-    const Texel* b = bottom + whole;
-    const Texel* t = top + whole;
-    const Texel to = Mix(Mix(t[0], t[1], share), Mix(t[stride], t[stride + 1], share), high_share);
-    const Texel from = Mix(Mix(b[0], b[1], share), Mix(b[stride], b[stride + 1], share), low_share);
-    return Texel{to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
+Texture::Strip::Edge::Edge(const Texture& texture, double column) {
+  const double inside = std::clamp(column, 0.0, texture.Columns());
+  whole = std::min(static_cast<std::size_t>(inside), texture.columns_ - 1);
+  share = inside - static_cast<double>(whole);
+}
+
+Texel Texture::Strip::Below(double row) const {
+  double row_share = 0;
+  const Texel* lower = texture_.Line(row, row_share);
+  const Texel* upper = lower + texture_.columns_ + 1;
+  const auto line = [this](const Texel* sums) {
+    return Mix(sums[right_.whole], sums[right_.whole + 1], right_.share) -
+           Mix(sums[left_.whole], sums[left_.whole + 1], left_.share);
   };
-  const Texel to = upto(right);
-  const Texel from = upto(left);
-  return {to.tone - from.tone, to.cover - from.cover, to.lamp - from.lamp};
+  return Mix(line(lower), line(upper), row_share);
 }
 
 Texel Texture::SumColumns(const std::vector<Texel>& sums, double column) {

@@ -39,6 +39,14 @@ struct Texel {
   double lamp = 0;
 };
 
+inline Texel operator+(const Texel& a, const Texel& b) {
+  return {a.tone + b.tone, a.cover + b.cover, a.lamp + b.lamp};
+}
+inline Texel operator-(const Texel& a, const Texel& b) {
+  return {a.tone - b.tone, a.cover - b.cover, a.lamp - b.lamp};
+}
+inline Texel operator*(double s, const Texel& a) { return {s * a.tone, s * a.cover, s * a.lamp}; }
+
 /// Painted first, then sealed: from then on it keeps sums over all texels below and left of a point,
 /// from which the exact mean over any rectangle follows in four look-ups.
 class Texture {
@@ -59,12 +67,31 @@ class Texture {
   [[nodiscard]] double Columns() const { return static_cast<double>(columns_); }
   [[nodiscard]] double Rows() const { return static_cast<double>(rows_); }
   /// For each column the sum over all columns left of it and the rows from low to high (texels from
-  /// the lower edge).
-  void SumRows(double low, double high, std::vector<Texel>& sums) const;
-  /// The same for the columns that SumColumns needs between two of them; the others are left as they are.
+  /// the lower edge). Only the columns that SumColumns needs between two of them are filled in.
   void SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const;
   /// The sum over a rectangle (texels from the left and the lower edge), of which any part may lie outside.
-  [[nodiscard]] Texel Sum(double left, double right, double low, double high) const;
+  [[nodiscard]] Texel Sum(double left, double right, double low, double high) const {
+    const Strip strip(*this, left, right);
+    return strip.Below(high) - strip.Below(low);
+  }
+
+  /// The texels between two columns.
+  class Strip {
+   public:
+    Strip(const Texture& texture, double left, double right)
+        : texture_(texture), left_(texture, left), right_(texture, right) {}
+    /// The sum over the rows below one, which may lie outside.
+    [[nodiscard]] Texel Below(double row) const;
+
+   private:
+    struct Edge {
+      Edge(const Texture& texture, double column);
+      std::size_t whole;
+      double share;
+    };
+    const Texture& texture_;
+    Edge left_, right_;
+  };
   /// The sum left of a column, of what SumRows gave.
   static Texel SumColumns(const std::vector<Texel>& sums, double column);
 

@@ -140,7 +140,7 @@ class Windscreen : public ScreenEffect {
       blades_.emplace(stage, random);
     }
     count_ = static_cast<std::uint64_t>(random.Uniform(0, most));
-    size_ = random.Uniform(0.002, 0.006) * stage.width;
+    size_ = random.Uniform(0.003, 0.009) * stage.width;
     contrast_ = random.Uniform(0.2, 0.6);
     seed_ = random.Next();
   }
