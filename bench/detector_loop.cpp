@@ -16,11 +16,12 @@ DetectorLoop::DetectorLoop(const DetectorSettings& settings)
   int unused = 0;
   // No score reaches 1: an alarm would be followed by frames without analysis.
   vel_stopngo_control(context_.get(), VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, 1.0, VEL_CTRL_STOPNGO_ROI_X,
-                      290, VEL_CTRL_STOPNGO_ROI_Y, 170, VEL_CTRL_STOPNGO_ROI_WIDTH, settings.width,
-                      VEL_CTRL_STOPNGO_ROI_HEIGHT, settings.height, VEL_CTRL_STOPNGO_SET_BLOCK_SIZE,
-                      settings.block, VEL_CTRL_STOPNGO_SET_SCALE, settings.scale, VEL_CTRL_STOPNGO_SET_FILTER,
-                      settings.filter, VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, settings.original,
-                      VEL_CTRL_STOPNGO_UPDATE_PARAMS, &unused, VEL_CTRL_STOPNGO_END);
+                      settings.left, VEL_CTRL_STOPNGO_ROI_Y, settings.top, VEL_CTRL_STOPNGO_ROI_WIDTH,
+                      settings.width, VEL_CTRL_STOPNGO_ROI_HEIGHT, settings.height,
+                      VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, settings.block, VEL_CTRL_STOPNGO_SET_SCALE,
+                      settings.scale, VEL_CTRL_STOPNGO_SET_FILTER, settings.filter,
+                      VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, settings.original, VEL_CTRL_STOPNGO_UPDATE_PARAMS,
+                      &unused, VEL_CTRL_STOPNGO_END);
 }
 
 DetectorLoop::~DetectorLoop() { vel_stopngo_close(context_.get()); }

@@ -14,6 +14,8 @@ struct DetectorSettings {
   int scale = 0;
   int filter = 0;
   Content content = Content::kMoving;
+  int left = kRegion[1];
+  int top = kRegion[0];
   int width = kRegionWidth;
   int height = kRegionHeight;
   int block = 10;

@@ -36,7 +36,7 @@ std::vector<DetectorSettings> Crops() {
 
 /// One line a configuration, one column a content.
 void PrintConfigurations(const Meter& meter) {
-  std::printf("frame\tscale\tfilter");
+  std::printf("# frame\tscale\tfilter");
   for (const char* name : kContentNames) std::printf("\t%s", name);
   std::printf("\tworst / best\n");
   double worst = 0;
@@ -60,20 +60,16 @@ void PrintConfigurations(const Meter& meter) {
       std::fflush(stdout);
     }
   }
-  std::printf("worst\t%.0f\t%s\n", worst, worst_name.c_str());
+  std::printf("# worst\t%.0f\t%s\n", worst, worst_name.c_str());
 }
 
-/// How a frame's cost grows: with the area at blocks of 10, then with the number of blocks in one area.
-void PrintGrowth(const Meter& meter) {
-  std::printf("\nwidth\theight\tblock\tblocks\tarea\tnone\tmedian\tgaussian\n");
-  std::vector<DetectorSettings> sizes;
-  for (const int cells : {1, 2, 3, 4}) {
-    // Whole cells of 4 × 3 blocks, and a block of margin around.
-    sizes.push_back({.width = 10 * (4 * cells + 2), .height = 10 * (3 * cells + 2)});
-  }
-  sizes.push_back({});
-  for (const int block : {12, 16, 20, 30}) sizes.push_back({.block = block});
+void PrintSizes(const Meter& meter, const char* title, const std::vector<DetectorSettings>& sizes) {
+  std::printf("\n\n# %s\n# width\theight\tblock\tblocks\tarea", title);
+  for (const char* filter : kFilterNames) std::printf("\t%s", filter);
+  std::printf("\n");
   for (DetectorSettings settings : sizes) {
+    // Noise: on no processor is any other content dearer.
+    settings.content = Content::kNoise;
     const DetectorLoop shape(settings);
     std::printf("%d\t%d\t%d\t%u\t%d", settings.width, settings.height, settings.block, shape.Blocks(),
                 settings.width * settings.height);
@@ -83,10 +79,31 @@ void PrintGrowth(const Meter& meter) {
   }
 }
 
+/// How a frame's cost grows, with one thing at a time.
+void PrintGrowth(const Meter& meter) {
+  std::vector<DetectorSettings> cells;
+  for (const int count : {1, 2, 3, 4}) {
+    // Whole cells of 4 × 3 blocks, and a block of margin around.
+    cells.push_back({.width = 10 * (4 * count + 2), .height = 10 * (3 * count + 2)});
+  }
+  cells.push_back({});
+  PrintSizes(meter, "more blocks of 10 in a larger region", cells);
+
+  std::vector<DetectorSettings> blocks;
+  for (const int block : {10, 12, 16, 20, 30}) blocks.push_back({.block = block});
+  PrintSizes(meter, "larger and fewer blocks in the default region", blocks);
+
+  // As many as a motion field holds. The last size is beyond the fast forms.
+  std::vector<DetectorSettings> areas;
+  for (const int block : {10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34})
+    areas.push_back({.left = 0, .top = 0, .width = 22 * block, .height = 14 * block, .block = block});
+  PrintSizes(meter, "240 blocks, larger in a larger region", areas);
+}
+
 }  // namespace
 
 void PrintFrameCosts(const Meter& meter, const char* unit) {
-  std::printf("one frame with the %s kernels, %s\n", Kernels().name, unit);
+  std::printf("# one frame with the %s kernels, %s\n", Kernels().name, unit);
   PrintConfigurations(meter);
   PrintGrowth(meter);
 }

@@ -21,7 +21,7 @@ constexpr KernelTable kPlain = {
     .median_in_place = plain_at_o2::MedianInPlace,
     .gaussian_in_place = plain_at_o2::GaussianInPlace,
     .median_separate = plain_at_o2::MedianSeparate,
-    .mark_row = plain_at_o2::MarkRow,
+    .mark_rows = plain_at_o2::MarkRows,
     .exchange_rows = plain_at_o2::ExchangeRows,
 };
 

@@ -60,11 +60,7 @@ void Image_Marking_(data_08* Image, const DATA_08* Mark, const DATA_32* Location
   if (Location[2] <= Location[0] || Location[3] <= Location[1]) return;
   const DATA_32 Width = Location[3] - Location[1];
   data_08* ImagePointer = Image + std::size_t{Location[0]} * EndX + Location[1];
-  for (DATA_32 Row = Location[0]; Row < Location[2]; ++Row) {
-    Kernels().mark_row(ImagePointer, Mark, Width);
-    ImagePointer += EndX;
-    Mark += Width;
-  }
+  Kernels().mark_rows(ImagePointer, Mark, Location[2] - Location[0], Width, EndX);
 }
 
 }  // extern "C"

@@ -313,25 +313,31 @@ Call DrawMedianSeparate(Random& random) {
 
 // ---- Rows ----
 
-Call DrawMarkRow(Random& random) {
+Call DrawMarkRows(Random& random) {
   const std::uint32_t width = random.Below(8) == 0 ? 0 : DrawSize(random, 300);
+  const std::uint32_t height = random.Below(4);
+  const std::uint32_t end = width + (random.Below(2) == 0 ? 0 : random.Below(100));
+  const std::size_t marked = std::size_t{height} * width;
+  const std::size_t length = height == 0 ? 0 : (std::size_t{height} - 1) * end + width;
   // Image and mark lie in one buffer, up to a few vectors apart, or in two.
   const bool apart = random.Below(2) == 0;
   const std::uint32_t shift = random.Below(2) == 0 ? random.Below(8) : random.Below(140);
   const bool mark_first = random.Below(2) == 0;
-  const auto bytes = std::make_shared<Pixels>(Noise(random, std::size_t{width} + (apart ? width : shift)));
-  return {Sizes({{"width", width},
+  const auto bytes = std::make_shared<Pixels>(Noise(random, length + (apart ? marked : shift)));
+  return {Sizes({{"height", height},
+                 {"width", width},
+                 {"end", end},
                  {apart        ? "apart"
                   : mark_first ? "mark before by"
                                : "mark after by",
                   shift}}),
           [=](const KernelTable& table, Fenced::Side side) {
             const std::span<const std::uint8_t> all(*bytes);
-            const Fenced image(apart ? all.first(width) : all, side);
-            const Fenced mark(apart ? all.last(width) : all.first(0), side);
+            const Fenced image(apart ? all.first(length) : all, side);
+            const Fenced mark(apart ? all.last(marked) : all.first(0), side);
             const std::uint32_t image_at = apart || !mark_first ? 0 : shift;
             const std::uint8_t* marks = apart ? mark.Data() : image.Data() + (mark_first ? 0 : shift);
-            table.mark_row(image.Data() + image_at, marks, width);
+            table.mark_rows(image.Data() + image_at, marks, height, width, end);
             return Pixels(image.Bytes().begin(), image.Bytes().end());
           }};
 }
@@ -365,7 +371,7 @@ constexpr KernelCalls kCalls[] = {
     {"median_in_place", 500, DrawMedian},
     {"gaussian_in_place", 500, DrawGaussian},
     {"median_separate", 300, DrawMedianSeparate},
-    {"mark_row", 1000, DrawMarkRow},
+    {"mark_rows", 1500, DrawMarkRows},
     {"exchange_rows", 300, DrawExchangeRows},
 };
 

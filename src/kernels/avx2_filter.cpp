@@ -54,6 +54,7 @@ STOPNGO_INLINE Words Constant(data_32 Value) {
 STOPNGO_INLINE Words Select(Words Mask, Words a, Words b) { return _mm256_blendv_epi8(b, a, Mask); }
 STOPNGO_INLINE Words Either(Words a, Words b) { return _mm256_or_si256(a, b); }
 STOPNGO_INLINE Words Quotient1590(Words Sum, Words Left) {
+  asm("" : "+x"(Sum));
   const Words Product =
       _mm256_mulhi_epu16(_mm256_add_epi16(Sum, Left), _mm256_set1_epi16(static_cast<short>(42207)));
   return _mm256_srli_epi16(Product, 10);

@@ -15,7 +15,12 @@ STOPNGO_TARGET_BEGIN("avx2,fma")
 namespace avx2 {
 namespace {
 
+using Lanes = __m256;
+
 constexpr int kLanes = 8;
+
+[[gnu::always_inline]] inline Lanes LoadLanes(const REAL_32* From) { return _mm256_loadu_ps(From); }
+[[gnu::always_inline]] inline void StoreLanes(real_32* To, Lanes v) { _mm256_storeu_ps(To, v); }
 
 [[gnu::always_inline]] inline void ConvertEight(const INTE_08* Input, real_32* Output) {
   const __m128i Bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(Input));
@@ -23,10 +28,12 @@ constexpr int kLanes = 8;
   _mm256_storeu_ps(Output, _mm256_mul_ps(Value, _mm256_set1_ps(0.0078125F)));
 }
 
-/// Products of four inputs with the weights of two nodes, the second one four rows further on.
+/// Products of four inputs with the weights of two nodes, the second one four rows further on. A broadcast
+/// costs a load alone, and blends run on ports where the shuffles of AddFour cannot.
 [[gnu::always_inline]] inline __m256 Products(__m128 Feature, const REAL_32* Weight, std::size_t Inputs) {
-  const __m256 Weights = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(Weight)),
-                                              _mm_loadu_ps(Weight + 4 * Inputs), 1);
+  const __m256 Low = _mm256_castps128_ps256(_mm_loadu_ps(Weight));
+  const __m256 High = _mm256_broadcast_ps(reinterpret_cast<const __m128*>(Weight + 4 * Inputs));
+  const __m256 Weights = _mm256_blend_ps(Low, High, 0xF0);
   return _mm256_mul_ps(_mm256_set_m128(Feature, Feature), Weights);
 }
 
@@ -57,63 +64,16 @@ constexpr int kLanes = 8;
   return _mm256_add_ps(Nodes, _mm256_mul_ps(_mm256_set1_ps(Feature), Weights));
 }
 
-/// The sums of Vectors × 8 nodes. Two vectors are two chains of additions that run in each other's shade.
-template <int Vectors>
-void SumNodes(const REAL_32* Feature, const REAL_32* Weight, std::size_t Inputs, const REAL_32* Bias,
-              real_32* Out) {
-  __m256 Nodes[Vectors];
-#pragma GCC unroll 4
-  for (int v = 0; v < Vectors; ++v) Nodes[v] = _mm256_loadu_ps(Bias + v * kLanes);
-  std::size_t i = 0;
-  for (; i + 4 <= Inputs; i += 4) {
-    const __m128 Four = _mm_loadu_ps(Feature + i);
-#pragma GCC unroll 4
-    for (int v = 0; v < Vectors; ++v)
-      Nodes[v] = AddFour(Nodes[v], Four, Weight + v * kLanes * Inputs + i, Inputs);
-  }
-  for (; i < Inputs; ++i) {
-#pragma GCC unroll 4
-    for (int v = 0; v < Vectors; ++v)
-      Nodes[v] = AddOne(Nodes[v], Feature[i], Weight + v * kLanes * Inputs + i, Inputs);
-  }
-#pragma GCC unroll 4
-  for (int v = 0; v < Vectors; ++v) _mm256_storeu_ps(Out + v * kLanes, Nodes[v]);
-}
-
 real_32 FusedStep(real_32 A, real_32 B, real_32 C) {
   return _mm_cvtss_f32(_mm_fmadd_ss(_mm_set_ss(A), _mm_set_ss(B), _mm_set_ss(C)));
 }
 
-/// The score of a network with at least Vectors × 8 hidden nodes: the last nodes overlap the ones before
-/// them, and what has been added is passed over.
-template <int Vectors>
-real_32 ScoreWith(const REAL_32* Feature, const REAL_32* Weight, std::size_t Inputs, std::size_t Hiddens) {
-  constexpr std::size_t kNodes = Vectors * kLanes;
-  const REAL_32* Bias = Weight + Inputs * Hiddens;
-  const REAL_32* WeightHO = Bias + Hiddens;
-  real_32 Output = WeightHO[Hiddens];
-  real_32 Nodes[kNodes];
-  for (std::size_t Index = 0; Index < Hiddens;) {
-    const std::size_t First = std::min(Index, Hiddens - kNodes);
-    SumNodes<Vectors>(Feature, Weight + First * Inputs, Inputs, Bias + First, Nodes);
-    for (; Index < First + kNodes; ++Index) {
-      Output = FusedStep(WeightHO[Index], Activate(Nodes[Index - First]), Output);
-    }
-  }
-  return Activate(Output);
-}
+#include "perceptron_text.h"
 
 }  // namespace
 
 void Convert(const INTE_08* Input, real_32* Output, DATA_32 Length) {
-  if (Length < kLanes) {
-    generic::Convert(Input, Output, Length);
-    return;
-  }
-  const std::size_t Last = Length - kLanes;
-#pragma GCC unroll 4
-  for (std::size_t k = 0; k < Last; k += kLanes) ConvertEight(Input + k, Output + k);
-  ConvertEight(Input + Last, Output + Last);
+  if (!ConvertVectors(Input, Output, Length)) generic::Convert(Input, Output, Length);
 }
 
 real_32 Score(const REAL_32* Feature, const REAL_32* Weight, DATA_32 Inputs, DATA_32 Hiddens) {

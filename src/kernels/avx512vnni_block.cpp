@@ -32,11 +32,11 @@ using block_step::Progress;
 constexpr int kPatch = 16;
 /// Positions of a candidate along an axis, from -7 to 7.
 constexpr int kPositions = 2 * kReach + 1;
-/// What a tile may take of the stack: room for four blocks of 10 pixels, so that with the weights and the
-/// rest it stays below 8 KiB. Ten blocks would be a tenth faster and take twice that.
-constexpr int kTileBytes = 6400;
-constexpr int kTileBlocks = 4;
-constexpr int kWeightBytes = 768;
+/// What a tile may take of the stack: room for ten blocks of 10 pixels, a tenth faster than four. With the
+/// weights and the rest the stack of a frame stays below the 16 KiB that the build allows.
+constexpr int kTileBytes = 12800;
+constexpr int kTileBlocks = 10;
+constexpr int kWeightBytes = 1600;
 
 __m128i Load16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 __m256i Load32(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
@@ -54,19 +54,36 @@ struct Shape {
   int Columns;   ///< of the tile, reach included
   int RowPairs;  ///< of a patch; the last one is half empty when the block size is odd
 
-  Shape(int Size, int Count)
+  constexpr Shape(int Size, int Count)
       : BlockSize(Size),
         Blocks(Count),
         Columns((Count - 1) * Size + kPatch + 2 * kReach),
         RowPairs((Size + 1) / 2) {}
 
-  int Rows() const { return BlockSize + 2 * kReach; }
-  int PairRows() const { return kPositions + 2 * (RowPairs - 1); }
-  int PairStride() const { return 2 * Columns; }
-  int SquareHalf() const { return Columns / 2; }
-  int SquareStride() const { return 2 * SquareHalf(); }
-  int Bytes() const { return PairRows() * PairStride() + kPositions * SquareStride() * 4; }
+  constexpr int Rows() const { return BlockSize + 2 * kReach; }
+  constexpr int PairRows() const { return kPositions + 2 * (RowPairs - 1); }
+  constexpr int PairStride() const { return 2 * Columns; }
+  constexpr int SquareHalf() const { return Columns / 2; }
+  constexpr int SquareStride() const { return 2 * SquareHalf(); }
+  constexpr int Bytes() const { return PairRows() * PairStride() + kPositions * SquareStride() * 4; }
+  /// Of the weights of a block.
+  constexpr int BlockWeights() const { return 32 * RowPairs; }
 };
+
+/// The most blocks of a size that a tile takes.
+constexpr int LargestTile(int Size) {
+  int Count = kTileBlocks;
+  while (Shape(Size, Count).Bytes() > kTileBytes) --Count;
+  return Count;
+}
+
+constexpr bool WeightsFit() {
+  for (int Size = 9; Size <= kPatch; ++Size) {
+    if (LargestTile(Size) * Shape(Size, 1).BlockWeights() > kWeightBytes) return false;
+  }
+  return true;
+}
+static_assert(WeightsFit());
 
 struct Tile {
   explicit Tile(const Shape& s) : Size(s) {}
@@ -301,8 +318,7 @@ void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* Moti
     return;
   }
   const int Size = static_cast<int>(BlockSize);
-  int Fit = kTileBlocks;
-  while (Shape(Size, Fit).Bytes() > kTileBytes) --Fit;
+  const int Fit = LargestTile(Size);
   Tile T(Shape(Size, Fit));
   TileMatch* const Match = kTileMatches[T.Size.RowPairs - 5];
   for (DATA_32 x = 0; x < NumX; x += Fit) {

@@ -12,7 +12,7 @@ Resampling Resample;
 InPlaceFilter MedianInPlace;
 InPlaceFilter GaussianInPlace;
 SeparateFilter MedianSeparate;
-RowMarking MarkRow;
+RowMarking MarkRows;
 RowExchange ExchangeRows;
 }  // namespace generic
 
@@ -26,7 +26,7 @@ Resampling Resample;
 InPlaceFilter MedianInPlace;
 InPlaceFilter GaussianInPlace;
 SeparateFilter MedianSeparate;
-RowMarking MarkRow;
+RowMarking MarkRows;
 RowExchange ExchangeRows;
 }  // namespace sse41
 
@@ -39,7 +39,7 @@ Resampling Resample;
 InPlaceFilter MedianInPlace;
 InPlaceFilter GaussianInPlace;
 SeparateFilter MedianSeparate;
-RowMarking MarkRow;
+RowMarking MarkRows;
 RowExchange ExchangeRows;
 }  // namespace avx2
 
@@ -56,7 +56,7 @@ Resampling Resample;
 InPlaceFilter MedianInPlace;
 InPlaceFilter GaussianInPlace;
 SeparateFilter MedianSeparate;
-RowMarking MarkRow;
+RowMarking MarkRows;
 RowExchange ExchangeRows;
 }  // namespace neon
 

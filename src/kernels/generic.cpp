@@ -166,8 +166,10 @@ void Resample(const DATA_08* Input, std::ptrdiff_t RowStep, const Pattern& Rows,
   }
 }
 
-void MarkRow(data_08* Image, const DATA_08* Mark, DATA_32 Width) {
-  for (DATA_32 i = 0; i < Width; ++i) Image[i] = static_cast<data_08>(Image[i] ^ Mark[i]);
+void MarkRows(data_08* Image, const DATA_08* Mark, DATA_32 Height, DATA_32 Width, DATA_32 EndX) {
+  for (; Height > 0; --Height, Image += EndX, Mark += Width) {
+    for (DATA_32 i = 0; i < Width; ++i) Image[i] = static_cast<data_08>(Image[i] ^ Mark[i]);
+  }
 }
 
 void ExchangeRows(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width) {

@@ -1,8 +1,6 @@
 // kernels.cpp: the one place that chooses which form of the kernels runs.
 #include "kernels.h"
 
-#include <atomic>
-
 #include "forms.h"
 #if defined(__aarch64__)
 #include <asm/hwcap.h>
@@ -21,7 +19,7 @@ constexpr KernelTable kGeneric = {
     .median_in_place = generic::MedianInPlace,
     .gaussian_in_place = generic::GaussianInPlace,
     .median_separate = generic::MedianSeparate,
-    .mark_row = generic::MarkRow,
+    .mark_rows = generic::MarkRows,
     .exchange_rows = generic::ExchangeRows,
 };
 
@@ -36,7 +34,7 @@ constexpr KernelTable kSse41 = {
     .median_in_place = sse41::MedianInPlace,
     .gaussian_in_place = sse41::GaussianInPlace,
     .median_separate = sse41::MedianSeparate,
-    .mark_row = sse41::MarkRow,
+    .mark_rows = sse41::MarkRows,
     .exchange_rows = sse41::ExchangeRows,
 };
 
@@ -50,7 +48,7 @@ constexpr KernelTable kAvx2 = {
     .median_in_place = avx2::MedianInPlace,
     .gaussian_in_place = avx2::GaussianInPlace,
     .median_separate = avx2::MedianSeparate,
-    .mark_row = avx2::MarkRow,
+    .mark_rows = avx2::MarkRows,
     .exchange_rows = avx2::ExchangeRows,
 };
 
@@ -64,7 +62,7 @@ constexpr KernelTable kAvx512Vnni = {
     .median_in_place = avx2::MedianInPlace,
     .gaussian_in_place = avx2::GaussianInPlace,
     .median_separate = avx2::MedianSeparate,
-    .mark_row = avx2::MarkRow,
+    .mark_rows = avx2::MarkRows,
     .exchange_rows = avx2::ExchangeRows,
 };
 
@@ -90,7 +88,7 @@ constexpr KernelTable kNeon = {
     .median_in_place = neon::MedianInPlace,
     .gaussian_in_place = neon::GaussianInPlace,
     .median_separate = neon::MedianSeparate,
-    .mark_row = neon::MarkRow,
+    .mark_rows = neon::MarkRows,
     .exchange_rows = neon::ExchangeRows,
 };
 
@@ -104,7 +102,7 @@ constexpr KernelTable kNeonDotprod = {
     .median_in_place = neon::MedianInPlace,
     .gaussian_in_place = neon::GaussianInPlace,
     .median_separate = neon::MedianSeparate,
-    .mark_row = neon::MarkRow,
+    .mark_rows = neon::MarkRows,
     .exchange_rows = neon::ExchangeRows,
 };
 
@@ -117,17 +115,16 @@ constexpr const KernelTable* kTables[] = {&kGeneric};
 std::size_t CountTables() { return 1; }
 #endif
 
-std::atomic<const KernelTable*> InForce = nullptr;
-
 }  // namespace
+
+/// A constructor of another module that comes before the one below finds the plain forms.
+const KernelTable* KernelsInForce = &kGeneric;
 
 std::span<const KernelTable* const> AvailableKernels() { return std::span(kTables).first(CountTables()); }
 
-const KernelTable& Kernels() {
-  const KernelTable* Table = InForce.load(std::memory_order_relaxed);
-  // Threads that come here at the same time choose the same.
-  if (Table == nullptr) InForce.store(Table = AvailableKernels().back(), std::memory_order_relaxed);
-  return *Table;
+void ForceKernels(const KernelTable* Table) {
+  KernelsInForce = Table != nullptr ? Table : AvailableKernels().back();
 }
 
-void ForceKernels(const KernelTable* Table) { InForce.store(Table, std::memory_order_relaxed); }
+/// At load time, so that no call has to ask whether the choice has been made.
+[[gnu::constructor]] static void ChooseKernels() { ForceKernels(nullptr); }

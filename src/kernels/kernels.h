@@ -42,8 +42,9 @@ using InPlaceFilter = void(data_08* Image, DATA_32 Border, DATA_32 Width, DATA_3
 /// Medians of unfiltered windows; rows, cols > 2.
 using SeparateFilter = void(const DATA_08* image, int rows, int cols, data_08* filteredimage);
 
-/// Image[i] ^= Mark[i] for i below Width, in order: Mark may overlap Image.
-using RowMarking = void(data_08* Image, const DATA_08* Mark, DATA_32 Width);
+/// Image[i] ^= Mark[i] for the first Width bytes of Height rows, which start EndX bytes apart in Image and
+/// follow one another in Mark; in order: Mark may overlap Image.
+using RowMarking = void(data_08* Image, const DATA_08* Mark, DATA_32 Height, DATA_32 Width, DATA_32 EndX);
 
 /// Exchanges two rows of Width bytes, by way of Buffer or without it.
 using RowExchange = void(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width);
@@ -58,12 +59,15 @@ struct KernelTable {
   InPlaceFilter* median_in_place;
   InPlaceFilter* gaussian_in_place;
   SeparateFilter* median_separate;
-  RowMarking* mark_row;
+  RowMarking* mark_rows;
   RowExchange* exchange_rows;
 };
 
-/// The kernels in force: the fastest forms that this processor runs.
-const KernelTable& Kernels();
+/// The table in force. Read through Kernels(), set by ForceKernels() alone.
+[[gnu::visibility("hidden")]] extern const KernelTable* KernelsInForce;
+
+/// The kernels in force: the fastest forms that this processor runs, as found when the module is loaded.
+inline const KernelTable& Kernels() { return *KernelsInForce; }
 
 /// Every table that this processor runs, plain forms first, fastest last: for tests and benchmarks.
 std::span<const KernelTable* const> AvailableKernels();

@@ -65,30 +65,58 @@ class RowRuns {
   struct Run {
     DATA_32 Rows;
     std::ptrdiff_t Step;  ///< bytes to the source row of the next run
+    const Run* Next;      ///< after the last run of the group, its first
   };
 
   RowRuns(const Pattern& Rows, std::ptrdiff_t RowStep) : First_(Rows.Offset[0] * RowStep) {
-    for (int k = 0; k < Rows.Output; ++Count_) {
+    Run* Current = Run_;
+    for (int k = 0; k < Rows.Output; ++Current) {
       const int Offset = Rows.Offset[k];
       const int Begin = k;
       while (k < Rows.Output && Rows.Offset[k] == Offset) ++k;
-      const int Next = k < Rows.Output ? Rows.Offset[k] : Rows.Source + Rows.Offset[0];
-      Run_[Count_] = {.Rows = static_cast<DATA_32>(k - Begin), .Step = (Next - Offset) * RowStep};
+      const bool Ends = k == Rows.Output;
+      const int Next = Ends ? Rows.Source + Rows.Offset[0] : Rows.Offset[k];
+      *Current = {static_cast<DATA_32>(k - Begin), (Next - Offset) * RowStep, Ends ? Run_ : Current + 1};
     }
   }
+  RowRuns(const RowRuns&) = delete;
+  RowRuns& operator=(const RowRuns&) = delete;
 
   /// The bytes to the first source row.
   [[nodiscard]] std::ptrdiff_t First() const { return First_; }
   [[nodiscard]] const Run* Begin() const { return Run_; }
-  /// The run after Current; the first one follows the last.
-  [[nodiscard]] const Run* After(const Run* Current) const {
-    return Current + 1 == Run_ + Count_ ? Run_ : Current + 1;
-  }
 
  private:
   std::ptrdiff_t First_;
-  int Count_ = 0;
   Run Run_[sizeof Pattern::Offset];
+};
+
+/// The source rows of output rows, of which there is at least one, one after the other.
+class RowWalk {
+ public:
+  RowWalk(const data_08* Input, const RowRuns& Runs, DATA_32 Rows)
+      : Run_(Runs.Begin()), Source_(Input + Runs.First()), Repeats_(Run_->Rows), Left_(Rows) {}
+
+  [[nodiscard]] const data_08* Source() const { return Source_; }
+  /// The bytes to the source row of the next run; 0 in the last output row, after which there may be none.
+  [[nodiscard]] std::ptrdiff_t Ahead() const { return Left_ > 1 ? Run_->Step : 0; }
+
+  /// Goes to the next output row; false when there is none.
+  bool Advance() {
+    if (--Left_ == 0) return false;
+    if (--Repeats_ == 0) {
+      Source_ += Run_->Step;
+      Run_ = Run_->Next;
+      Repeats_ = Run_->Rows;
+    }
+    return true;
+  }
+
+ private:
+  const RowRuns::Run* Run_;
+  const data_08* Source_;
+  DATA_32 Repeats_;  ///< of the source row that are left, this one included
+  DATA_32 Left_;     ///< output rows that are left, this one included
 };
 
 }  // namespace

@@ -53,7 +53,7 @@ void FillTile(const data_08* Input, const Tile<S>& Plan, const RowRuns& Runs, da
   const std::size_t Last = Plan.Last - Plan.Start;
   Output += Plan.Start;
   std::ptrdiff_t Source = Runs.First();
-  for (const RowRuns::Run* Run = Runs.Begin();; Run = Runs.After(Run)) {
+  for (const RowRuns::Run* Run = Runs.Begin();; Run = Run->Next) {
     const Bytes Pixels[] = {Gather<S>(Input + Source, From[Vector], Select[Vector])...};
     // The last group of rows can be cut short.
     const DATA_32 Rows = std::min(Run->Rows, CropY);
@@ -139,42 +139,65 @@ void Decimate(const data_08* Input, const RowRuns& Runs, data_08* Output, DATA_3
   const Selector<S> Every = PickEvery<S>(0);
   const Selector<S> EveryLast = PickEvery<S>(S - 1);
   const std::size_t EndColumn = CropX - std::size_t{kBytes};
-  const std::size_t EndSource = S * EndColumn - (S - 1);
-  std::ptrdiff_t Source = Runs.First();
-  for (const RowRuns::Run* Run = Runs.Begin(); CropY > 0; Run = Runs.After(Run)) {
-    const DATA_32 Rows = std::min(Run->Rows, CropY);
-    CropY -= Rows;
-    // The next source row is on its way into the cache while this one is worked.
-    const std::ptrdiff_t Ahead = CropY > 0 ? Run->Step : 0;
-    for (DATA_32 Row = 0; Row < Rows; ++Row, Output += CropX) {
-      const data_08* Pixel = Input + Source;
-      const Bytes End = TakeEvery<S>(Pixel + EndSource, EveryLast);
-      std::size_t x = 0;
-      if constexpr (S == 1) {
-        for (; x + 3 * kBytes < EndColumn; x += 4 * kBytes, Pixel += 4 * kBytes) {
-          Prefetch<4 * kBytes>(Pixel + Ahead);
-          const Bytes First = Load(Pixel);
-          const Bytes Second = Load(Pixel + kBytes);
-          const Bytes Third = Load(Pixel + 2 * kBytes);
-          const Bytes Fourth = Load(Pixel + 3 * kBytes);
-          Store(Output + x, First);
-          Store(Output + x + kBytes, Second);
-          Store(Output + x + 2 * kBytes, Third);
-          Store(Output + x + 3 * kBytes, Fourth);
-        }
-      }
-      for (; x + kBytes < EndColumn; x += 2 * kBytes, Pixel += 2 * S * kBytes) {
-        Prefetch<2 * S * kBytes>(Pixel + Ahead);
-        const Bytes First = TakeEvery<S>(Pixel, Every);
-        const Bytes Second = TakeEvery<S>(Pixel + S * kBytes, Every);
-        Store(Output + x, First);
-        Store(Output + x + kBytes, Second);
-      }
-      if (x < EndColumn) Store(Output + x, TakeEvery<S>(Pixel, Every));
-      Store(Output + EndColumn, End);
+  RowWalk Row(Input, Runs, CropY);
+  do {
+    const data_08* Pixel = Row.Source();
+    const std::ptrdiff_t Ahead = Row.Ahead();
+    const data_08* const PixelEnd = Pixel + S * EndColumn - (S - 1);
+    Prefetch<S * kBytes>(PixelEnd + Ahead);
+    const Bytes End = TakeEvery<S>(PixelEnd, EveryLast);
+    data_08* const OutputLast = Output + EndColumn;
+    for (; Output + kBytes < OutputLast; Output += 2 * kBytes, Pixel += 2 * S * kBytes) {
+      Prefetch<2 * S * kBytes>(Pixel + Ahead);
+      const Bytes First = TakeEvery<S>(Pixel, Every);
+      const Bytes Second = TakeEvery<S>(Pixel + S * kBytes, Every);
+      Store(Output, First);
+      Store(Output + kBytes, Second);
     }
-    Source += Ahead;
-  }
+    if (Output < OutputLast) Store(Output, TakeEvery<S>(Pixel, Every));
+    Store(OutputLast, End);
+    Output = OutputLast + kBytes;
+  } while (Row.Advance());
+}
+
+// ---- Whole rows ----
+
+/// Four vectors that are all read before the first of them is written: loads and stores come in bursts.
+struct Burst {
+  Bytes First, Second, Third, Fourth;
+};
+
+constexpr int kBurst = 4 * kBytes;
+
+STOPNGO_INLINE Burst LoadBurst(const data_08* Pixel) {
+  return {Load(Pixel), Load(Pixel + kBytes), Load(Pixel + 2 * kBytes), Load(Pixel + 3 * kBytes)};
+}
+
+STOPNGO_INLINE void StoreBurst(data_08* Pixel, const Burst& Pixels) {
+  Store(Pixel, Pixels.First);
+  Store(Pixel + kBytes, Pixels.Second);
+  Store(Pixel + 2 * kBytes, Pixels.Third);
+  Store(Pixel + 3 * kBytes, Pixels.Fourth);
+}
+
+/// Every pixel of rows that take a burst at least. A row ends with a burst that overlaps the one before it
+/// and, as above, is read before any of the row is written.
+void CopyRows(const data_08* Input, const RowRuns& Runs, data_08* Output, DATA_32 CropY, DATA_32 CropX) {
+  const std::size_t Last = CropX - std::size_t{kBurst};
+  RowWalk Row(Input, Runs, CropY);
+  do {
+    const data_08* Pixel = Row.Source();
+    const data_08* const PixelLast = Pixel + Last;
+    const std::ptrdiff_t Ahead = Row.Ahead();
+    Prefetch<kBurst>(PixelLast + Ahead);
+    const Burst End = LoadBurst(PixelLast);
+    for (data_08* Out = Output; Pixel < PixelLast; Pixel += kBurst, Out += kBurst) {
+      Prefetch<kBurst>(Pixel + Ahead);
+      StoreBurst(Out, LoadBurst(Pixel));
+    }
+    StoreBurst(Output + Last, End);
+    Output += CropX;
+  } while (Row.Advance());
 }
 
 // ---- The choice ----
@@ -189,7 +212,11 @@ bool ResampleVectors(const data_08* Input, std::ptrdiff_t RowStep, const Pattern
   if (Columns.Output == 1) {
     switch (Columns.Source) {
       case 1:
-        Decimate<1>(Input, Runs, Output, CropY, CropX);
+        if (CropX >= kBurst) {
+          CopyRows(Input, Runs, Output, CropY, CropX);
+        } else {
+          Decimate<1>(Input, Runs, Output, CropY, CropX);
+        }
         return true;
       case 2:
         Decimate<2>(Input + Columns.Offset[0], Runs, Output, CropY, CropX);

@@ -14,7 +14,12 @@ STOPNGO_TARGET_BEGIN("sse4.1")
 namespace sse41 {
 namespace {
 
+using Lanes = __m128;
+
 constexpr int kLanes = 4;
+
+[[gnu::always_inline]] inline Lanes LoadLanes(const REAL_32* From) { return _mm_loadu_ps(From); }
+[[gnu::always_inline]] inline void StoreLanes(real_32* To, Lanes v) { _mm_storeu_ps(To, v); }
 
 [[gnu::always_inline]] inline void ConvertEight(const INTE_08* Input, real_32* Output) {
   const __m128i Bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(Input));
@@ -47,60 +52,14 @@ constexpr int kLanes = 4;
   return _mm_add_ps(Nodes, _mm_mul_ps(_mm_set1_ps(Feature), Weights));
 }
 
-/// The sums of Vectors × 4 nodes. Several vectors are chains of additions that run in each other's shade.
-template <int Vectors>
-void SumNodes(const REAL_32* Feature, const REAL_32* Weight, std::size_t Inputs, const REAL_32* Bias,
-              real_32* Out) {
-  __m128 Nodes[Vectors];
-#pragma GCC unroll 4
-  for (int v = 0; v < Vectors; ++v) Nodes[v] = _mm_loadu_ps(Bias + v * kLanes);
-  std::size_t i = 0;
-  for (; i + 4 <= Inputs; i += 4) {
-    const __m128 Four = _mm_loadu_ps(Feature + i);
-#pragma GCC unroll 4
-    for (int v = 0; v < Vectors; ++v)
-      Nodes[v] = AddFour(Nodes[v], Four, Weight + v * kLanes * Inputs + i, Inputs);
-  }
-  for (; i < Inputs; ++i) {
-#pragma GCC unroll 4
-    for (int v = 0; v < Vectors; ++v)
-      Nodes[v] = AddOne(Nodes[v], Feature[i], Weight + v * kLanes * Inputs + i, Inputs);
-  }
-#pragma GCC unroll 4
-  for (int v = 0; v < Vectors; ++v) _mm_storeu_ps(Out + v * kLanes, Nodes[v]);
-}
+real_32 FusedStep(real_32 A, real_32 B, real_32 C) { return FusedMultiplyAdd(A, B, C); }
 
-/// The score of a network with at least Vectors × 4 hidden nodes: the last nodes overlap the ones before
-/// them, and what has been added is passed over.
-template <int Vectors>
-real_32 ScoreWith(const REAL_32* Feature, const REAL_32* Weight, std::size_t Inputs, std::size_t Hiddens) {
-  constexpr std::size_t kNodes = Vectors * kLanes;
-  const REAL_32* Bias = Weight + Inputs * Hiddens;
-  const REAL_32* WeightHO = Bias + Hiddens;
-  real_32 Output = WeightHO[Hiddens];
-  real_32 Nodes[kNodes];
-  for (std::size_t Index = 0; Index < Hiddens;) {
-    const std::size_t First = std::min(Index, Hiddens - kNodes);
-    SumNodes<Vectors>(Feature, Weight + First * Inputs, Inputs, Bias + First, Nodes);
-    for (; Index < First + kNodes; ++Index) {
-      Output = FusedMultiplyAdd(WeightHO[Index], Activate(Nodes[Index - First]), Output);
-    }
-  }
-  return Activate(Output);
-}
+#include "perceptron_text.h"
 
 }  // namespace
 
 void Convert(const INTE_08* Input, real_32* Output, DATA_32 Length) {
-  constexpr DATA_32 kGroup = 8;
-  if (Length < kGroup) {
-    generic::Convert(Input, Output, Length);
-    return;
-  }
-  const std::size_t Last = Length - kGroup;
-#pragma GCC unroll 4
-  for (std::size_t k = 0; k < Last; k += kGroup) ConvertEight(Input + k, Output + k);
-  ConvertEight(Input + Last, Output + Last);
+  if (!ConvertVectors(Input, Output, Length)) generic::Convert(Input, Output, Length);
 }
 
 real_32 Score(const REAL_32* Feature, const REAL_32* Weight, DATA_32 Inputs, DATA_32 Hiddens) {

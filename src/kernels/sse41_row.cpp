@@ -20,8 +20,10 @@ STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return _mm_xor_si128(a, b); }
 
 }  // namespace
 
-void MarkRow(data_08* Image, const DATA_08* Mark, DATA_32 Width) {
-  if (!MarkVectors(Image, Mark, Width)) generic::MarkRow(Image, Mark, Width);
+void MarkRows(data_08* Image, const DATA_08* Mark, DATA_32 Height, DATA_32 Width, DATA_32 EndX) {
+  for (; Height > 0; --Height, Image += EndX, Mark += Width) {
+    if (!MarkVectors(Image, Mark, Width)) generic::MarkRows(Image, Mark, 1, Width, EndX);
+  }
 }
 
 void ExchangeRows(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width) {

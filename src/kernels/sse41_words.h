@@ -31,8 +31,10 @@ STOPNGO_INLINE Words Constant(data_32 Value) {
 STOPNGO_INLINE Words Select(Words Mask, Words a, Words b) { return _mm_blendv_epi8(b, a, Mask); }
 STOPNGO_INLINE Words Either(Words a, Words b) { return _mm_or_si128(a, b); }
 /// floor((Sum + Left) / 1590): 42207 = (2^26 + 266) / 1590, and the excess 266 × 40545 stays below 2^26,
-/// so nothing is carried over for any sum that can occur.
+/// so nothing is carried over for any sum that can occur. Left comes last: a compiler that orders the sums
+/// anew would add it early and make the chain from result to result longer.
 STOPNGO_INLINE Words Quotient1590(Words Sum, Words Left) {
+  asm("" : "+x"(Sum));
   return _mm_srli_epi16(_mm_mulhi_epu16(_mm_add_epi16(Sum, Left), _mm_set1_epi16(static_cast<short>(42207))),
                         10);
 }
