@@ -47,7 +47,7 @@ constexpr std::size_t kValidationPart = 5;
 
 /// A choice of the training that is an option and goes into the sidecar under the same name.
 struct TrainingOptions {
-  int looks = 4;
+  int looks = 6;
   int seeds = 3;
   std::uint64_t seed = 1;
   double false_alarms_per_hour = 0.5;

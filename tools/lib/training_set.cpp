@@ -2,10 +2,9 @@
 #include "training_set.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+#include <memory>
 #include <mutex>
-#include <string_view>
 
 #include "parallel.h"
 #include "scene_random.h"
@@ -22,18 +21,20 @@ constexpr int kShift = 16;  // pixels
 /// Far above every score: no alarm, and so no hold in which nothing is analysed.
 constexpr double kNoAlarm = 2;
 
+/// Looks at the same frames: rendering or decoding them takes many times as long as their analysis.
+constexpr std::size_t kLooksARate = 3;
+
 struct Look {
-  double rate = 0;
   bool mirrored = false;
   int dx = 0, dy = 0;
   int filter = 0;
   int scale = 0;
 };
 
-Look DrawLook(const Settings& settings, double rate, Random& random) {
-  Look look{rate, false, 0, 0, settings.filter, settings.scale};
-  look.rate *= random.Uniform(0.75, 1.35);
-  look.mirrored = random.Below(2) == 1;
+double DrawRate(double rate, Random& random) { return rate * random.Uniform(0.75, 1.35); }
+
+Look DrawLook(const Settings& settings, Random& random) {
+  Look look{random.Below(2) == 1, 0, 0, settings.filter, settings.scale};
   look.dx = static_cast<int>(random.Below(2 * kShift + 1)) - kShift;
   look.dy = static_cast<int>(random.Below(2 * kShift + 1)) - kShift;
   // Three in ten smoothed, one in five magnified: the module's settings are the user's to choose.
@@ -69,24 +70,47 @@ Settings ForLook(Settings settings, const OpenedClip& clip, const Look& look) {
   return settings;
 }
 
-FeatureTrack Collect(const Module& module, const Settings& settings, const Clip& clip, const Look& look) {
-  Clip looked_at = clip;
-  looked_at.rate = look.rate;
-  const OpenedClip opened = OpenClip(looked_at, look.rate, kShift);
-  Detector detector(module, ForLook(settings, opened, look), opened.frames->Info());
-  FeatureTrack track;
-  track.features = detector.Context().Features;
+/// A detector that fills one track.
+class Collector {
+ public:
+  Collector(const Module& module, const Settings& settings, const OpenedClip& clip, const Look& look,
+            FeatureTrack& track)
+      : detector_(module, ForLook(settings, clip, look), clip.frames->Info()), track_(track) {
+    track_.features = detector_.Context().Features;
+  }
+  /// Whether the frame was analysed.
+  bool Take(LumaFrame& frame) {
+    if (!detector_.Write(frame).analysed) return false;
+    const auto* const histogram = detector_.Context().MotionChunk;
+    track_.histograms.insert(track_.histograms.end(), histogram, histogram + track_.features);
+    return true;
+  }
+
+ private:
+  Detector detector_;
+  FeatureTrack& track_;
+};
+
+/// One pass over a clip's frames at one rate, a track a look.
+void Collect(const Module& module, const Settings& settings, const Clip& clip, std::span<const Look> looks,
+             std::span<FeatureTrack> tracks) {
+  const OpenedClip opened = OpenClip(clip, 0, kShift);
+  std::vector<std::unique_ptr<Collector>> collectors;
+  for (std::size_t i = 0; i < looks.size(); i++) {
+    collectors.push_back(std::make_unique<Collector>(module, settings, opened, looks[i], tracks[i]));
+  }
   std::vector<double> times_s;
   LumaFrame frame;
   while (opened.frames->Next(frame)) {
-    if (look.mirrored) Mirror(frame);
-    if (!detector.Write(frame).analysed) continue;
-    const auto* const histogram = detector.Context().MotionChunk;
-    track.histograms.insert(track.histograms.end(), histogram, histogram + track.features);
-    times_s.push_back(frame.time_s);
+    LumaFrame mirrored = frame;
+    Mirror(mirrored);
+    bool analysed = false;
+    for (std::size_t i = 0; i < looks.size(); i++) {
+      analysed = collectors[i]->Take(looks[i].mirrored ? mirrored : frame);
+    }
+    if (analysed) times_s.push_back(frame.time_s);
   }
-  SetAims(track, times_s, opened.labels);
-  return track;
+  for (FeatureTrack& track : tracks) SetAims(track, times_s, opened.labels);
 }
 
 }  // namespace
@@ -98,13 +122,17 @@ std::vector<FeatureTrack> CollectTracks(const Module& module, const Settings& se
   std::vector<FeatureTrack> tracks(clips.size() * count);
   std::mutex stepping;
   InParallel(clips.size(), jobs, [&](std::size_t index) {
-    const Clip& clip = clips[index];
+    Clip clip = clips[index];
     const double rate = clip.rate.value_or(settings.rate);
     Random random(looks.seed + index, kStream);
-    for (std::size_t look = 0; look < count; look++) {
-      const Look plain{rate, false, 0, 0, settings.filter, settings.scale};
-      tracks[index * count + look] =
-          Collect(module, settings, clip, look == 0 ? plain : DrawLook(settings, rate, random));
+    for (std::size_t first = 0; first < count; first += kLooksARate) {
+      clip.rate = first == 0 ? rate : DrawRate(rate, random);
+      std::vector<Look> drawn(std::min(kLooksARate, count - first));
+      for (std::size_t i = 0; i < drawn.size(); i++) {
+        drawn[i] =
+            first + i == 0 ? Look{false, 0, 0, settings.filter, settings.scale} : DrawLook(settings, random);
+      }
+      Collect(module, settings, clip, drawn, std::span(tracks).subspan(index * count + first, drawn.size()));
     }
     const std::lock_guard lock(stepping);
     step();
