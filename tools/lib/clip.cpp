@@ -38,11 +38,6 @@ SceneWindow Around(const SceneRegion& region, int margin) {
   return {left, top, right - left, bottom - top};
 }
 
-/// Where a scene suggests to look; a window of a few pixels tells it as well as the whole picture.
-SceneRegion SuggestedRegion(const SceneOptions& options) {
-  return Scene(options, {0, 0, 8, 8}).SuggestedRegion();
-}
-
 OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
   const auto& drawn = std::get<DrawnScene>(clip.source);
   SceneOptions options = DrawScene(drawn.kind, drawn.seed);

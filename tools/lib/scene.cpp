@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "scene_lane.h"
 #include "scene_model.h"
+#include "settings.h"
 
 namespace stopngo {
 
@@ -27,6 +29,32 @@ double Scene::Distance(double time_s) const {
   return model_->options.lead_present ? model_->lane.front().At(time_s).z : 0;
 }
 
-SceneRegion Scene::SuggestedRegion() const { return model_->Region(); }
+SceneRegion Scene::SuggestedRegion() const { return stopngo::SuggestedRegion(model_->options); }
+
+SceneRegion SuggestedRegion(const SceneOptions& options) {
+  const Settings defaults;
+  SceneRegion region{defaults.roi_x, defaults.roi_y, defaults.roi_width, defaults.roi_height};
+  if (options.lead_present) {
+    // Few texels do: all that counts is how high and wide the vehicle is.
+    const LaneVehicle lead(options.lead, 4, 1e4, options.seed);
+    const VehicleView view(lead.Look(), WaitingCamera(options), lead.At(0), options.light);
+    const double across = static_cast<double>(defaults.input_width) / options.width;
+    const double down = static_cast<double>(defaults.input_height) / options.height;
+    // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.
+    const auto place = [&options](int at, int length, double low, double high, double share) {
+      if (!options.region.aimed && at >= low && at + length <= high) {
+        return at;
+      }
+      return static_cast<int>(std::lround(low + (high - low) * share)) - length / 2;
+    };
+    region.x = place(region.x, region.width, view.Left() * across, view.Right() * across,
+                     0.5 + options.region.across);
+    region.y = place(region.y, region.height, view.Top() * down, view.Bottom() * down,
+                     options.region.aimed ? 1 - options.region.up : 0.5);
+  }
+  region.x = std::clamp(region.x + options.region.shift_x, 0, defaults.input_width - region.width);
+  region.y = std::clamp(region.y + options.region.shift_y, 0, defaults.input_height - region.height);
+  return region;
+}
 
 }  // namespace stopngo

@@ -22,6 +22,10 @@ struct SceneWindow {
   int width = 0, height = 0;  ///< 0: the whole picture
 };
 
+/// Where to look for the vehicle while it stands, at the working size of 800 × 480: unless the options
+/// aim it, the tools' default region, moved onto the vehicle's rear when it does not lie on it.
+SceneRegion SuggestedRegion(const SceneOptions& options);
+
 /// The same options give the same bytes on every machine.
 class Scene {
  public:
@@ -36,8 +40,6 @@ class Scene {
   [[nodiscard]] std::vector<LabelSpan> Labels() const;
   /// Distance from where the camera is at the beginning to the vehicle's rear at a time.
   [[nodiscard]] double Distance(double time_s) const;
-  /// Where to look for the vehicle while it stands, at the working size of 800 × 480: unless the options
-  /// aim it, the tools' default region, moved onto the vehicle's rear when it does not lie on it.
   [[nodiscard]] SceneRegion SuggestedRegion() const;
 
  private:

@@ -7,7 +7,6 @@
 #include <cstddef>
 
 #include "scene_labels.h"
-#include "settings.h"
 
 namespace stopngo {
 namespace {
@@ -15,12 +14,9 @@ namespace {
 constexpr double kVehicleToLine_m = 5.4;  // from its rear: a car's length and a metre
 constexpr int kSubExposures = 4;
 
+/// A window is the picture of a camera whose principal point lies elsewhere.
 Camera CameraOf(const SceneOptions& options, const SceneWindow& window) {
-  Camera camera = MakeCamera(options.width, options.height);
-  camera.height_m = options.camera.height_m;
-  camera.focal = options.camera.focal * options.width;
-  camera.horizon = options.camera.horizon * options.height;
-  // A window is the picture of a camera whose principal point lies elsewhere.
+  Camera camera = WaitingCamera(options);
   camera.centre_x -= window.x;
   camera.horizon -= window.y;
   return camera;
@@ -52,6 +48,14 @@ bool SamePose(const Camera& a, const Camera& b) {
 
 }  // namespace
 
+Camera WaitingCamera(const SceneOptions& options) {
+  Camera camera = MakeCamera(options.width, options.height);
+  camera.height_m = options.camera.height_m;
+  camera.focal = options.camera.focal * options.width;
+  camera.horizon = options.camera.horizon * options.height;
+  return camera;
+}
+
 Scene::Model::Model(const SceneOptions& o, const SceneWindow& w)
     : options(o),
       window(w.width == 0 ? SceneWindow{0, 0, o.width, o.height} : w),
@@ -72,7 +76,7 @@ Scene::Model::Model(const SceneOptions& o, const SceneWindow& w)
   vehicles.insert(vehicles.end(), o.others.begin(), o.others.end());
   // Half as many texels again as pixels keep the edges of texels from showing; a lorry's are too many to
   // paint for every scene.
-  const double most_texels = std::min(0.65 * o.width * o.height, 1.5e6);
+  const double most_texels = std::min(0.4 * o.width * o.height, 1.5e6);
   for (std::size_t i = 0; i < vehicles.size(); i++) {
     const double nearest = std::max(2.0, vehicles[i].distance_m);
     lane.emplace_back(vehicles[i], std::min(1.5 * camera_.focal / nearest, 520.0), most_texels, o.seed + i);
@@ -80,8 +84,8 @@ Scene::Model::Model(const SceneOptions& o, const SceneWindow& w)
   for (const ActorOptions& actor : o.actors) {
     Actors made = MakeActors(actor.kind, MakeStage(actor.event_s), actor.seed);
     for (auto& one : made) {
-      if (Crosses(actor.kind)) crossing_.push_back(one.get());
       actors_.push_back(std::move(one));
+      actor_kinds_.push_back(actor.kind);
     }
   }
   for (const OverlayOptions& overlay : o.overlays) {
@@ -138,12 +142,13 @@ void Scene::Model::UpdateStill(double time_s, const Camera& camera) {
   const auto street = [this](const Camera& seen, int row, std::span<float> light) {
     world_.Row(seen, row, light);
   };
-  still_ =
-      std::make_unique<Still>(Still{camera, Layer(camera, part.width, 0, part.height, margin, street), {}});
+  still_ = std::make_unique<Still>(
+      Still{camera, Layer(camera, part.width, 0, part.height, margin, street), {}, {}});
   still_->vehicles.resize(lane.size());
+  still_->actors.resize(actors_.size());
 }
 
-void Scene::Model::DrawStreet(double time_s, const Camera& camera, Shake::Offset shake) {
+void Scene::Model::DrawStreet(double time_s, Shake::Offset shake) {
   const auto width = static_cast<std::size_t>(part.width);
   const auto line = [this, width](int row) {
     return std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
@@ -163,7 +168,6 @@ void Scene::Model::DrawStreet(double time_s, const Camera& camera, Shake::Offset
     moved.centre_x += offset.x;
     moved.horizon += offset.y;
   }
-  (void)camera;
   std::fill(light_.begin(), light_.end(), 0.0F);
   for (int row = 0; row < part.height; row++) {
     for (int i = 0; i < kSubExposures; i++) {
@@ -176,11 +180,11 @@ std::vector<Scene::Model::Item> Scene::Model::Items(double time_s, const Camera&
   std::vector<Item> items;
   for (std::size_t i = 0; i < lane.size(); i++) {
     const VehicleState state = lane[i].At(time_s);
-    items.push_back({PlaceOf(camera, state.x, state.z).ahead, nullptr, i});
+    items.push_back({PlaceOf(camera, state.x, state.z).ahead, true, i});
   }
-  for (const auto& actor : actors_) {
-    const auto distance = actor->Distance(time_s);
-    if (distance) items.push_back({*distance - camera.z_m, actor.get(), 0});
+  for (std::size_t i = 0; i < actors_.size(); i++) {
+    const auto distance = actors_[i]->Distance(time_s);
+    if (distance) items.push_back({*distance - camera.z_m, false, i});
   }
   std::stable_sort(items.begin(), items.end(),
                    [](const Item& a, const Item& b) { return a.distance > b.distance; });
@@ -196,22 +200,48 @@ void Scene::Model::DrawVehicle(std::size_t index, double time_s, const Camera& s
   }
   const auto width = static_cast<std::size_t>(part.width);
   const bool kept = resting_ && vehicle.Waits(time_s);
-  if (kept && !still_->vehicles[index]) {
-    const auto paint = [this, &vehicle, &state](const Camera& camera, int row, std::span<float> light) {
-      VehicleView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
-    };
-    const int margin = static_cast<int>(std::ceil(shake_.Reach()));
-    still_->vehicles[index].emplace(still_->camera, part.width, 0, part.height, margin, paint);
+  if (kept) {
+    DrawCutout(still_->vehicles[index], shake,
+               [this, &vehicle, &state](const Camera& camera, int row, std::span<float> light) {
+                 VehicleView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
+               });
   }
   for (int row = 0; row < part.height; row++) {
     const auto line = std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
-    if (kept) {
-      still_->vehicles[index]->DrawRow(row, shake, line);
-    } else {
-      view.DrawRow(row, line);
-    }
+    if (!kept) view.DrawRow(row, line);
     view.DrawLamps(row, line);
   }
+}
+
+void Scene::Model::DrawCutout(std::optional<Cutout>& cutout, Shake::Offset shake, const Layer::Paint& paint) {
+  if (!cutout) {
+    const int margin = static_cast<int>(std::ceil(shake_.Reach()));
+    cutout.emplace(still_->camera, part.width, 0, part.height, margin, paint);
+  }
+  const auto width = static_cast<std::size_t>(part.width);
+  for (int row = 0; row < part.height; row++) {
+    cutout->DrawRow(row, shake,
+                    std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width));
+  }
+}
+
+void Scene::Model::DrawActor(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake) {
+  const Actor& actor = *actors_[index];
+  if (!resting_ || actor_kinds_[index] != ActorKind::kNeighbour) {
+    actor.Draw(time_s, shaken, illumination_, sheet_);
+    sheet_used_ = true;
+    return;
+  }
+  FlushSheet();
+  std::optional<Sheet> sheet;
+  DrawCutout(still_->actors[index], shake, [&](const Camera& camera, int row, std::span<float> light) {
+    if (!sheet) {
+      const int rows = 2 * (part.height + 2 * (static_cast<int>(std::ceil(shake_.Reach())) + 1));
+      sheet.emplace(static_cast<int>(light.size()), rows);
+      actor.Draw(time_s, camera, illumination_, *sheet);
+    }
+    sheet->DrawRow(row, light);
+  });
 }
 
 void Scene::Model::FlushSheet() {
@@ -235,14 +265,13 @@ void Scene::Model::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
   Camera shaken = camera;
   shaken.centre_x += shake.x;
   shaken.horizon += shake.y;
-  DrawStreet(time_s, camera, shake);
+  DrawStreet(time_s, shake);
   for (const Item& item : Items(time_s, camera)) {
-    if (item.actor != nullptr) {
-      item.actor->Draw(time_s, shaken, illumination_, sheet_);
-      sheet_used_ = true;
-    } else {
+    if (item.vehicle) {
       FlushSheet();
-      DrawVehicle(item.vehicle, time_s, shaken, shake);
+      DrawVehicle(item.index, time_s, shaken, shake);
+    } else {
+      DrawActor(item.index, time_s, shaken, shake);
     }
   }
   FlushSheet();
@@ -260,39 +289,12 @@ std::vector<LabelSpan> Scene::Model::Labels(double length_s) const {
   constexpr double kStep_s = 0.1;
   SceneEvents events{path_.Moving(length_s), {}, {}, length_s};
   if (options.lead_present) events.lead_moving = lane.front().Moving(length_s);
-  for (const Actor* actor : crossing_) {
-    for (int i = 0; i * kStep_s < length_s; i++) {
-      if (actor->Distance(i * kStep_s)) events.crossing.push_back({i * kStep_s, (i + 1) * kStep_s});
+  for (std::size_t actor = 0; actor < actors_.size(); actor++) {
+    for (int i = 0; Crosses(actor_kinds_[actor]) && i * kStep_s < length_s; i++) {
+      if (actors_[actor]->Distance(i * kStep_s)) events.crossing.push_back({i * kStep_s, (i + 1) * kStep_s});
     }
   }
   return MakeLabels(events);
-}
-
-SceneRegion Scene::Model::Region() const {
-  const Settings defaults;
-  SceneRegion region{defaults.roi_x, defaults.roi_y, defaults.roi_width, defaults.roi_height};
-  if (options.lead_present) {
-    Camera whole = Pose(0);
-    whole.centre_x += window.x;
-    whole.horizon += window.y;
-    const VehicleView view(lane.front().Look(), whole, lane.front().At(0), options.light);
-    const double across = static_cast<double>(defaults.input_width) / options.width;
-    const double down = static_cast<double>(defaults.input_height) / options.height;
-    // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.
-    const auto place = [this](int at, int length, double low, double high, double share) {
-      if (!options.region.aimed && at >= low && at + length <= high) {
-        return at;
-      }
-      return static_cast<int>(std::lround(low + (high - low) * share)) - length / 2;
-    };
-    region.x = place(region.x, region.width, view.Left() * across, view.Right() * across,
-                     0.5 + options.region.across);
-    region.y = place(region.y, region.height, view.Top() * down, view.Bottom() * down,
-                     options.region.aimed ? 1 - options.region.up : 0.5);
-  }
-  region.x = std::clamp(region.x + options.region.shift_x, 0, defaults.input_width - region.width);
-  region.y = std::clamp(region.y + options.region.shift_y, 0, defaults.input_height - region.height);
-  return region;
 }
 
 }  // namespace stopngo

@@ -19,6 +19,9 @@
 
 namespace stopngo {
 
+/// The camera of the whole picture while our own vehicle waits at the beginning.
+Camera WaitingCamera(const SceneOptions& options);
+
 struct Scene::Model {
   Model(const SceneOptions& options, const SceneWindow& window);
 
@@ -26,7 +29,6 @@ struct Scene::Model {
   /// Where our own vehicle is at a time, without the camera's shake.
   [[nodiscard]] Camera Pose(double time_s) const;
   [[nodiscard]] std::vector<LabelSpan> Labels(double length_s) const;
-  [[nodiscard]] SceneRegion Region() const;
 
   SceneOptions options;
   SceneWindow window;
@@ -39,17 +41,20 @@ struct Scene::Model {
     Camera camera;
     Layer street;
     std::vector<std::optional<Cutout>> vehicles;  ///< as they are at the beginning
+    std::vector<std::optional<Cutout>> actors;    ///< those that never move
   };
   /// Something of a frame, to be drawn in order of distance.
   struct Item {
     double distance;
-    const Actor* actor;
-    std::size_t vehicle;
+    bool vehicle;  ///< else an actor
+    std::size_t index;
   };
 
-  void DrawStreet(double time_s, const Camera& camera, Shake::Offset shake);
+  void DrawStreet(double time_s, Shake::Offset shake);
   [[nodiscard]] std::vector<Item> Items(double time_s, const Camera& camera) const;
   void DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake);
+  void DrawActor(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake);
+  void DrawCutout(std::optional<Cutout>& cutout, Shake::Offset shake, const Layer::Paint& paint);
   void FlushSheet();
   void UpdateStill(double time_s, const Camera& camera);
   [[nodiscard]] Stage MakeStage(double event_s) const;
@@ -65,7 +70,7 @@ struct Scene::Model {
   Illumination illumination_;
   Actors actors_;
   std::vector<std::unique_ptr<ScreenEffect>> overlays_;
-  std::vector<const Actor*> crossing_;
+  std::vector<ActorKind> actor_kinds_;
   std::unique_ptr<Still> still_;
   bool resting_ = false;
   Sheet sheet_;

@@ -8,7 +8,7 @@
 namespace stopngo {
 namespace {
 
-constexpr double kLeastWidth_px = 110;  // of a rear in 800 columns: a smaller one nobody would watch
+constexpr double kLeastWidth_px = 130;  // of a rear in 800 columns: a smaller one nobody would watch
 
 void DrawLight(SceneOptions& scene, Random& random) {
   Light& light = scene.light;
@@ -40,7 +40,7 @@ void DrawWorld(SceneOptions& scene, Random& random) {
                                           Style::kMotorway, Style::kTunnel};
   scene.world.style = kStyles[random.Below(kStyles.size())];
   scene.world.street_end_m = LogUniform(random, 40, 150);
-  scene.world.contrast = random.Uniform(0.4, 1.3);
+  scene.world.contrast = random.Uniform(0.6, 1.4);
   scene.world.brightness = random.Uniform(-25, 25);
 }
 
@@ -65,7 +65,7 @@ void DrawSensor(SceneOptions& scene, Random& random) {
   const double dark = std::clamp(1.2 - ambient, 0.2, 1.1);
   sensor.noise = LogUniform(random, 0.3, 2.4) * (1 + 1.4 * dark);
   sensor.noise = std::min(sensor.noise, 6.0);
-  sensor.contrast = random.Uniform(0.6, 1.2);
+  sensor.contrast = random.Uniform(0.7, 1.35);
   sensor.gain = random.Uniform(0.75, 1.25) * (ambient < 0.6 ? random.Uniform(1, 1.7) : 1.0);
   sensor.blur = Chance(random, 0.6) ? random.Uniform(0.03, 0.24) : 0;
   sensor.vignette = Chance(random, 0.5) ? random.Uniform(0.05, 0.35) : 0;

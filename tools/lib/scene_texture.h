@@ -67,7 +67,7 @@ class Texture {
   [[nodiscard]] double Columns() const { return static_cast<double>(columns_); }
   [[nodiscard]] double Rows() const { return static_cast<double>(rows_); }
   /// For each column the sum over all columns left of it and the rows from low to high (texels from
-  /// the lower edge). Only the columns that SumColumns needs between two of them are filled in.
+  /// the lower edge). Only what SumColumns needs between two columns is worked out.
   void SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const;
   /// The sum over a rectangle (texels from the left and the lower edge), of which any part may lie outside.
   [[nodiscard]] Texel Sum(double left, double right, double low, double high) const {

@@ -144,9 +144,9 @@ float World::Shade(const Camera& camera, float across, float up) const {
   const auto sine = static_cast<float>(camera.sine);
   const Ray ray{cosine * across + sine, up, cosine - sine * across, static_cast<float>(camera.x_m),
                 static_cast<float>(camera.z_m)};
-  Hit hit = Ground(ray);
-  const Hit house = Houses(ray);
-  if (house.distance < hit.distance) hit = house;
+  // Houses end at the road, so that below them there is nothing but the ground.
+  Hit hit = Houses(ray);
+  if (hit.distance >= kNowhere) hit = Ground(ray);
   if (options_.style == WorldOptions::Style::kTunnel) {
     const Hit ceiling = Ceiling(ray);
     if (ceiling.distance < hit.distance) hit = ceiling;
@@ -196,7 +196,7 @@ World::Hit World::Front(const Ray& ray, float distance, bool side) const {
   const float x = ray.from_x + distance * ray.x;
   const float y = camera_height_ + distance * ray.y;
   const float z = ray.from_z + distance * ray.z;
-  if (distance < 0 || (side && z > end_)) return nothing;
+  if (distance < 0 || y < 0 || (side && z > end_)) return nothing;
   if (options_.style == WorldOptions::Style::kWall || options_.style == WorldOptions::Style::kTunnel) {
     return Wall(ray, distance, side);
   }
