@@ -5,6 +5,8 @@ install(TARGETS zetstopngo EXPORT zetstopngoTargets LIBRARY DESTINATION ${CMAKE_
 install(FILES ${PROJECT_SOURCE_DIR}/include/vel_stopngo.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(STOPNGO_BUILD_TOOLS)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/weights/default.bin.json
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zetstopngo OPTIONAL)
 endif()
 
 # Relative to the file itself: the prefix is known only when it is installed.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # install_test.sh: what `cmake --install` gives is enough for a host: found through pkg-config and through
-# CMake, compiled, linked, run; and the installed command finds the installed module.
+# CMake, compiled, linked, run; and the installed command finds the installed module and weights.
 #
 #     tests/install_test.sh BUILD-FOLDER
 set -euo pipefail
@@ -33,6 +33,10 @@ cmake -G Ninja -S "$root" -B "$root/build" -DCMAKE_PREFIX_PATH="$root/usr" >/dev
 cmake --build "$root/build" >/dev/null
 "$root/build/host"
 
-head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --no-weights >"$root/log"
+run() { head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --rate 0 "$@"; }
+run --no-weights >"$root/log"
 grep -q 10 "$root/log" || { echo "install_test: the installed command did not run" >&2; exit 1; }
+if [ -f "$(dirname "$0")/../weights/default.bin" ]; then
+  run >"$root/log" || { echo "install_test: the installed command did not find its weights" >&2; exit 1; }
+fi
 echo "install_test: passed"

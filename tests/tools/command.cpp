@@ -10,19 +10,22 @@
 
 namespace stopngo::test {
 
-CommandResult Stopngo(const std::string& arguments, std::string_view input) {
+CommandResult Shell(const std::string& command, std::string_view input) {
   const TemporaryFolder folder;
   const std::string in = folder.File("in", input);
-  // In braces, so that redirections and pipes among the arguments go before these.
-  const std::string command =
-      "{ " STOPNGO_PROGRAM " " + arguments + " ; } <" + in + " >" + folder / "out" + " 2>" + folder / "err";
-  const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): a shell is what a user has
+  // In braces, so that redirections and pipes in the command go before these.
+  const std::string line = "{ " + command + " ; } <" + in + " >" + folder / "out" + " 2>" + folder / "err";
+  const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): a shell is what a user has
   CommandResult result;
   if (WIFEXITED(status)) result.exit_code = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) result.exit_code = 128 + WTERMSIG(status);
   result.out = ReadFile(folder / "out");
   result.err = ReadFile(folder / "err");
   return result;
+}
+
+CommandResult Stopngo(const std::string& arguments, std::string_view input) {
+  return Shell(STOPNGO_PROGRAM " " + arguments, input);
 }
 
 TemporaryFolder::TemporaryFolder() {

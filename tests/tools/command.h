@@ -13,6 +13,9 @@ struct CommandResult {
   std::string err;
 };
 
+/// Runs a command line in a shell.
+CommandResult Shell(const std::string& command, std::string_view input = {});
+
 /// Runs "stopngo ARGUMENTS" in a shell, so that arguments may redirect and pipe. input: what standard
 /// input gives.
 CommandResult Stopngo(const std::string& arguments, std::string_view input = {});

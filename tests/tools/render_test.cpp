@@ -187,7 +187,6 @@ TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
     std::string word;
   };
   const std::vector<Case> cases = {
-      {clip + " " + out, 2, "--weights"},
       {clip + " " + out + " --still " + png + " --weights none.bin", 1, "none.bin"},
       {folder_ / "none.mp4 " + out + " --no-weights", 1, "none.mp4"},
       {clip + " /nowhere/out.y4m --still " + png + " --no-weights", 1, "/nowhere/out.y4m"},

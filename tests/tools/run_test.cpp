@@ -305,7 +305,6 @@ TEST(RunTest, WeightsAreCheckedAgainstTheNetwork) {
   const auto refused = [&](const std::string& options, int code, const std::vector<std::string>& words) {
     ExpectRefusal(Stopngo(kRaw + options, input), code, words);
   };
-  refused("", 2, {"--weights", "--no-weights"});
   refused("--weights " + good + " --no-weights", 2, {"--no-weights"});
   refused("--weights " + folder / "gone.bin", 1, {"gone.bin"});
   refused("--weights " + folder.File("long.bin", Weights() + "more"), 1, {"long.bin", "10372", "10376"});
