@@ -244,7 +244,6 @@ TEST(Eval, RefusesWhatItCannotJudge) {
       {"eval --no-weights " + good + " " + bad, 1, bad + ":2: clip: '2-1'"},
       {"eval --no-weights " + text, 1, "good.tsv: "},
       {"eval --no-weights " + fast, 1, "synth:standing:1: has 25 frames a second"},
-      {"eval " + good, 2, "no weights"},
       {"eval --no-weights --roi-width 0", 2, "MANIFEST"},
       {"eval --no-weights --input-width 640 " + good, 2, "--input-width"},
       {"eval --no-weights --baseline guess " + good, 2, "guess"},
