@@ -78,6 +78,8 @@ std::string ContractionWeights(const TemporaryFolder& folder) {
   return path;
 }
 
+const std::string kEveryFrame = "--no-weights --rate 0 --time-cooling 20 ";
+
 // A score of 0.5 on every frame makes alarms at the frames 4, 28 and 52, whatever the picture shows.
 class Steady : public testing::Test {
  protected:
@@ -92,7 +94,7 @@ class Steady : public testing::Test {
 };
 
 TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
-  const CommandResult json = Stopngo("eval --no-weights --json " + manifest);
+  const CommandResult json = Stopngo("eval " + kEveryFrame + "--json " + manifest);
   ASSERT_EQ(json.exit_code, 0) << json.err;
   std::string told;
   for (const auto& event : JsonLines(json.out, "event")) {
@@ -106,18 +108,18 @@ TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
   EXPECT_NEAR(summary["false_per_hour_standing"], 2000, 1e-6);
   EXPECT_TRUE(summary["false_per_hour_driving"].is_null());
 
-  const CommandResult text = Stopngo("eval --no-weights " + manifest);
+  const CommandResult text = Stopngo("eval " + kEveryFrame + manifest);
   EXPECT_NE(text.out.find("false      0.160 s  clip.y4m  (still)\n"), std::string::npos) << text.out;
   EXPECT_NE(text.out.find("\nrecording "), std::string::npos) << text.out;
 }
 
 TEST_F(Steady, MissedDeparturesAreListed) {
-  const CommandResult text = Stopngo("eval --no-weights --threshold 0.5 " + manifest);
+  const CommandResult text = Stopngo("eval " + kEveryFrame + "--threshold 0.5 " + manifest);
   EXPECT_NE(text.out.find("missed     1.000 s  clip.y4m\n"), std::string::npos) << text.out;
 }
 
 TEST_F(Steady, CurveIsTheModulesOwn) {
-  const CommandResult result = Stopngo("eval --no-weights " + manifest + " --curve " + folder / "curve.tsv");
+  const CommandResult result = Stopngo("eval " + kEveryFrame + manifest + " --curve " + folder / "curve.tsv");
   ASSERT_EQ(result.exit_code, 0) << result.err;
   const auto rows = TsvRows(ReadFile(folder / "curve.tsv"));
   const auto column = std::find(rows.at(0).begin(), rows.at(0).end(), "recall") - rows.at(0).begin();
