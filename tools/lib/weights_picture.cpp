@@ -81,8 +81,9 @@ void DrawTriangle(Canvas& canvas, Point centre, const style::Direction& directio
 
 void DrawFrame(Canvas& canvas, const Sheet& sheet, Point corner, std::span<const float> weights) {
   for (std::size_t i = 0; i < weights.size() / kDirections; ++i) {
+    const std::size_t row = i / sheet.columns;
     const Box cell{corner.x + kCell * static_cast<double>(i % sheet.columns),
-                   corner.y + kCell * static_cast<double>(i / sheet.columns), kCell, kCell};
+                   corner.y + kCell * static_cast<double>(row), kCell, kCell};
     canvas.Outline(cell, style::kTrack, 1);
     for (std::size_t d = 0; d < kDirections; ++d) {
       DrawTriangle(canvas, cell.Centre(), style::kDirections[d],
