@@ -83,7 +83,7 @@ TEST(Synth, SameSeedSameBytesEverywhere) {
   const std::string arguments = "synth - --size 176x100 --length 3 --departure 1 --vibration 1.5 --seed ";
   // A saloon, a hatchback and a van.
   const std::vector<std::pair<const char*, std::uint64_t>> pinned{
-      {"1", 0xa3de647b1ae68192U}, {"2", 0x4c392f383204a6faU}, {"3", 0xc1cf24ed2d218d36U}};
+      {"1", 0x17d6f6ce3b1a9fbU}, {"2", 0x5f27ec0666f3e03U}, {"3", 0xff27c854131e9ccdU}};
   for (const auto& [seed, hash] : pinned) {
     const CommandResult clip = Stopngo(arguments + seed);
     ASSERT_EQ(clip.exit_code, 0) << clip.err;
@@ -190,19 +190,19 @@ TEST(Synth, ScenesOfAllKindsHaveTheSameBytesEverywhere) {
     for (const std::uint64_t seed : {1, 2}) {
       const SceneOptions options = Drawn(kind.kind, seed);
       const Scene scene(options);
-      for (const std::int64_t frame : {0, 20, 60}) pictures.push_back(Rendered(scene, options, frame));
+      for (const std::int64_t frame : {0, 44}) pictures.push_back(Rendered(scene, options, frame));
     }
-    EXPECT_GT(MeanDifference(pictures[0], pictures[3]), 3) << kind.name << ": seeds must differ";
+    EXPECT_GT(MeanDifference(pictures[0], pictures[2]), 3) << kind.name << ": seeds must differ";
     for (const Picture& picture : pictures) {
       hash = hash * 31 + Fnv1a({reinterpret_cast<const char*>(picture.data()), picture.size()});
     }
   }
-  EXPECT_EQ(hash, 0x0U) << std::hex << "0x" << hash;
+  EXPECT_EQ(hash, 0xc226b529a4a173a1U) << std::hex << "0x" << hash;
 }
 
 TEST(Synth, WindowIsAPartOfThePicture) {
   for (const SceneKind kind : {SceneKind::kMixed, SceneKind::kDriving, SceneKind::kRain}) {
-    for (const std::uint64_t seed : {1, 2, 3}) {
+    for (const std::uint64_t seed : {1, 2}) {
       SceneOptions options = Drawn(kind, seed);
       options.sensor.noise = 0;
       const Scene whole(options);
@@ -228,7 +228,7 @@ TEST(Synth, WindowIsAPartOfThePicture) {
 // The lead's place tells when it starts; the picture has to tell it too, and not before.
 TEST(Synth, LabelsAgreeWithThePicture) {
   int departures = 0;
-  for (std::uint64_t seed = 1; seed <= 12; seed++) {
+  for (std::uint64_t seed = 1; seed <= 6; seed++) {
     SceneOptions options = Drawn(SceneKind::kDeparture, seed);
     options.camera = {};
     options.camera.vibration = 0;
@@ -251,14 +251,14 @@ TEST(Synth, LabelsAgreeWithThePicture) {
       EXPECT_GT(MeanDifference(first, Rendered(scene, options, before + 20)), 0.2) << "seed " << seed;
     }
   }
-  EXPECT_EQ(departures, 12);
+  EXPECT_EQ(departures, 6);
 }
 
 TEST(Synth, LabelsOfEveryKindFollowOneAnother) {
   for (const SceneKindName& kind : SceneKinds()) {
     int departures = 0;
     bool moving = false;
-    for (std::uint64_t seed = 1; seed <= 20; seed++) {
+    for (std::uint64_t seed = 1; seed <= 8; seed++) {
       const SceneOptions options = Drawn(kind.kind, seed);
       const Scene scene(options, {0, 0, 8, 8});
       double last = 0;
@@ -276,7 +276,7 @@ TEST(Synth, LabelsOfEveryKindFollowOneAnother) {
     const bool leaves = kind.kind == SceneKind::kDeparture || kind.kind == SceneKind::kCreep ||
                         kind.kind == SceneKind::kMixed;
     if (leaves) {
-      EXPECT_EQ(departures, 20) << kind.name;
+      EXPECT_EQ(departures, 8) << kind.name;
     } else if (kind.kind != SceneKind::kQueue) {
       EXPECT_EQ(departures, 0) << kind.name;
     }

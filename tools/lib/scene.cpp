@@ -6,9 +6,35 @@
 
 #include "scene_lane.h"
 #include "scene_model.h"
+#include "scene_path.h"
 #include "settings.h"
 
 namespace stopngo {
+namespace {
+
+/// When the region is placed: at the beginning, or, when we are still under way then, when we have come
+/// nearest to the vehicle ahead.
+double NearestTime(const SceneOptions& options, const LaneVehicle& lead) {
+  if (options.ego.speed == 0) return 0;
+  constexpr double kStep_s = 0.25;
+  const EgoPath path(options.ego, options.ego_turning, options.length_s);
+  double nearest = 1e9;
+  double at_s = 0;
+  for (int i = 0; i * kStep_s < options.length_s; i++) {
+    const double time_s = i * kStep_s;
+    Camera camera;
+    path.Place(camera, time_s);
+    const VehicleState state = lead.At(time_s);
+    const double ahead = PlaceOf(camera, state.x, state.z).ahead;
+    if (ahead < nearest) {
+      nearest = ahead;
+      at_s = time_s;
+    }
+  }
+  return at_s;
+}
+
+}  // namespace
 
 Scene::Scene(const SceneOptions& options, const SceneWindow& window)
     : model_(std::make_unique<Model>(options, window)) {}
@@ -37,7 +63,10 @@ SceneRegion SuggestedRegion(const SceneOptions& options) {
   if (options.lead_present) {
     // Few texels do: all that counts is how high and wide the vehicle is.
     const LaneVehicle lead(options.lead, 4, 1e4, options.seed);
-    const VehicleView view(lead.Look(), WaitingCamera(options), lead.At(0), options.light);
+    const double time_s = NearestTime(options, lead);
+    Camera camera = WaitingCamera(options);
+    EgoPath(options.ego, options.ego_turning, options.length_s).Place(camera, time_s);
+    const VehicleView view(lead.Look(), camera, lead.At(time_s), options.light);
     const double across = static_cast<double>(defaults.input_width) / options.width;
     const double down = static_cast<double>(defaults.input_height) / options.height;
     // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.

@@ -79,7 +79,8 @@ bool Coder::Quantise(Block& block, float step) const {
   for (std::size_t i = 0; i < coefficients.size(); i++) {
     // Fine detail is quantised twice as coarsely as the block's mean; less than two thirds of a step is
     // dropped, as encoders do.
-    const float own = step * (1 + static_cast<float>(i / 8 + i % 8) * (1.0F / 14));
+    const std::size_t detail = i / kSide + i % kSide;
+    const float own = step * (1 + static_cast<float>(detail) * (1.0F / 14));
     const float steps = std::fabs(coefficients[i]) / own;
     const auto level = static_cast<float>(static_cast<std::int32_t>(steps + 0.34F));
     coefficients[i] = coefficients[i] < 0 ? -level * own : level * own;

@@ -17,7 +17,8 @@ void AddCompany(SceneOptions& scene, double speed, Random& random) {
     other.tone = random.Uniform(20, 220);
     other.kind = random.Below(2) == 0 ? VehicleKind::kSaloon : VehicleKind::kTransporter;
     other.turn_radius_m = 0;
-    other.offset_m = (Chance(random, 0.7) ? 3.5 : -3.5) + random.Uniform(-0.3, 0.3);
+    other.offset_m = Chance(random, 0.7) ? 3.5 : -3.5;
+    other.offset_m += random.Uniform(-0.3, 0.3);
     other.distance_m = random.Uniform(6, 40);
     other.motion = {speed * random.Uniform(0.8, 1.3), {}};
     other.braking = false;
@@ -47,7 +48,8 @@ void Follow(SceneOptions& scene, Random& random) {
   scene.lead.braking = false;
   scene.lead.distance_m = std::max(scene.lead.distance_m, 0.4 * speed) + random.Uniform(1, 8);
   double current = speed;
-  for (double at_s = random.Uniform(0, 4); at_s < scene.length_s - 1; at_s += random.Uniform(3, 7)) {
+  double at_s = random.Uniform(0, 4);
+  while (at_s < scene.length_s - 1) {
     const double next = std::clamp(current * random.Uniform(0.5, 1.5), 1.5, 20.0);
     const double acceleration = random.Uniform(0.5, 2.2);
     if (next < current) {
@@ -57,6 +59,7 @@ void Follow(SceneOptions& scene, Random& random) {
     scene.lead.motion.changes.push_back({at_s, next, acceleration});
     scene.ego.changes.push_back({at_s + random.Uniform(0.5, 1.3), next, acceleration * 1.1});
     current = next;
+    at_s += random.Uniform(3, 7);
   }
   std::sort(scene.lead.brake_switches_s.begin(), scene.lead.brake_switches_s.end());
   AddCompany(scene, speed, random);
@@ -64,9 +67,10 @@ void Follow(SceneOptions& scene, Random& random) {
 
 void Bend(SceneOptions& scene, double most, Random& random) {
   // The heading swings out and back or stays: a lane's bend, or a corner.
-  const double rate = (Chance(random, 0.5) ? 1 : -1) * random.Uniform(0.2 * most, most);
+  const double speed = random.Uniform(0.2 * most, most);
+  const double rate = Chance(random, 0.5) ? speed : -speed;
   const double at_s = random.Uniform(0.3, 0.5 * scene.length_s);
-  const double hold_s = std::min(random.Uniform(0.8, 3), 0.11 / (rate < 0 ? -rate : rate));
+  const double hold_s = std::min(random.Uniform(0.8, 3), 0.11 / speed);
   scene.ego_turning.changes.push_back({at_s, rate, most, 0.5});
   scene.ego_turning.changes.push_back({at_s + hold_s, 0, most, 0.5});
 }

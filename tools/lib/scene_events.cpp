@@ -42,11 +42,13 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
     lead.brake_switches_s.push_back(start_s - random.Uniform(0.1, 1.5));
   }
   for (VehicleOptions& ahead : scene.others) {
-    LeaveAt(ahead, start_s - random.Uniform(0.5, 2.2), acceleration * random.Uniform(1, 1.4), build_up_s);
+    const double early_s = random.Uniform(0.5, 2.2);
+    LeaveAt(ahead, start_s - early_s, acceleration * random.Uniform(1, 1.4), build_up_s);
   }
   if (Chance(random, 0.2)) {
     lead.turn_after_m = random.Uniform(3, 9);
-    lead.turn_radius_m = (Chance(random, 0.5) ? 1 : -1) * random.Uniform(6, 12);
+    const double radius_m = random.Uniform(6, 12);
+    lead.turn_radius_m = Chance(random, 0.5) ? radius_m : -radius_m;
     lead.indicator = lead.turn_radius_m > 0 ? Indicator::kRight : Indicator::kLeft;
   }
   if (Chance(random, 0.3)) {  // we follow

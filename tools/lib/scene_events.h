@@ -1,6 +1,7 @@
 // scene_events.h: what is drawn at random for a scene: its setting, and what happens in it.
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "scene_options.h"
@@ -32,7 +33,9 @@ void AddLamps(SceneOptions& scene, double at_s, Random& random);
 void AddExposure(SceneOptions& scene, double at_s, Random& random);
 void AddShaking(SceneOptions& scene, double at_s, Random& random);
 
+/// The first of them can hide the lead.
 std::span<const Distractor> Distractors();
+constexpr std::size_t kHidingDistractors = 2;
 
 /// Uniform in its logarithm, which small numbers are not lost in.
 double LogUniform(Random& random, double low, double high);

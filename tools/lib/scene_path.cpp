@@ -15,7 +15,8 @@ constexpr double kNod = 0.004;  // by which braking with 1 m/s² tilts a car dow
 
 EgoPath::EgoPath(const MotionOptions& along, const MotionOptions& turning, double length_s)
     : along_(along), turning_(turning), points_{{0, 0}} {
-  for (double time_s = 0; time_s < length_s + 1; time_s += kStep_s) {
+  for (int i = 0; i * kStep_s < length_s + 1; i++) {
+    const double time_s = i * kStep_s;
     const double step = along_.Position(time_s + kStep_s) - along_.Position(time_s);
     Camera heading;
     Turn(heading, turning_.Position(time_s));

@@ -51,7 +51,8 @@ void Queue(SceneOptions& scene, Random& random) {
   AddQueue(scene, random);
   VehicleOptions ahead = scene.others.front();
   const double start_s = random.Uniform(2.5, scene.length_s - 6);
-  LeaveAt(ahead, start_s, LogUniform(random, 0.4, 2.5), LogUniform(random, 0.3, 1.5));
+  const double acceleration = LogUniform(random, 0.4, 2.5);
+  LeaveAt(ahead, start_s, acceleration, LogUniform(random, 0.3, 1.5));
   const double later_s = start_s + random.Uniform(2, 6);
   if (Chance(random, 0.5) && later_s < scene.length_s - kAfter_s) {
     AddDeparture(scene, later_s, random);
@@ -72,16 +73,25 @@ void Empty(SceneOptions& scene, Random& random) {
   }
 }
 
-/// A departure, with one to three things before it and none to two during it.
+/// A departure, with one to three things before it and none to two during it. Nothing passes close before
+/// us while the lead leaves: nobody could see it leave then.
 void Mix(SceneOptions& scene, Random& random) {
   const double start_s = StartTime(scene, random);
   AddDeparture(scene, start_s, random);
   const auto distractors = Distractors();
+  const auto harmless = distractors.subspan(kHidingDistractors);
+  const auto any = [&random](std::span<const Distractor> from) {
+    return from[random.Below(static_cast<std::uint32_t>(from.size()))];
+  };
   const std::uint32_t before = 1 + random.Below(3);
   const std::uint32_t during = random.Below(3);
-  for (std::uint32_t i = 0; i < before + during; i++) {
-    const double at_s = i < before ? random.Uniform(0.5, start_s) : start_s + random.Uniform(-0.5, 2.5);
-    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, at_s, random);
+  for (std::uint32_t i = 0; i < before; i++) {
+    const Distractor distract = any(distractors);
+    distract(scene, random.Uniform(0.3, start_s - 2), random);
+  }
+  for (std::uint32_t i = 0; i < during; i++) {
+    const Distractor distract = any(harmless);
+    distract(scene, start_s + random.Uniform(-0.5, 2.5), random);
   }
 }
 

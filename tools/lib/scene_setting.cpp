@@ -66,7 +66,8 @@ void DrawSensor(SceneOptions& scene, Random& random) {
   sensor.noise = LogUniform(random, 0.3, 2.4) * (1 + 1.4 * dark);
   sensor.noise = std::min(sensor.noise, 6.0);
   sensor.contrast = random.Uniform(0.7, 1.35);
-  sensor.gain = random.Uniform(0.75, 1.25) * (ambient < 0.6 ? random.Uniform(1, 1.7) : 1.0);
+  sensor.gain = random.Uniform(0.75, 1.25);
+  if (ambient < 0.6) sensor.gain *= random.Uniform(1, 1.7);
   sensor.blur = Chance(random, 0.6) ? random.Uniform(0.03, 0.24) : 0;
   sensor.vignette = Chance(random, 0.5) ? random.Uniform(0.05, 0.35) : 0;
   sensor.shutter_s = dark > 0.6 ? random.Uniform(0.012, 0.033) : LogUniform(random, 0.001, 0.015);

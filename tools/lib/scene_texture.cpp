@@ -160,8 +160,7 @@ const Texel* Texture::Line(double row, double& share) const {
   return texels_.data() + whole * (columns_ + 1);
 }
 
-void Texture::SumRows(double low, double high, double left, double right,
-                      std::vector<Texel>& sums) const {
+void Texture::SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const {
   const std::size_t stride = columns_ + 1;
   double low_share = 0;
   double high_share = 0;

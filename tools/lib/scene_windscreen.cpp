@@ -31,7 +31,8 @@ Windscreen::Windscreen(const WindscreenOptions& options, const Light& light, con
     const auto row = static_cast<int>(pixel / static_cast<std::size_t>(frame.width));
     // Both in heights of the whole picture, so that a window shows the same spots.
     const auto height = static_cast<float>(frame.whole_height);
-    Paint(options, pixel, static_cast<float>(frame.x + column - frame.whole_width / 2) / height,
+    const float middle = 0.5F * static_cast<float>(frame.whole_width) / height;
+    Paint(options, pixel, static_cast<float>(frame.x + column) / height - middle,
           static_cast<float>(frame.y + row) / height);
   }
 }

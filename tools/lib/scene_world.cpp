@@ -102,22 +102,27 @@ void World::BuildUprights(Random& random) {
     add(Upright::Kind::kSignal, right + 0.6F, stop_line_ + 0.3F, 3.3F, 0.34F);
     add(Upright::Kind::kSignal, left - 0.6F, stop_line_ + 7, 3.3F, 0.34F);
   }
+  // Numbers are drawn one a statement: the order of a call's arguments is the compiler's own.
   for (const float x : {left - 1.1F, right + 1.2F}) {
-    for (float z = number(7, 16); profile_.upright_gap > 0 && z < end_;) {
+    float z = number(7, 16);
+    while (profile_.upright_gap > 0 && z < end_) {
       const float height = number(4.5, 8.5);
+      const float width = number(2.4, 4.6);
+      const float back = number(0, 2);
       if (random.Below(3) == 0 || options_.style == WorldOptions::Style::kMotorway) {
         add(Upright::Kind::kMast, x, z, height, 0.9F);
       } else {
-        add(Upright::Kind::kTree, x + (x < 0 ? -1.0F : 1.0F) * number(0, 2), z, height, number(2.4, 4.6));
+        add(Upright::Kind::kTree, x + (x < 0 ? -back : back), z, height, width);
       }
       z += profile_.upright_gap * number(0.6, 1.6);
     }
   }
-  if (options_.style == WorldOptions::Style::kOpen) {
-    for (int i = 0; i < 60; i++) {  // a wood along the horizon
-      const float x = number(-110, 110);
-      if (std::fabs(x) > 7) add(Upright::Kind::kTree, x, end_ - number(0, 60), number(5, 13), number(5, 12));
-    }
+  for (int i = 0; options_.style == WorldOptions::Style::kOpen && i < 60; i++) {  // a wood along the horizon
+    const float x = number(-110, 110);
+    const float z = end_ - number(0, 60);
+    const float height = number(5, 13);
+    const float width = number(5, 12);
+    if (std::fabs(x) > 7) add(Upright::Kind::kTree, x, z, height, width);
   }
   std::stable_sort(uprights_.begin(), uprights_.end(),
                    [](const Upright& a, const Upright& b) { return a.z < b.z; });
