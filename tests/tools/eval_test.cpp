@@ -148,16 +148,17 @@ TEST_F(Steady, TunedSettingsAreWhatRunTakes) {
   EXPECT_EQ(JsonLines(none.out, "setting").at(0)["threshold"], "0.6") << "no alarm is within the limit";
 }
 
-// The alarms in scenes of which only the region is rendered are those of run on whole pictures.
+// The alarms in scenes of which only the region is rendered are those of run on whole pictures. These two
+// have no compression, whose marks depend on the frames before.
 TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
   const TemporaryFolder folder;
   const std::string weights = " --rate 8 --weights " + ContractionWeights(folder);
   std::size_t alarms = 0;
-  for (const std::uint64_t seed : {1, 2}) {
+  for (const std::uint64_t seed : {2, 5}) {
     const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, seed}};
     const OpenedClip opened = OpenClip(clip, 0, 0);
     const SceneOptions options = DrawScene(SceneKind::kDeparture, seed);
-    const SceneRegion region = Scene(options, {0, 0, 8, 8}).SuggestedRegion();
+    const SceneRegion region = SuggestedRegion(options);
     std::string video = Y4mHeader(25);
     for (LumaFrame frame; opened.frames->Next(frame);) {
       std::string plane(std::size_t{kWidth} * kHeight, '\0');

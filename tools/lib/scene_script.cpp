@@ -95,12 +95,32 @@ void Mix(SceneOptions& scene, Random& random) {
   }
 }
 
+/// From a mast or a bridge: pictures that are full of motion in directions which a driver never sees. The
+/// horizon lies above the picture as it does for a lens that is shifted downwards.
+void LookFromAbove(SceneOptions& scene, Random& random) {
+  scene.lead_present = Chance(random, 0.3);
+  scene.others.clear();
+  scene.windscreen = {};
+  scene.camera.height_m = random.Uniform(4, 10);
+  scene.camera.horizon = random.Uniform(-0.9, 0.15);
+  scene.camera.focal = LogUniform(random, 0.8, 2.2);
+  scene.region = {};
+  scene.region.shift_x = static_cast<int>(random.Below(401)) - 200;
+  scene.region.shift_y = static_cast<int>(random.Below(281)) - 200;
+  const std::array distractors{AddCrossing, AddPedestrians, AddNeighbours};
+  const std::uint32_t times = 2 + random.Below(4);
+  for (std::uint32_t i = 0; i < times; i++) {
+    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, SomeTime(scene, random),
+                                                                              random);
+  }
+}
+
 struct Script {
   SceneKindName name;
   void (*draw)(SceneOptions& scene, Random& random);
 };
 
-constexpr std::array<Script, 15> kScripts{{
+constexpr std::array<Script, 16> kScripts{{
     {{SceneKind::kDeparture, "departure", "the vehicle ahead drives away"}, Depart},
     {{SceneKind::kStanding, "standing", "nothing happens"}, Nothing},
     {{SceneKind::kCrossing, "crossing", "vehicles cross before or behind the one ahead"}, Cross<AddCrossing>},
@@ -117,6 +137,7 @@ constexpr std::array<Script, 15> kScripts{{
     {{SceneKind::kQueue, "queue", "the vehicle before the one ahead leaves first"}, Queue},
     {{SceneKind::kEmpty, "empty", "nobody is ahead, things happen"}, Empty},
     {{SceneKind::kMixed, "mixed", "a departure, with other things before and during it"}, Mix},
+    {{SceneKind::kOverhead, "overhead", "vehicles and people pass, seen from above"}, LookFromAbove},
 }};
 
 }  // namespace

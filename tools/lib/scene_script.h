@@ -24,6 +24,7 @@ enum class SceneKind {
   kQueue,
   kEmpty,
   kMixed,
+  kOverhead,  ///< looked at from above, nobody ahead of us: vehicles and people pass
 };
 
 struct SceneKindName {
