@@ -129,7 +129,7 @@ TEST(Clip, SceneGivesTheFramesNearestToTheRate) {
       EXPECT_TRUE(some[i].pixels == all.at(static_cast<std::size_t>(some[i].index)).pixels);
     }
   }
-  EXPECT_THROW(FramesOf(clip, 26, 0), Failure);
+  EXPECT_EQ(FramesOf(clip, 26, 0).size(), all.size());
   // What the manifest says wins over the settings.
   Clip slow = clip;
   slow.rate = 2;

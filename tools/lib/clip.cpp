@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <mutex>
 
-#include "failure.h"
 #include "frame_source_scene.h"
-#include "print.h"
 #include "settings.h"
 
 namespace stopngo {
@@ -45,13 +43,10 @@ OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
   options.height = kPictureHeight;
   const SceneRegion region = clip.region ? *clip.region : SuggestedRegion(options);
   const SceneWindow window = Around(region, margin);
-  if (rate > options.fps) {
-    throw Failure(clip.name + ": has " + Print("%g", options.fps) +
-                  " frames a second, fewer than the rate that is asked for");
-  }
   auto scene = std::make_unique<const Scene>(options, window);
   std::vector<LabelSpan> labels = scene->Labels();
-  SceneFrames frames{clip.name, std::move(scene), window.width, window.height, options.fps, rate};
+  SceneFrames frames{clip.name,     std::move(scene), window.width,
+                     window.height, options.fps,      std::min(rate, options.fps)};
   return {OpenSceneFrames(std::move(frames)),
           {region.x - window.x, region.y - window.y, region.width, region.height},
           std::move(labels)};

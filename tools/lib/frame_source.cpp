@@ -76,6 +76,8 @@ class SizedSource : public FrameSource {
 #endif
 };
 
+constexpr double kTolerance = 1e-6;  // seconds, or frames a second
+
 /// Gives the frames nearest to the times 0, 1/rate, 2/rate, … of the input, none twice.
 class RateSource : public FrameSource {
  public:
@@ -84,10 +86,6 @@ class RateSource : public FrameSource {
         info_(source_->Info()),
         rate_(options.rate),
         half_period_(0.5 / info_.fps + kTolerance) {
-    if (rate_ > info_.fps + kTolerance) {
-      throw Failure(options.input + ": has " + RateText(info_.fps) +
-                    " frames a second, fewer than the rate of " + RateText(rate_) + " that is asked for");
-    }
     info_.fps = rate_;
     if (info_.frames.has_value() && *info_.frames > 0) {
       const double last = (static_cast<double>(*info_.frames) - 1) / source_->Info().fps;
@@ -120,7 +118,6 @@ class RateSource : public FrameSource {
 
  private:
   // Of two frames that are equally near the earlier is taken, whatever the last bit of their times.
-  static constexpr double kTolerance = 1e-6;
 
   void Advance() {
     empty_ = empty_ && !more_;
@@ -165,7 +162,10 @@ std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options) {
     throw Failure("--rate: frames a second, above 0, or 0 for all", ExitCode::kUsage);
   }
   std::unique_ptr<FrameSource> source = std::make_unique<SizedSource>(OpenReader(options), options);
-  if (options.rate > 0) source = std::make_unique<RateSource>(std::move(source), options);
+  // An input with fewer frames than that is handed over as it is.
+  if (options.rate > 0 && options.rate <= source->Info().fps + kTolerance) {
+    source = std::make_unique<RateSource>(std::move(source), options);
+  }
   return source;
 }
 

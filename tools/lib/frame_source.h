@@ -33,8 +33,8 @@ struct SourceOptions {
   int width = 800;     ///< wanted frame size; other sizes are scaled to it
   int height = 480;
   bool original = false;  ///< hand 1920 × 1080 and 1280 × 720 frames over as they are
-  double rate = 0;        ///< frames a second to hand over (the nearest ones); 0: all
-  int raw_width = 0;      ///< raw luma: size of the planes; 0: not raw
+  double rate = 0;    ///< frames a second to hand over (the nearest ones, all where there are fewer); 0: all
+  int raw_width = 0;  ///< raw luma: size of the planes; 0: not raw
   int raw_height = 0;
   double raw_fps = 25;
 };
