@@ -237,7 +237,6 @@ TEST(Eval, RefusesWhatItCannotJudge) {
   const std::string good = folder.File("good.tsv", kHeader + "synth:standing:1\t-\t-\t-\n");
   const std::string bad = folder.File("bad.tsv", kHeader + "synth:standing:2-1\t-\t-\t-\n");
   const std::string text = folder.File("text.tsv", kHeader + "good.tsv\t-\t-\t0 1 still\n");
-  const std::string fast = folder.File("fast.tsv", kHeader + "synth:standing:1-3\t-\t30\t-\n");
   struct Case {
     std::string arguments;
     int exit_code;
@@ -246,7 +245,6 @@ TEST(Eval, RefusesWhatItCannotJudge) {
   const std::vector<Case> cases{
       {"eval --no-weights " + good + " " + bad, 1, bad + ":2: clip: '2-1'"},
       {"eval --no-weights " + text, 1, "good.tsv: "},
-      {"eval --no-weights " + fast, 1, "synth:standing:1: has 25 frames a second"},
       {"eval --no-weights --roi-width 0", 2, "MANIFEST"},
       {"eval --no-weights --input-width 640 " + good, 2, "--input-width"},
       {"eval --no-weights --baseline guess " + good, 2, "guess"},

@@ -116,7 +116,7 @@ TEST_F(WeightsTest, SidecarComesBackAsItWasWritten) {
   sidecar.training["manifest"] = "odd\xFFname.tsv";
   WriteSidecar(path, sidecar);
   const auto json = nlohmann::json::parse(ReadFile(path + ".json"));
-  EXPECT_EQ(json.at("settings").at("rate"), 8);
+  EXPECT_EQ(json.at("settings").at("rate"), 6);
   EXPECT_EQ(json.at("settings").at("threshold"), 0.1 + 0.2);
   EXPECT_EQ(json.at("settings").at("filter"), "median");
   const Sidecar read = ReadSidecar(path).value();
@@ -166,18 +166,18 @@ TEST_F(WeightsTest, BadSidecarsAreToldByPlaceAndReason) {
 
 TEST_F(WeightsTest, OptionsWinOverTheFileTheFileOverTheSidecarTheSidecarOverDefaults) {
   const std::string weights = ZeroWeights("w.bin");
-  WriteSidecarOf(weights, R"({"rate": 6, "threshold": 0.7, "time-leaving": 5, "time-cooling": "4s"})");
+  WriteSidecarOf(weights, R"({"rate": 7, "threshold": 0.7, "time-leaving": 5, "time-cooling": "4s"})");
   const std::string config =
       folder_.File("car.toml", "weights = \"w.bin\"\nthreshold = 0.6\ntime-leaving = 4\n");
   const Settings settings = Completed({"--config", config, "--time-leaving", "2"});
   EXPECT_EQ(settings.weights, weights);
   EXPECT_EQ(settings.time_leaving.value, 2);
   EXPECT_EQ(settings.threshold, 0.6);
-  EXPECT_EQ(settings.rate, 6);
-  EXPECT_EQ(settings.time_cooling.Frames(6), 24);
+  EXPECT_EQ(settings.rate, 7);
+  EXPECT_EQ(settings.time_cooling.Frames(7), 28);
   EXPECT_EQ(settings.gap_op, Settings().gap_op);
   // An option that says what the default says is given all the same.
-  EXPECT_EQ(Completed({"--weights", weights, "--rate", "8"}).rate, 8);
+  EXPECT_EQ(Completed({"--weights", weights, "--rate", "6"}).rate, 6);
   EXPECT_EQ(Completed({"--config", config, "--no-weights"}).rate, Settings().rate);
   ExpectWords(FailureOf([&] {
                 (void)Completed({"--weights", weights, "--hiddens", "12"});

@@ -16,7 +16,7 @@ struct LossOptions {
   double threshold = 0.4;
   double margin = 1;               ///< by which runs are to clear the threshold, on the output's sum
   double false_alarm_weight = 60;  ///< of all quiet frames together, against all departures together
-  double decay = 1e-5;             ///< of the squares of all weights, biases left out
+  double decay = 1e-4;             ///< of the squares of all weights, biases left out
 };
 
 /// The decision counts scores: an alarm needs `run` of them above the threshold. The loss therefore judges

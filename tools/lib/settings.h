@@ -51,7 +51,7 @@ struct Settings {
   std::string debug_fb;  ///< file that receives the debug framebuffer after the last frame; empty: none
   int lcd_width = 800;
   int lcd_height = 480;
-  double rate = 8;  ///< frames a second to feed; 0: all
+  double rate = 6;  ///< frames a second to feed; 0: all
 };
 
 /// Adds an option for every setting to a subcommand, and --config FILE for the TOML file. Call a Complete

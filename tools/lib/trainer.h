@@ -10,8 +10,8 @@
 namespace stopngo {
 
 struct TrainerOptions {
-  int iterations = 400;
-  int patience = 60;       ///< iterations without a better validation loss, after which it ends
+  int iterations = 300;
+  int patience = 30;       ///< iterations without a better validation loss, after which it ends
   std::uint64_t seed = 1;  ///< of the starting point
 };
 
