@@ -72,7 +72,7 @@ std::vector<std::vector<std::string>> TsvRows(const std::string& text) {
 
 /// Network of the example that is made by hand.
 std::string ContractionWeights(const TemporaryFolder& folder) {
-  const std::string path = folder / "weights.bin";
+  std::string path = folder / "weights.bin";
   const std::string command = STOPNGO_CONTRACTION_WEIGHTS " " + path + " >/dev/null";
   EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT(cert-env33-c): a shell is what a user has
   return path;
@@ -169,7 +169,7 @@ TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
       video += "FRAME\n" + plane;
     }
     const std::string file = folder.File("scene.y4m", video);
-    const CommandResult run = Stopngo("run --json " + file + weights + " --roi-x " +
+    const CommandResult run = Stopngo(std::string("run --json ").append(file).append(weights) + " --roi-x " +
                                       std::to_string(region.x) + " --roi-y " + std::to_string(region.y));
     ASSERT_EQ(run.exit_code, 0) << run.err;
     std::vector<double> expected;
@@ -178,7 +178,7 @@ TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
     }
     const std::string manifest =
         folder.File("list.tsv", kHeader + "synth:departure:" + std::to_string(seed) + "\t-\t-\t-\n");
-    const CommandResult eval = Stopngo("eval --json " + manifest + weights);
+    const CommandResult eval = Stopngo(std::string("eval --json ").append(manifest).append(weights));
     ASSERT_EQ(eval.exit_code, 0) << eval.err;
     std::vector<double> judged;
     for (const auto& event : JsonLines(eval.out, "event")) {

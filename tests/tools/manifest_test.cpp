@@ -153,6 +153,7 @@ TEST(Clip, ThreadsDoNotDisturbEachOther) {
   std::atomic<int> equal = 0;
   {
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
       threads.emplace_back([&] {
         const std::vector<LumaFrame> frames = FramesOf(clip, 2, 0);

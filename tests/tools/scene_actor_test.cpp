@@ -89,10 +89,12 @@ TEST_P(EveryKind, LooksTheSameThroughAWindow) {
       float worst = 0;
       for (int y = 0; y < kWindowHeight; y++) {
         for (int x = 0; x < kWindowWidth; x++) {
-          const float value = part[static_cast<std::size_t>(y * kWindowWidth + x)];
+          const float value = part[static_cast<std::size_t>(y) * kWindowWidth + static_cast<std::size_t>(x)];
           ASSERT_TRUE(std::isfinite(value));
-          worst =
-              std::max(worst, std::fabs(value - full[static_cast<std::size_t>((y + kY) * kWidth + x + kX)]));
+          worst = std::max(
+              worst,
+              std::fabs(value -
+                        full[static_cast<std::size_t>(y + kY) * kWidth + static_cast<std::size_t>(x + kX)]));
         }
       }
       EXPECT_LT(worst, 0.01F) << "seed " << seed << " at " << time_s;
@@ -142,7 +144,8 @@ Cover CoverOf(const Sheet& sheet) {
     const double share = 1 - static_cast<double>(bright[i] - dark[i]);
     cover.pixels += share;
     cover.column += share * (static_cast<double>(i % static_cast<std::size_t>(sheet.Width())) + 0.5);
-    cover.row += share * (static_cast<double>(i / static_cast<std::size_t>(sheet.Width())) + 0.5);
+    const std::size_t row = i / static_cast<std::size_t>(sheet.Width());
+    cover.row += share * (static_cast<double>(row) + 0.5);
   }
   cover.column /= cover.pixels;
   cover.row /= cover.pixels;

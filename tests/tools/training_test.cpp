@@ -42,6 +42,7 @@ FeatureTrack NoisyTrack(std::uint64_t seed, bool departs) {
 
 std::vector<FeatureTrack> Tracks(std::uint64_t seed, int count) {
   std::vector<FeatureTrack> tracks;
+  tracks.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; i++) {
     tracks.push_back(NoisyTrack(seed + static_cast<std::uint64_t>(i), i % 2 == 0));
   }
