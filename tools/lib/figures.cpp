@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -115,10 +116,13 @@ nlohmann::ordered_json FigureJson(const Tally& tally) {
   nlohmann::ordered_json json;
   for (const Figure& figure : kFigures) {
     const Number number = figure.of(tally);
-    if (number) {
-      json[figure.name] = *number;
+    auto& value = json[figure.name];
+    if (!number) continue;
+    const auto whole = static_cast<std::int64_t>(*number);
+    if (static_cast<double>(whole) == *number) {
+      value = whole;  // a count is not written as 16.0
     } else {
-      json[figure.name] = nullptr;
+      value = *number;
     }
   }
   json["repeats"] = tally.repeats;
