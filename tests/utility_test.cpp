@@ -27,10 +27,10 @@ struct Rows {
   int first, step;
 };
 
-using Crop = void (*)(const std::uint8_t*, std::uint8_t*, const std::uint32_t*, std::int32_t, std::uint32_t,
-                      std::uint32_t);
+using CropRoutine = void (*)(const std::uint8_t*, std::uint8_t*, const std::uint32_t*, std::int32_t,
+                             std::uint32_t, std::uint32_t);
 
-void ExpectCrop(Crop crop, const std::vector<std::uint32_t>& location, int flip, int height, int width,
+void ExpectCrop(CropRoutine crop, const std::vector<std::uint32_t>& location, int flip, int height, int width,
                 int out_height, Rows rows, Rows columns) {
   const Image input(height, width);
   const auto out_width = static_cast<int>(location[3] - location[1]);
@@ -70,7 +70,7 @@ TEST(Utilities, EmptyRectanglesAndNullPointersWriteNothing) {
   const std::uint32_t full[] = {0, 0, 4, 4};
   const std::uint32_t no_rows[] = {3, 0, 3, 4};
   const std::uint32_t no_columns[] = {0, 3, 4, 3};
-  for (const Crop crop : {Image_Cropping_2_, Image_ROI_2_, Image_ROI_3_}) {
+  for (const CropRoutine crop : {Image_Cropping_2_, Image_ROI_2_, Image_ROI_3_}) {
     crop(nullptr, output.data(), full, 0, 10, 10);
     crop(input.data(), nullptr, full, 0, 10, 10);
     crop(input.data(), output.data(), nullptr, 0, 10, 10);

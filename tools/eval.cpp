@@ -22,7 +22,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kEvalFooter =
     R"(An alarm is right when it is the first after a departure's start and comes within 3 s of it. Further
 alarms of a departure that was caught, until 3 s after its end, are repeats; any other alarm is false;
 alarms where a clip has no label are not judged. Rates come with the bound that they do not exceed with
@@ -39,8 +39,8 @@ constexpr std::array kThresholds{0.01, 0.02, 0.05, 0.1, 0.15, 0.2, 0.25, 0.3, 0.
 
 using Json = nlohmann::ordered_json;
 
-struct Arguments {
-  explicit Arguments(CLI::App& app) : options(app) {}
+struct EvalArguments {
+  explicit EvalArguments(CLI::App& app) : options(app) {}
 
   EvaluationOptions options;
   std::vector<std::string> baselines;
@@ -55,7 +55,7 @@ struct BaselineLine {
 
 class Evaluation {
  public:
-  explicit Evaluation(Arguments& arguments)
+  explicit Evaluation(EvalArguments& arguments)
       : arguments_(arguments), options_(arguments.options), clips_(options_.Clips()) {
     // Opened before the work, so that one that cannot be written is told at once.
     if (arguments.curve.empty()) return;
@@ -183,7 +183,7 @@ class Evaluation {
     WriteResult(json.dump());
   }
 
-  const Arguments& arguments_;
+  const EvalArguments& arguments_;
   EvaluationOptions& options_;
   std::vector<Clip> clips_;
   std::optional<OutputFile> curve_table_;
@@ -196,8 +196,8 @@ class Evaluation {
 
 std::function<void()> AddEval(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("eval", "Judge a detector on labelled clips");
-  command.footer(kFooter);
-  const auto arguments = std::make_shared<Arguments>(command);
+  command.footer(kEvalFooter);
+  const auto arguments = std::make_shared<EvalArguments>(command);
   std::vector<std::string> names;
   for (const Baseline& baseline : Baselines()) names.emplace_back(baseline.name);
   command

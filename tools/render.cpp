@@ -30,7 +30,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kRenderFooter =
     R"(Drawn are the region of interest with a motion vector a block and the borders of the cells, the sums of
 every cell, score, alarm counter, hold timer and decision, and the scores of the last seconds. During a
 hold the module analyses nothing, and no vectors are drawn.
@@ -41,8 +41,8 @@ Examples:
   stopngo render drive.mp4 seen.mp4 --still moment.png --still-at 14.5 --weights weights.bin
   stopngo render full.mp4 seen.mkv --original --rate 10 --no-weights)";
 
-struct Arguments {
-  explicit Arguments(CLI::App& app) : options(app, settings) {}
+struct RenderArguments {
+  explicit RenderArguments(CLI::App& app) : options(app, settings) {}
 
   Settings settings;
   SettingsOptions options;
@@ -67,7 +67,7 @@ struct Outputs {
   std::string still;
 };
 
-Outputs OutputsOf(const Arguments& arguments) {
+Outputs OutputsOf(const RenderArguments& arguments) {
   const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
   const bool picture_only = IsPng(arguments.output);
   if (picture_only && !arguments.still.empty()) {
@@ -146,7 +146,7 @@ std::string Seconds(double time_s) {
   return text.insert(text.size() - 2, ".") + " s";
 }
 
-std::string Summary(const Arguments& arguments, const Outputs& outputs, const Counts& counts,
+std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
                     std::optional<double> still_s) {
   if (arguments.json) {
     nlohmann::ordered_json line{{"input", arguments.source.input}};
@@ -168,7 +168,7 @@ std::string Summary(const Arguments& arguments, const Outputs& outputs, const Co
 /// One recording on its way through the module onto pictures.
 class Rendering {
  public:
-  Rendering(const Arguments& arguments, Outputs outputs)
+  Rendering(const RenderArguments& arguments, Outputs outputs)
       : arguments_(arguments),
         outputs_(std::move(outputs)),
         frames_(OpenSource(ForSettings(arguments.source, arguments.settings))),
@@ -222,7 +222,7 @@ class Rendering {
     still_.Take(overlay_.Picture(), report.time_s);
   }
 
-  const Arguments& arguments_;
+  const RenderArguments& arguments_;
   Outputs outputs_;
   std::unique_ptr<FrameSource> frames_;
   Module module_;
@@ -234,7 +234,7 @@ class Rendering {
   Counts counts_;
 };
 
-void Render(Arguments& arguments) {
+void Render(RenderArguments& arguments) {
   arguments.options.Complete();
   Rendering rendering(arguments, OutputsOf(arguments));
   rendering.Run();
@@ -249,8 +249,8 @@ void Render(Arguments& arguments) {
 
 std::function<void()> AddRender(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("render", "Draw what the module sees on a recording");
-  command.footer(kFooter);
-  const auto arguments = std::make_shared<Arguments>(command);
+  command.footer(kRenderFooter);
+  const auto arguments = std::make_shared<RenderArguments>(command);
   AddSourceOptions(command, arguments->source);
   command
       .add_option(

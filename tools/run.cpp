@@ -19,7 +19,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kRunFooter =
     R"(A camera runs until it is interrupted (Ctrl-C), which ends with the summary too.
 Settings may stand in a TOML file under the names of their options:
   time-cooling = "2s"
@@ -82,7 +82,7 @@ void Run::operator()() {
 
 std::function<void()> AddRun(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("run", "Run the detector over a recording or a camera");
-  command.footer(kFooter);
+  command.footer(kRunFooter);
   const auto run = std::make_shared<Run>(command);
   AddSourceOptions(command, run->source);
   command.add_option("--trace", run->trace, "tab-separated file that receives a line a frame")

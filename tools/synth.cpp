@@ -27,7 +27,7 @@ namespace stopngo {
 namespace {
 
 /// What is given on the command line overrides what a kind draws.
-struct Arguments {
+struct SynthArguments {
   std::string size = "800x480";
   std::string seed = "1";
   std::string kind;
@@ -68,7 +68,7 @@ void ParseSeed(const std::string& text, SceneOptions& scene) {
 }
 
 /// What a street, a camera and a vehicle can be like.
-void CheckRanges(const SceneOptions& scene, const Arguments& arguments) {
+void CheckRanges(const SceneOptions& scene, const SynthArguments& arguments) {
   struct Range {
     const char* option;
     double value, least, most;
@@ -103,7 +103,7 @@ SceneKind KindOf(const std::string& name) {
 }
 
 /// Without a kind: a car that leaves a street by day, as described by the options alone.
-SceneOptions MakeOptions(const Arguments& arguments) {
+SceneOptions MakeOptions(const SynthArguments& arguments) {
   SceneOptions scene;
   ParseSeed(arguments.seed, scene);
   if (!arguments.kind.empty()) scene = DrawScene(KindOf(arguments.kind), scene.seed);
@@ -123,7 +123,8 @@ SceneOptions MakeOptions(const Arguments& arguments) {
   return scene;
 }
 
-nlohmann::ordered_json Describe(const Arguments& arguments, const SceneOptions& options, const Scene& scene) {
+nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOptions& options,
+                                const Scene& scene) {
   const SceneRegion region = scene.SuggestedRegion();
   std::uint64_t seed = 0;
   std::from_chars(arguments.seed.data(), arguments.seed.data() + arguments.seed.size(), seed);
@@ -152,7 +153,7 @@ void WriteLabels(const std::string& path, std::ostream& out, const std::vector<L
   if (!out) throw Failure(path + ": " + LastSystemError());
 }
 
-std::string Summary(const Arguments& arguments, const nlohmann::ordered_json& scene,
+std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_json& scene,
                     const std::vector<LabelSpan>& labels) {
   if (arguments.json) {
     nlohmann::ordered_json line{{"output", arguments.output}};
@@ -165,7 +166,7 @@ std::string Summary(const Arguments& arguments, const nlohmann::ordered_json& sc
     return line.dump();
   }
   std::string text = arguments.output + ": " + scene["frames"].dump() + " frames of " + arguments.size +
-                     " at " + scene["fps"].dump() + " a second, region " + scene["roi"].dump();
+                     " at " + Text(scene["fps"]) + " a second, region " + scene["roi"].dump();
   for (const LabelSpan& label : labels) {
     text += ", " + std::string(NameOf(label.activity)) + " " + Text(label.start_s) + "–" + Text(label.end_s) +
             " s";
@@ -194,7 +195,7 @@ void ListKinds() {
   WriteResult(text);
 }
 
-void Synth(Arguments arguments) {
+void Synth(SynthArguments arguments) {
   if (arguments.list_kinds) return ListKinds();
   if (arguments.output.empty()) throw Failure("output is required", ExitCode::kUsage);
   const SceneOptions options = MakeOptions(arguments);
@@ -226,7 +227,7 @@ void Synth(Arguments arguments) {
 }  // namespace
 
 std::function<void()> AddSynth(CLI::App& app) {
-  auto arguments = std::make_shared<Arguments>();
+  auto arguments = std::make_shared<SynthArguments>();
   CLI::App* synth = app.add_subcommand(
       "synth", "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels");
   synth->add_option("output", arguments->output,

@@ -35,7 +35,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kTrainFooter =
     R"(Without --validation every fifth clip is kept apart: training ends when it gets no better on those,
 and on those the threshold is placed. The same manifests and options give the same bytes.
 
@@ -80,7 +80,7 @@ class TrainCommand {
 };
 
 TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
-  app.footer(kFooter);
+  app.footer(kTrainFooter);
   app.add_option("manifest", manifests_, "clips to train on")->required()->type_name("MANIFEST");
   app.add_option("-o,--output", output_, "weights file; its sidecar gets .json behind the name")
       ->required()
@@ -173,7 +173,7 @@ Calibration TrainCommand::Place(Network& network) const {
   WriteWeights(output_, network);
   Settings settings = settings_;
   settings.weights = output_;
-  const Calibration calibration = Calibrate(validation_, settings, training_.false_alarms_per_hour, jobs_);
+  Calibration calibration = Calibrate(validation_, settings, training_.false_alarms_per_hour, jobs_);
   network.numbers.back() += static_cast<float>(calibration.shift);
   return calibration;
 }
@@ -198,6 +198,8 @@ nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& train
           {"clips", clips_.size()},
           {"validation_clips", validation_.size()},
           {"looks", training_.looks},
+          {"iterations", training_.trainer.iterations},
+          {"patience", training_.trainer.patience},
           {"decay", training_.loss.decay},
           {"margin", training_.loss.margin},
           {"false_alarm_weight", training_.loss.false_alarm_weight},

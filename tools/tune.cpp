@@ -21,7 +21,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kTuneFooter =
     R"(Tries every combination of the values below on the clips, and prints the one with the highest recall, then
 the shortest median time to alarm, that keeps within the wanted rate of false alarms: TOML for --config.
 
@@ -37,8 +37,8 @@ struct Dimension {
   std::vector<std::string> values;
 };
 
-struct Arguments {
-  explicit Arguments(CLI::App& app) : options(app) {}
+struct TuneArguments {
+  explicit TuneArguments(CLI::App& app) : options(app) {}
 
   EvaluationOptions options;
   std::vector<Dimension> dimensions{
@@ -81,7 +81,7 @@ std::string TomlValue(const std::string& text) {
   return number ? text : '"' + text + '"';
 }
 
-std::string InOneLine(const Arguments& arguments, const Settings& settings) {
+std::string InOneLine(const TuneArguments& arguments, const Settings& settings) {
   std::string line;
   for (const Dimension& dimension : arguments.dimensions) {
     line += (line.empty() ? "" : ", ") + std::string(dimension.setting) + " = " +
@@ -92,7 +92,7 @@ std::string InOneLine(const Arguments& arguments, const Settings& settings) {
 
 class Search {
  public:
-  explicit Search(Arguments& arguments)
+  explicit Search(TuneArguments& arguments)
       : arguments_(arguments), options_(arguments.options), clips_(options_.Clips()) {}
 
   void Run() {
@@ -148,7 +148,7 @@ class Search {
     }
   }
 
-  const Arguments& arguments_;
+  const TuneArguments& arguments_;
   EvaluationOptions& options_;
   std::vector<Clip> clips_;
   std::vector<Candidate> candidates_;  ///< once searched: the best first
@@ -168,8 +168,8 @@ std::string FaultOf(const Dimension& dimension, const std::string& value) {
 
 std::function<void()> AddTune(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("tune", "Search the decision's settings on labelled clips");
-  command.footer(kFooter);
-  const auto arguments = std::make_shared<Arguments>(command);
+  command.footer(kTuneFooter);
+  const auto arguments = std::make_shared<TuneArguments>(command);
   for (Dimension& dimension : arguments->dimensions) {
     command
         .add_option("--try-" + std::string(dimension.setting), dimension.values,

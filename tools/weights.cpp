@@ -24,7 +24,7 @@
 namespace stopngo {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kWeightsFooter =
     R"(A weight is near zero when it cannot move a sum by a step of the activation table; a hidden node's sum
 has the range that histograms which can occur give it, * where the table is flat at an end of it. Cells are told by row and column, from 0, and
 "before" is the frame before. The counts are those of the sidecar, FILE.json, where there is one.
@@ -41,7 +41,7 @@ constexpr std::size_t kDefaultColumns = 5;
 
 using Json = nlohmann::ordered_json;
 
-struct Arguments {
+struct WeightsArguments {
   std::string file;
   std::optional<std::uint64_t> inputs, hiddens;
   std::size_t columns = kDefaultColumns;
@@ -57,7 +57,7 @@ std::string NameOf(const StrongWeight& strong, std::size_t columns) {
 
 class Inspection {
  public:
-  explicit Inspection(const Arguments& arguments)
+  explicit Inspection(const WeightsArguments& arguments)
       : arguments_(arguments),
         sidecar_(ReadSidecar(arguments.file)),
         network_(Read()),
@@ -179,7 +179,7 @@ class Inspection {
     WriteResult(object.dump(-1, ' ', false, Json::error_handler_t::replace));
   }
 
-  const Arguments& arguments_;
+  const WeightsArguments& arguments_;
   std::optional<Sidecar> sidecar_;
   Network network_;
   std::string sha256_;
@@ -193,8 +193,8 @@ class Inspection {
 
 std::function<void()> AddWeights(CLI::App& app) {
   CLI::App& command = *app.add_subcommand("weights", "Show and check a weights file");
-  command.footer(kFooter);
-  const auto arguments = std::make_shared<Arguments>();
+  command.footer(kWeightsFooter);
+  const auto arguments = std::make_shared<WeightsArguments>();
   command.add_option("FILE", arguments->file, "weights file")->required();
   command.add_option("--inputs", arguments->inputs, "inputs of the network, two frames' features")
       ->type_name("N");

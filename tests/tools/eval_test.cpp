@@ -17,19 +17,17 @@
 namespace stopngo::test {
 namespace {
 
-constexpr int kWidth = 800;
-constexpr int kHeight = 480;
-const std::string kHeader = "clip\tregion\trate\tlabels\n";
+const std::string kLabelledClips = "clip\tregion\trate\tlabels\n";
 
 /// A texture, shifted.
 std::string Plane(int right, int down) {
-  std::string plane(std::size_t{kWidth} * kHeight, '\0');
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
+  std::string plane(std::size_t{kPictureWidth} * kPictureHeight, '\0');
+  for (int y = 0; y < kPictureHeight; ++y) {
+    for (int x = 0; x < kPictureWidth; ++x) {
       const auto u = static_cast<unsigned>(x - right + 1000) / 5;
       const auto v = static_cast<unsigned>(y - down + 1000) / 5;
       const unsigned mixed = (u * 2654435761U) ^ (v * 2246822519U);
-      plane[std::size_t{kWidth} * y + x] = static_cast<char>(mixed >> 13);
+      plane[std::size_t{kPictureWidth} * y + x] = static_cast<char>(mixed >> 13);
     }
   }
   return plane;
@@ -78,7 +76,7 @@ std::string ContractionWeights(const TemporaryFolder& folder) {
   return path;
 }
 
-const std::string kEveryFrame = "--no-weights --rate 0 --time-cooling 20 ";
+const std::string kAllFrames = "--no-weights --rate 0 --time-cooling 20 ";
 
 // A score of 0.5 on every frame makes alarms at the frames 4, 28 and 52, whatever the picture shows.
 class Steady : public testing::Test {
@@ -87,14 +85,14 @@ class Steady : public testing::Test {
     std::string video = Y4mHeader(25);
     for (int i = 0; i < 60; ++i) video += "FRAME\n" + Plane(0, 0);
     static_cast<void>(folder.File("clip.y4m", video));
-    manifest = folder.File("list.tsv", kHeader + "clip.y4m\t-\t-\t0 0.5 still;1 2.3 lead_departs\n");
+    manifest = folder.File("list.tsv", kLabelledClips + "clip.y4m\t-\t-\t0 0.5 still;1 2.3 lead_departs\n");
   }
   TemporaryFolder folder;
   std::string manifest;
 };
 
 TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
-  const CommandResult json = Stopngo("eval " + kEveryFrame + "--json " + manifest);
+  const CommandResult json = Stopngo("eval " + kAllFrames + "--json " + manifest);
   ASSERT_EQ(json.exit_code, 0) << json.err;
   std::string told;
   for (const auto& event : JsonLines(json.out, "event")) {
@@ -108,18 +106,18 @@ TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
   EXPECT_NEAR(summary["false_per_hour_standing"], 2000, 1e-6);
   EXPECT_TRUE(summary["false_per_hour_driving"].is_null());
 
-  const CommandResult text = Stopngo("eval " + kEveryFrame + manifest);
+  const CommandResult text = Stopngo("eval " + kAllFrames + manifest);
   EXPECT_NE(text.out.find("false      0.160 s  clip.y4m  (still)\n"), std::string::npos) << text.out;
   EXPECT_NE(text.out.find("\nrecording "), std::string::npos) << text.out;
 }
 
 TEST_F(Steady, MissedDeparturesAreListed) {
-  const CommandResult text = Stopngo("eval " + kEveryFrame + "--threshold 0.5 " + manifest);
+  const CommandResult text = Stopngo("eval " + kAllFrames + "--threshold 0.5 " + manifest);
   EXPECT_NE(text.out.find("missed     1.000 s  clip.y4m\n"), std::string::npos) << text.out;
 }
 
 TEST_F(Steady, CurveIsTheModulesOwn) {
-  const CommandResult result = Stopngo("eval " + kEveryFrame + manifest + " --curve " + folder / "curve.tsv");
+  const CommandResult result = Stopngo("eval " + kAllFrames + manifest + " --curve " + folder / "curve.tsv");
   ASSERT_EQ(result.exit_code, 0) << result.err;
   const auto rows = TsvRows(ReadFile(folder / "curve.tsv"));
   const auto column = std::find(rows.at(0).begin(), rows.at(0).end(), "recall") - rows.at(0).begin();
@@ -148,46 +146,43 @@ TEST_F(Steady, TunedSettingsAreWhatRunTakes) {
   EXPECT_EQ(JsonLines(none.out, "setting").at(0)["threshold"], "0.6") << "no alarm is within the limit";
 }
 
-// The alarms in scenes of which only the region is rendered are those of run on whole pictures. These two
-// have no compression, whose marks depend on the frames before.
+// The alarms in scenes of which only the region is rendered are those of run on whole pictures. This one
+// has no compression, whose marks depend on the frames before.
 TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
   const TemporaryFolder folder;
   const std::string weights = " --rate 8 --weights " + ContractionWeights(folder);
-  std::size_t alarms = 0;
-  for (const std::uint64_t seed : {2, 5}) {
-    const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, seed}};
-    const OpenedClip opened = OpenClip(clip, 0, 0);
-    const SceneOptions options = DrawScene(SceneKind::kDeparture, seed);
-    const SceneRegion region = SuggestedRegion(options);
-    std::string video = Y4mHeader(25);
-    for (LumaFrame frame; opened.frames->Next(frame);) {
-      std::string plane(std::size_t{kWidth} * kHeight, '\0');
-      for (int y = 0; y < region.height; ++y) {
-        std::copy_n(frame.pixels.begin() + y * region.width, region.width,
-                    plane.begin() + (region.y + y) * kWidth + region.x);
-      }
-      video += "FRAME\n" + plane;
+  constexpr std::uint64_t kSeed = 2;
+  const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, kSeed}};
+  const OpenedClip opened = OpenClip(clip, 0, 0);
+  const SceneOptions options = DrawScene(SceneKind::kDeparture, kSeed);
+  const SceneRegion region = SuggestedRegion(options);
+  std::string video = Y4mHeader(25);
+  for (LumaFrame frame; opened.frames->Next(frame);) {
+    std::string plane(std::size_t{kPictureWidth} * kPictureHeight, '\0');
+    for (int y = 0; y < region.height; ++y) {
+      std::copy_n(frame.pixels.begin() + y * region.width, region.width,
+                  plane.begin() + (region.y + y) * kPictureWidth + region.x);
     }
-    const std::string file = folder.File("scene.y4m", video);
-    const CommandResult run = Stopngo(std::string("run --json ").append(file).append(weights) + " --roi-x " +
-                                      std::to_string(region.x) + " --roi-y " + std::to_string(region.y));
-    ASSERT_EQ(run.exit_code, 0) << run.err;
-    std::vector<double> expected;
-    for (const auto& line : JsonLines(run.out, "decision")) {
-      if (line["decision"] == 1) expected.push_back(line["time"]);
-    }
-    const std::string manifest =
-        folder.File("list.tsv", kHeader + "synth:departure:" + std::to_string(seed) + "\t-\t-\t-\n");
-    const CommandResult eval = Stopngo(std::string("eval --json ").append(manifest).append(weights));
-    ASSERT_EQ(eval.exit_code, 0) << eval.err;
-    std::vector<double> judged;
-    for (const auto& event : JsonLines(eval.out, "event")) {
-      if (event["verdict"] != "missed") judged.push_back(event["time"]);
-    }
-    EXPECT_EQ(judged, expected) << "seed " << seed;
-    alarms += judged.size();
+    video += "FRAME\n" + plane;
   }
-  EXPECT_GT(alarms, 0U) << "nothing was compared";
+  const std::string file = folder.File("scene.y4m", video);
+  const CommandResult run = Stopngo(std::string("run --json ").append(file).append(weights) + " --roi-x " +
+                                    std::to_string(region.x) + " --roi-y " + std::to_string(region.y));
+  ASSERT_EQ(run.exit_code, 0) << run.err;
+  std::vector<double> expected;
+  for (const auto& line : JsonLines(run.out, "decision")) {
+    if (line["decision"] == 1) expected.push_back(line["time"]);
+  }
+  const std::string manifest =
+      folder.File("list.tsv", kLabelledClips + "synth:departure:" + std::to_string(kSeed) + "\t-\t-\t-\n");
+  const CommandResult eval = Stopngo(std::string("eval --json ").append(manifest).append(weights));
+  ASSERT_EQ(eval.exit_code, 0) << eval.err;
+  std::vector<double> judged;
+  for (const auto& event : JsonLines(eval.out, "event")) {
+    if (event["verdict"] != "missed") judged.push_back(event["time"]);
+  }
+  EXPECT_FALSE(judged.empty()) << "nothing was compared";
+  EXPECT_EQ(judged, expected);
 }
 
 // The first clip's picture moves up, as a departing vehicle's does; the second's moves to the right, which
@@ -198,9 +193,9 @@ TEST(Eval, BaselinesAreAsGoodAsTheyCanBe) {
   static_cast<void>(folder.File("right.y4m", MovingClip(2, 0)));
   const std::string up = "up.y4m\t-\t-\t0 2.9 still;2.9 6 lead_departs\n";
   const std::string both =
-      folder.File("both.tsv", kHeader + up + "right.y4m\t-\t-\t0 3 still;3 6 crossing\n");
+      folder.File("both.tsv", kLabelledClips + up + "right.y4m\t-\t-\t0 3 still;3 6 crossing\n");
   const std::string options = "eval --json --no-weights --threshold 0.5 --baseline difference,flow ";
-  const CommandResult alone = Stopngo(options + folder.File("up.tsv", kHeader + up));
+  const CommandResult alone = Stopngo(options + folder.File("up.tsv", kLabelledClips + up));
   ASSERT_EQ(alone.exit_code, 0) << alone.err;
   for (const auto& baseline : JsonLines(alone.out, "baseline")) {
     EXPECT_EQ(baseline["recall"], 1) << baseline;
@@ -221,7 +216,7 @@ TEST(Eval, BaselinesAreAsGoodAsTheyCanBe) {
 TEST(Eval, ResultsDoNotDependOnTheJobs) {
   const TemporaryFolder folder;
   const std::string manifest =
-      folder.File("list.tsv", kHeader + "synth:departure:1-4\t-\t-\t-\nsynth:standing:1-3\t-\t6\t-\n");
+      folder.File("list.tsv", kLabelledClips + "synth:departure:1-2\t-\t-\t-\nsynth:standing:1\t-\t6\t-\n");
   const std::string eval = "eval --json --rate 8 --baseline flow " + manifest + " --weights " +
                            ContractionWeights(folder) + " --curve " + folder / "curve.tsv --jobs ";
   const CommandResult one = Stopngo(eval + "1");
@@ -234,9 +229,9 @@ TEST(Eval, ResultsDoNotDependOnTheJobs) {
 
 TEST(Eval, RefusesWhatItCannotJudge) {
   const TemporaryFolder folder;
-  const std::string good = folder.File("good.tsv", kHeader + "synth:standing:1\t-\t-\t-\n");
-  const std::string bad = folder.File("bad.tsv", kHeader + "synth:standing:2-1\t-\t-\t-\n");
-  const std::string text = folder.File("text.tsv", kHeader + "good.tsv\t-\t-\t0 1 still\n");
+  const std::string good = folder.File("good.tsv", kLabelledClips + "synth:standing:1\t-\t-\t-\n");
+  const std::string bad = folder.File("bad.tsv", kLabelledClips + "synth:standing:2-1\t-\t-\t-\n");
+  const std::string text = folder.File("text.tsv", kLabelledClips + "good.tsv\t-\t-\t0 1 still\n");
   struct Case {
     std::string arguments;
     int exit_code;

@@ -105,12 +105,12 @@ void ExpectRefusal(const CommandResult& result, int exit_code, const std::vector
 }
 
 TEST(RunTest, EveryFormOfAnInputGivesTheSameTrace) {
-  constexpr int kFrames = 12;
+  constexpr int kCount = 12;
   constexpr std::size_t kQuarter = std::size_t{400} * 240;
   const TemporaryFolder folder;
   const std::string weights = " --weights " + folder.File("w.bin", Weights());
-  const std::string raw = RawVideo(kFrames);
-  const std::string mono = folder.File("mono.y4m", Y4m(kFrames, "Cmono", 0));
+  const std::string raw = RawVideo(kCount);
+  const std::string mono = folder.File("mono.y4m", Y4m(kCount, "Cmono", 0));
   struct Form {
     std::string arguments;
     std::string input;
@@ -119,10 +119,10 @@ TEST(RunTest, EveryFormOfAnInputGivesTheSameTrace) {
       {kRaw, raw},
       {"run --rate 0 --raw 800x480 " + folder.File("v.raw", raw), ""},
       {"run --rate 0 " + mono, ""},
-      {"run --rate 0 -", Y4m(kFrames, "", 2 * kQuarter)},
-      {"run --rate 0 -", Y4m(kFrames, "C420paldv XCOLORRANGE=FULL", 2 * kQuarter)},
-      {"run --rate 0 -", Y4m(kFrames, "C422", 4 * kQuarter)},
-      {"run --rate 0 -", Y4m(kFrames, "C444", 8 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C420paldv XCOLORRANGE=FULL", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C422", 4 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C444", 8 * kQuarter)},
   };
 #if defined(STOPNGO_WITH_FFMPEG)
   forms.push_back({"run --rate 0 --format yuv4mpegpipe " + mono, ""});
@@ -137,7 +137,7 @@ TEST(RunTest, EveryFormOfAnInputGivesTheSameTrace) {
     for (Row& row : traces.back()) row.erase("write_ns");
     EXPECT_EQ(traces.back(), traces.front()) << form.arguments;
   }
-  ASSERT_EQ(traces.front().size(), std::size_t{kFrames});
+  ASSERT_EQ(traces.front().size(), std::size_t{kCount});
   const std::vector<std::string> scores = Column(traces.front(), "score_bits");
   EXPECT_NE(scores.at(1), scores.at(2)) << "the scores do not follow the picture";
 }

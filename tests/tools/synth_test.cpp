@@ -24,7 +24,7 @@
 namespace stopngo::test {
 namespace {
 
-using Picture = std::vector<std::uint8_t>;
+using Luma = std::vector<std::uint8_t>;
 
 std::uint64_t Fnv1a(std::string_view bytes) {
   std::uint64_t hash = 0xcbf29ce484222325U;
@@ -32,13 +32,13 @@ std::uint64_t Fnv1a(std::string_view bytes) {
   return hash;
 }
 
-Picture Rendered(const Scene& scene, const SceneOptions& options, std::int64_t frame) {
-  Picture picture(static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height));
+Luma Rendered(const Scene& scene, const SceneOptions& options, std::int64_t frame) {
+  Luma picture(static_cast<std::size_t>(options.width) * static_cast<std::size_t>(options.height));
   scene.Render(frame, picture);
   return picture;
 }
 
-double MeanDifference(const Picture& a, const Picture& b) {
+double MeanDifference(const Luma& a, const Luma& b) {
   double sum = 0;
   for (std::size_t i = 0; i < a.size(); i++) sum += std::abs(a[i] - b[i]);
   return sum / static_cast<double>(a.size());
@@ -66,7 +66,7 @@ SceneOptions Drawn(SceneKind kind, std::uint64_t seed) {
   return options;
 }
 
-std::string WriteY4m(const TemporaryFolder& folder, const SinkOptions& options, const Picture& picture) {
+std::string WriteY4m(const TemporaryFolder& folder, const SinkOptions& options, const Luma& picture) {
   SinkOptions named = options;
   named.path = folder / "sink.y4m";
   const auto sink = OpenSink(named);
@@ -100,9 +100,9 @@ TEST(Synth, VehicleStandsThenLeaves) {
   for (const std::uint64_t seed : {1, 2, 3}) {
     const SceneOptions options = Quiet(seed);
     const Scene scene(options);
-    const Picture first = Rendered(scene, options, 0);
+    const Luma first = Rendered(scene, options, 0);
     EXPECT_EQ(first, Rendered(scene, options, 38)) << "nothing may move before the brakes come off";
-    const Picture before = Rendered(scene, options, 49);  // brakes off, not yet moving
+    const Luma before = Rendered(scene, options, 49);  // brakes off, not yet moving
     const double early = MeanDifference(before, Rendered(scene, options, 70));
     const double late = MeanDifference(before, Rendered(scene, options, 120));
     EXPECT_GT(early, 0.3) << "seed " << seed;
@@ -117,9 +117,9 @@ TEST(Synth, RearShrinksAsPerspectiveTells) {
   for (const std::uint64_t seed : {1, 2, 3, 4}) {
     const SceneOptions options = Quiet(seed);
     const Scene scene(options);
-    const Picture gone = Rendered(scene, options, 999);
+    const Luma gone = Rendered(scene, options, 999);
     const auto width_at = [&](std::int64_t frame) {
-      const Picture picture = Rendered(scene, options, frame);
+      const Luma picture = Rendered(scene, options, frame);
       const double distance = scene.Distance(static_cast<double>(frame) / options.fps);
       const auto row = static_cast<std::size_t>(0.52 * 120 + 180 * (1.3 - 0.5) / distance) * 200;
       int left = 200;
@@ -165,9 +165,9 @@ TEST(Synth, DepartureIsSmoothAndAsStrongAsAsked) {
 
 TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
   SceneOptions options = Quiet(5);
-  const Picture exact = Rendered(Scene(options), options, 0);
+  const Luma exact = Rendered(Scene(options), options, 0);
   options.sensor.noise = 4;
-  const Picture noisy = Rendered(Scene(options), options, 0);
+  const Luma noisy = Rendered(Scene(options), options, 0);
   double sum = 0;
   double squares = 0;
   int count = 0;
@@ -186,14 +186,14 @@ TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
 TEST(Synth, ScenesOfAllKindsHaveTheSameBytesEverywhere) {
   std::uint64_t hash = 0;
   for (const SceneKindName& kind : SceneKinds()) {
-    std::vector<Picture> pictures;
+    std::vector<Luma> pictures;
     for (const std::uint64_t seed : {1, 2}) {
       const SceneOptions options = Drawn(kind.kind, seed);
       const Scene scene(options);
       for (const std::int64_t frame : {0, 44}) pictures.push_back(Rendered(scene, options, frame));
     }
     EXPECT_GT(MeanDifference(pictures[0], pictures[2]), 3) << kind.name << ": seeds must differ";
-    for (const Picture& picture : pictures) {
+    for (const Luma& picture : pictures) {
       hash = hash * 31 + Fnv1a({reinterpret_cast<const char*>(picture.data()), picture.size()});
     }
   }
@@ -210,11 +210,11 @@ TEST(Synth, WindowIsAPartOfThePicture) {
       const Scene part(options, window);
       EXPECT_EQ(part.SuggestedRegion().x, whole.SuggestedRegion().x);
       EXPECT_EQ(part.SuggestedRegion().y, whole.SuggestedRegion().y);
-      Picture seen(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));
+      Luma seen(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));
       for (std::int64_t frame = 0; frame < 70; frame += 7) {
-        const Picture picture = Rendered(whole, options, frame);
+        const Luma picture = Rendered(whole, options, frame);
         part.Render(frame, seen);
-        Picture cut;
+        Luma cut;
         for (int row = 0; row < window.height; row++) {
           const auto begin = picture.begin() + (window.y + row) * options.width + window.x;
           cut.insert(cut.end(), begin, begin + window.width);
@@ -246,7 +246,7 @@ TEST(Synth, LabelsAgreeWithThePicture) {
       EXPECT_EQ(scene.Distance(label.start_s), scene.Distance(0));
       EXPECT_GT(scene.Distance(label.start_s + 2.2), 1.09 * scene.Distance(0)) << "seed " << seed;
       const auto before = static_cast<std::int64_t>(std::floor((label.start_s - 0.15) * options.fps));
-      const Picture first = Rendered(scene, options, 0);
+      const Luma first = Rendered(scene, options, 0);
       EXPECT_EQ(first, Rendered(scene, options, before)) << "seed " << seed;
       EXPECT_GT(MeanDifference(first, Rendered(scene, options, before + 20)), 0.2) << "seed " << seed;
     }
@@ -294,17 +294,17 @@ TEST(Synth, CompressionFreezesWhatStands) {
   options.sensor.compression = 0.6;
   options.sensor.refresh_s = 100;
   const Scene scene(options);
-  const Picture first = Rendered(scene, options, 0);
-  const Picture second = Rendered(scene, options, 1);
+  const Luma first = Rendered(scene, options, 0);
+  const Luma second = Rendered(scene, options, 1);
   const auto same = std::inner_product(first.begin(), first.end(), second.begin(), 0, std::plus<>(),
                                        [](int a, int b) { return a == b ? 1 : 0; });
   EXPECT_GT(same, 0.9 * static_cast<double>(first.size()));
   options.sensor.compression = 0;
   options.sensor.noise = 0;
-  const Picture exact = Rendered(Scene(options), options, 0);
+  const Luma exact = Rendered(Scene(options), options, 0);
   EXPECT_LT(MeanDifference(first, exact), 5);
   EXPECT_GT(MeanDifference(first, exact), 0.2);
-  const Picture later = Rendered(scene, options, 110);
+  const Luma later = Rendered(scene, options, 110);
   EXPECT_LT(MeanDifference(later, Rendered(Scene(options), options, 110)), 5);
 }
 
@@ -389,7 +389,7 @@ TEST(VideoSink, UnfinishedLeavesTheOldFile) {
     const auto before = folder.Files();
     {
       const auto sink = OpenSink({path, 64, 48, 25, PixelFormat::kGray});
-      sink->Write(Picture(64 * 48, 90));
+      sink->Write(Luma(64 * 48, 90));
     }
     EXPECT_EQ(ReadFile(path), "old");
     EXPECT_EQ(folder.Files(), before);
@@ -404,7 +404,7 @@ TEST(VideoSink, RatesAreExactRatios) {
                                   {59.94, " F60000:1001 "},
                                   {12.5, " F25:2 "},
                                   {7.3, " F73:10 "}}) {
-    const std::string file = WriteY4m(folder, {"", 2, 2, fps, PixelFormat::kGray}, Picture(4, 90));
+    const std::string file = WriteY4m(folder, {"", 2, 2, fps, PixelFormat::kGray}, Luma(4, 90));
     EXPECT_NE(file.find(text), std::string::npos) << fps << ": " << file;
   }
 }
@@ -412,7 +412,7 @@ TEST(VideoSink, RatesAreExactRatios) {
 // The corners of the colour cube as ITU-R BT.601 codes them.
 TEST(VideoSink, ColoursOfY4m) {
   const TemporaryFolder folder;
-  const Picture bgrx{255, 255, 255, 0, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0};
+  const Luma bgrx{255, 255, 255, 0, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0};
   const std::string file = WriteY4m(folder, {"", 2, 2, 25, PixelFormat::kBgrx}, bgrx);
   EXPECT_NE(file.find(" C444\n"), std::string::npos);
   const std::vector<int> expected{235, 82, 144, 41, 128, 90, 54, 240, 128, 240, 34, 110};
