@@ -11,8 +11,9 @@ if(STOPNGO_SANITIZE)
   target_link_options(stopngo_options INTERFACE -fsanitize=${STOPNGO_SANITIZE})
 endif()
 
-# With STOPNGO_UNITY, a target's sources become one: they share what takes longest, the headers of libraries.
-function(compile_as_one target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${STOPNGO_UNITY} UNITY_BUILD_BATCH_SIZE 0
+# With STOPNGO_UNITY, a target's sources become a few: they share what takes longest, the headers of libraries.
+# Half a dozen each, so that processors share the work.
+function(compile_together target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${STOPNGO_UNITY} UNITY_BUILD_BATCH_SIZE 6
     UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
 endfunction()
