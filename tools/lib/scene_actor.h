@@ -51,7 +51,8 @@ struct Stage {
   double focal = 720;  ///< pixels
   double camera_height_m = 1.3;
   double length_s = 12;
-  double event_s = 5;  ///< a moment that passing things should be in view at, roughly
+  double event_s = 5;        ///< a moment that passing things should be in view at, roughly
+  bool lead_present = true;  ///< if not, what follows is of the place that is left free for one
   double lead_half_width = 0.9;
   double lead_height = 1.45;
   double lead_offset = 0;  ///< of its middle, to the right

@@ -94,22 +94,26 @@ class Drifter : public Actor {
 
 double Sign(Random& random) { return random.Below(2) == 0 ? -1 : 1; }
 
+constexpr double kFarthestWalker_m = 25;  // people any farther are a few pixels tall
+
+/// Across the street, either way.
+double AcrossHeading(Random& random) { return 0.25 * Sign(random) + random.Uniform(-0.015, 0.015); }
+
 /// Somebody who is in front of us at about the time of the event; some stop, some set out.
-void AddWalker(Actors& actors, const Stage& stage, double z, double spread, Random& random) {
+void AddWalker(Actors& actors, const Stage& stage, double z, double spread, double heading, Random& random) {
   const Person person = DrawPerson(random);
   const double speed = random.Uniform(0.8, 2.2);
   const double when = stage.event_s + random.Uniform(-spread, spread);
   const double edge = 0.5 * stage.width / stage.focal * z;
   const double at = random.Uniform(-0.6, 0.6) * edge;
-  const double direction = Sign(random);
-  const Route route{0, z, 0.25 * direction + random.Uniform(-0.015, 0.015)};
-  Pace pace(at - speed * when, speed);
+  const Route route{at, z, heading};
+  Pace pace(-speed * when, speed);
   const std::uint32_t habit = random.Below(6);
   if (habit == 0) {
     pace.Stop(when, 2);
     pace.Start(when + 2 + random.Uniform(0, 3), 1.5, speed);
   } else if (habit == 1) {
-    pace = Pace(at, 0);
+    pace = Pace(0, 0);
     pace.Start(when, 1.5, speed);
   }
   actors.push_back(std::make_unique<Figure>(Figure::Kind::kWalker, person, route, pace));
@@ -120,18 +124,42 @@ void AddWalker(Actors& actors, const Stage& stage, double z, double spread, Rand
 Actors MakePedestrians(const Stage& stage, Random& random) {
   Actors actors;
   const std::uint32_t count = 1 + random.Below(3);
+  if (!stage.lead_present) {
+    const double z = random.Uniform(1.7, kFarthestWalker_m);
+    const double heading = random.Below(2) == 0 ? AcrossHeading(random) : random.Uniform(0, 1);
+    for (std::uint32_t i = 0; i < count; i++) AddWalker(actors, stage, z, 2.5, heading, random);
+    return actors;
+  }
   // Most cross between us and the vehicle ahead, or right beyond it.
   const double lead = stage.lead_distance(0);
   const bool near = random.Below(3) != 0 && lead > 2.6;
   const double z = near ? random.Uniform(1.7, lead - 0.6) : random.Uniform(lead + 5.5, 20 + lead);
   for (std::uint32_t i = 0; i < count; i++) {
     AddWalker(actors, stage, near ? std::clamp(z + random.Uniform(-0.5, 0.5), 1.6, lead - 0.4) : z, 2.5,
-              random);
+              AcrossHeading(random), random);
+  }
+  return actors;
+}
+
+/// Where nobody is ahead, a crowd may also walk down the street, as at a junction where all lights are red
+/// for vehicles: away from us it shrinks as a vehicle does that leaves.
+Actors MakeFreeCrowd(const Stage& stage, Random& random) {
+  Actors actors;
+  const double from = random.Uniform(2, 10);
+  const double to = from + random.Uniform(2, 14);
+  const double way = random.Uniform(0, 1);
+  const bool across = random.Below(2) == 0;
+  const double against = random.Uniform(0, 0.5);  // the share that goes the other way
+  for (std::uint32_t left = 6 + random.Below(25); left > 0; left--) {
+    const double turned = random.Uniform(0, 1) < against ? 0.5 : 0;
+    const double heading = across ? AcrossHeading(random) : way + turned + random.Uniform(-0.04, 0.04);
+    AddWalker(actors, stage, random.Uniform(from, to), stage.length_s * 0.4, heading, random);
   }
   return actors;
 }
 
 Actors MakeCrowd(const Stage& stage, Random& random) {
+  if (!stage.lead_present) return MakeFreeCrowd(stage, random);
   Actors actors;
   const double lead = stage.lead_distance(0);
   const bool near = random.Below(3) == 0 && lead > 3.5;
@@ -139,7 +167,7 @@ Actors MakeCrowd(const Stage& stage, Random& random) {
   const double to = near ? lead - 0.5 : from + random.Uniform(2, 8);
   const std::uint32_t count = near ? 4 + random.Below(7) : 8 + random.Below(23);
   for (std::uint32_t i = 0; i < count; i++) {
-    AddWalker(actors, stage, random.Uniform(from, to), stage.length_s * 0.4, random);
+    AddWalker(actors, stage, random.Uniform(from, to), stage.length_s * 0.4, AcrossHeading(random), random);
   }
   return actors;
 }

@@ -173,6 +173,7 @@ Gleam::Course Wander(const Stage& stage, double slowest, double fastest, Random&
 }  // namespace
 
 Actors MakeHeadlampSweep(const Stage& stage, Random& random) {
+  if (!stage.lead_present) return {};
   Actors actors;
   const std::uint32_t count = 1 + random.Below(3);
   for (std::uint32_t i = 0; i < count; i++) {
@@ -187,6 +188,7 @@ Actors MakeHeadlampSweep(const Stage& stage, Random& random) {
 }
 
 Actors MakeReflection(const Stage& stage, Random& random) {
+  if (!stage.lead_present) return {};
   Actors actors;
   const std::uint32_t count = 1 + random.Below(3);
   for (std::uint32_t i = 0; i < count; i++) {

@@ -111,7 +111,8 @@ Stage Scene::Model::MakeStage(double event_s) const {
     stage.lead_offset = options.lead.offset_m;
     stage.lead_distance = [this](double time_s) { return lane.front().At(time_s).z; };
   } else {
-    stage.lead_distance = [](double) { return 60.0; };
+    stage.lead_present = false;
+    stage.lead_distance = [place_m = options.lead.distance_m](double) { return place_m; };
   }
   return stage;
 }

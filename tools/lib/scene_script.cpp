@@ -36,12 +36,13 @@ void Distract(SceneOptions& scene, Random& random) {
   }
 }
 
-/// What crosses also does so with nobody ahead of us.
+/// What crosses also does so with nobody ahead of us, and the exposure may follow what comes near.
 template <Distractor kDistractor>
 void Cross(SceneOptions& scene, Random& random) {
-  scene.lead_present = Chance(random, 0.75);
+  scene.lead_present = Chance(random, 0.65);
   if (!scene.lead_present) scene.others.clear();
   Distract<kDistractor>(scene, random);
+  if (Chance(random, 0.2)) AddExposure(scene, SomeTime(scene, random), random);
 }
 
 void Creep(SceneOptions& scene, Random& random) { AddCreep(scene, StartTime(scene, random), random); }
@@ -107,7 +108,7 @@ void LookFromAbove(SceneOptions& scene, Random& random) {
   scene.region = {};
   scene.region.shift_x = static_cast<int>(random.Below(401)) - 200;
   scene.region.shift_y = static_cast<int>(random.Below(281)) - 200;
-  const std::array distractors{AddCrossing, AddPedestrians, AddNeighbours};
+  const std::array distractors{AddCrossing, AddPedestrians, AddNeighbours, AddExposure};
   const std::uint32_t times = 2 + random.Below(4);
   for (std::uint32_t i = 0; i < times; i++) {
     distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, SomeTime(scene, random),
