@@ -62,7 +62,6 @@ class TrainCommand {
 
  private:
   void ReadClips();
-  [[nodiscard]] Calibration Place(Network& network) const;
   [[nodiscard]] nlohmann::ordered_json TestFigures() const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
   [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
@@ -168,16 +167,6 @@ const Training& BestOf(const std::vector<Training>& trainings) {
                            [](const Training& a, const Training& b) { return a.validation < b.validation; });
 }
 
-// The module reads weights from a file alone, so the uncalibrated ones lie at the output's place for a while.
-Calibration TrainCommand::Place(Network& network) const {
-  WriteWeights(output_, network);
-  Settings settings = settings_;
-  settings.weights = output_;
-  Calibration calibration = Calibrate(validation_, settings, training_.false_alarms_per_hour, jobs_);
-  network.numbers.back() += static_cast<float>(calibration.shift);
-  return calibration;
-}
-
 nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& trainings) const {
   const auto files = [](const std::vector<std::string>& paths) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
@@ -233,7 +222,9 @@ void TrainCommand::operator()() {
   const std::size_t inputs = 2 * tracks.front().features;
   Network network{inputs, training_.loss.hiddens,
                   FileNumbers(BestOf(trainings).parameters, tracks.front().features, training_.loss.hiddens)};
-  const Calibration calibration = Place(network);
+  const Calibration calibration =
+      Calibrate(network, validation_, settings_, training_.false_alarms_per_hour, jobs_);
+  network.numbers.back() += static_cast<float>(calibration.shift);
   WriteWeights(output_, network);
   Sidecar sidecar{inputs, network.hiddens, Sha256OfFile(output_), SidecarSettings(settings_)};
   sidecar.training = Describe(trainings);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <span>
-#include <string>
 
 #include "clip.h"
 #include "settings.h"
 #include "tally.h"
+#include "weights_file.h"
 
 namespace stopngo {
 
@@ -15,8 +15,10 @@ struct Calibration {
   Tally tally;       ///< what the module then makes of the clips
 };
 
-/// settings: with the weights file as trained, and the decision that the scores are to suit. Runs the
-/// module itself over the clips, with many thresholds side by side, and picks the best: see Better.
-Calibration Calibrate(std::span<const Clip> clips, const Settings& settings, double false_per_hour, int jobs);
+/// settings: with the decision that the scores are to suit; their weights do not matter. Runs the module
+/// itself over the clips, with copies of the network side by side whose biases differ, and picks the best:
+/// see Better. The copies lie in a folder of their own for temporary files meanwhile. Throws Failure.
+Calibration Calibrate(const Network& network, std::span<const Clip> clips, const Settings& settings,
+                      double false_per_hour, int jobs);
 
 }  // namespace stopngo
