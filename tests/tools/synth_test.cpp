@@ -83,7 +83,7 @@ TEST(Synth, SameSeedSameBytesEverywhere) {
   const std::string arguments = "synth - --size 176x100 --length 3 --departure 1 --vibration 1.5 --seed ";
   // A saloon, a hatchback and a van.
   const std::vector<std::pair<const char*, std::uint64_t>> pinned{
-      {"1", 0x17d6f6ce3b1a9fbU}, {"2", 0x5f27ec0666f3e03U}, {"3", 0xff27c854131e9ccdU}};
+      {"1", 0x4379cabc22f61897U}, {"2", 0xe8e2ccc636bb6810U}, {"3", 0xea90df1a9146381fU}};
   for (const auto& [seed, hash] : pinned) {
     const CommandResult clip = Stopngo(arguments + seed);
     ASSERT_EQ(clip.exit_code, 0) << clip.err;
@@ -182,6 +182,31 @@ TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
   EXPECT_NEAR(std::sqrt(squares / count), 4, 0.3);
 }
 
+// A shutter of 16 ms, a frame in every 16 ms: each is the mean of two of another camera that takes one every
+// 4 ms, in which hardly anything moves.
+TEST(Synth, ShutterSmearsWhatMoves) {
+  SceneOptions options = Quiet(1);
+  options.actors = {{ActorKind::kCrossingNear, 1, 4}};
+  options.fps = 62.5;
+  options.sensor.shutter_s = 0.016;
+  SceneOptions quick = options;
+  quick.fps = 250;
+  quick.sensor.shutter_s = 1e-4;
+  const Scene smeared(options);
+  const Scene sharp(quick);
+  int moved = 0;  // by how many grey levels at an edge
+  for (std::int64_t frame = 180; frame < 320; frame += 4) {
+    const Luma picture = Rendered(smeared, options, frame);
+    const Luma early = Rendered(sharp, quick, 4 * frame - 1);
+    const Luma late = Rendered(sharp, quick, 4 * frame + 1);
+    for (std::size_t i = 0; i < picture.size(); i++) {
+      ASSERT_NEAR(picture[i], 0.5 * (early[i] + late[i]), 1);
+      moved = std::max(moved, std::abs(early[i] - late[i]));
+    }
+  }
+  EXPECT_GT(moved, 10);
+}
+
 // What every machine and compiler has to draw alike, from all that a scene can hold.
 TEST(Synth, ScenesOfAllKindsHaveTheSameBytesEverywhere) {
   std::uint64_t hash = 0;
@@ -197,7 +222,7 @@ TEST(Synth, ScenesOfAllKindsHaveTheSameBytesEverywhere) {
       hash = hash * 31 + Fnv1a({reinterpret_cast<const char*>(picture.data()), picture.size()});
     }
   }
-  EXPECT_EQ(hash, 0x31663656c558a2a0U) << std::hex << "0x" << hash;
+  EXPECT_EQ(hash, 0x7fbac054d19f11d1U) << std::hex << "0x" << hash;
 }
 
 // Detectors are to learn from such scenes what is no departure: specks at the horizon would teach nothing.

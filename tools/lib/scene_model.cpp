@@ -12,7 +12,8 @@ namespace stopngo {
 namespace {
 
 constexpr double kVehicleToLine_m = 5.4;  // from its rear: a car's length and a metre
-constexpr int kSubExposures = 4;
+constexpr int kSubExposures = 4;          // of a street that is driven along
+constexpr double kInstant_s = 0.008;      // in which what crosses 10 m ahead moves by 5 pixels
 
 /// A window is the picture of a camera whose principal point lies elsewhere.
 Camera CameraOf(const SceneOptions& options, const SceneWindow& window) {
@@ -36,6 +37,9 @@ bool Crosses(ActorKind kind) {
       return false;
   }
 }
+
+/// Whether more than lamps or a stroll by the roadside is to be seen of it.
+bool Moves(ActorKind kind) { return kind != ActorKind::kNeighbour && kind != ActorKind::kBystanders; }
 
 Illumination IlluminationOf(const Light& light) {
   const double dark = std::clamp(1.2 - static_cast<double>(light.ambient), 0.0, 1.0);
@@ -149,7 +153,7 @@ void Scene::Model::UpdateStill(double time_s, const Camera& camera) {
   still_->actors.resize(actors_.size());
 }
 
-void Scene::Model::DrawStreet(double time_s, Shake::Offset shake) {
+void Scene::Model::DrawStreet(double time_s, double open_s, Shake::Offset shake) {
   const auto width = static_cast<std::size_t>(part.width);
   const auto line = [this, width](int row) {
     return std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
@@ -162,7 +166,7 @@ void Scene::Model::DrawStreet(double time_s, Shake::Offset shake) {
   }
   std::array<Camera, kSubExposures> cameras;
   for (int i = 0; i < kSubExposures; i++) {
-    const double at = time_s + options.sensor.shutter_s * ((i + 0.5) / kSubExposures - 0.5);
+    const double at = time_s + open_s * ((i + 0.5) / kSubExposures - 0.5);
     const Shake::Offset offset = shake_.At(at, path_.Speed(at));
     Camera& moved = cameras[static_cast<std::size_t>(i)];
     moved = Pose(at);
@@ -257,16 +261,13 @@ void Scene::Model::FlushSheet() {
   sheet_used_ = false;
 }
 
-void Scene::Model::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
-  std::int64_t index = 0;
-  const double time_s = Shown(frame, index);
+void Scene::Model::Compose(double time_s, double open_s) {
   const Camera camera = Pose(time_s);
-  UpdateStill(time_s, camera);
   const Shake::Offset shake = shake_.At(time_s, path_.Speed(time_s));
   Camera shaken = camera;
   shaken.centre_x += shake.x;
   shaken.horizon += shake.y;
-  DrawStreet(time_s, shake);
+  DrawStreet(time_s, open_s, shake);
   for (const Item& item : Items(time_s, camera)) {
     if (item.vehicle) {
       FlushSheet();
@@ -276,6 +277,37 @@ void Scene::Model::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
     }
   }
   FlushSheet();
+}
+
+/// How many pictures make up a frame: what moves is smeared while the shutter is open. While we drive, the
+/// street is smeared by itself (see DrawStreet), and most of the rest goes along with us.
+int Scene::Model::Instants(double time_s) const {
+  bool moves = false;
+  for (const LaneVehicle& vehicle : lane) moves = moves || !vehicle.Waits(time_s);
+  for (std::size_t i = 0; i < actors_.size(); i++) {
+    moves = moves || (Moves(actor_kinds_[i]) && actors_[i]->Distance(time_s));
+  }
+  if (!resting_ || !moves) return 1;
+  return std::max(1, static_cast<int>(std::ceil(options.sensor.shutter_s / kInstant_s)));
+}
+
+void Scene::Model::Gather(double time_s) {
+  const int instants = Instants(time_s);
+  const double open_s = options.sensor.shutter_s / instants;
+  gathered_.assign(light_.size(), 0);
+  for (int i = 0; i < instants; i++) {
+    Compose(time_s + open_s * (i + 0.5 - 0.5 * instants), open_s);
+    for (std::size_t at = 0; at < light_.size(); at++) gathered_[at] += light_[at];
+  }
+  const float share = 1 / static_cast<float>(instants);
+  for (std::size_t at = 0; at < light_.size(); at++) light_[at] = share * gathered_[at];
+}
+
+void Scene::Model::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
+  std::int64_t index = 0;
+  const double time_s = Shown(frame, index);
+  UpdateStill(time_s, Pose(time_s));
+  Gather(time_s);
   windscreen_.Draw(light_);
   for (const auto& overlay : overlays_) {
     overlay->Draw(time_s, sheet_);

@@ -50,7 +50,12 @@ struct Scene::Model {
     std::size_t index;
   };
 
-  void DrawStreet(double time_s, Shake::Offset shake);
+  /// Adds up in light_ what the shutter lets in around a time.
+  void Gather(double time_s);
+  [[nodiscard]] int Instants(double time_s) const;
+  /// Fills light_ with what is seen at a time. open_s: how long the shutter stays open around it.
+  void Compose(double time_s, double open_s);
+  void DrawStreet(double time_s, double open_s, Shake::Offset shake);
   [[nodiscard]] std::vector<Item> Items(double time_s, const Camera& camera) const;
   void DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake);
   void DrawActor(std::size_t index, double time_s, const Camera& shaken, Shake::Offset shake);
@@ -76,6 +81,7 @@ struct Scene::Model {
   Sheet sheet_;
   bool sheet_used_ = false;
   std::vector<float> light_;
+  std::vector<float> gathered_;
 };
 
 }  // namespace stopngo

@@ -96,7 +96,7 @@ struct SensorOptions {
   double gain = 1;
   double blur = 0;  ///< share of light that goes to a neighbour on each side, 0 … 0.3
   double vignette = 0;
-  double shutter_s = 0.012;
+  double shutter_s = 0.012;  ///< while it is open, what moves is smeared
   std::vector<ExposureChange> exposure;
   double source_fps = 0;   ///< unless 0: the rate of a recording that was made to the scene's by repeating
   double compression = 0;  ///< 0: none; 1: strong
