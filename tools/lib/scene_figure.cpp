@@ -97,7 +97,10 @@ double Sign(Random& random) { return random.Below(2) == 0 ? -1 : 1; }
 constexpr double kFarthestWalker_m = 25;  // people any farther are a few pixels tall
 
 /// Across the street, either way.
-double AcrossHeading(Random& random) { return 0.25 * Sign(random) + random.Uniform(-0.015, 0.015); }
+double AcrossHeading(Random& random) {
+  const double way = 0.25 * Sign(random);
+  return way + random.Uniform(-0.015, 0.015);
+}
 
 /// Somebody who is in front of us at about the time of the event; some stop, some set out.
 void AddWalker(Actors& actors, const Stage& stage, double z, double spread, double heading, Random& random) {
@@ -135,8 +138,9 @@ Actors MakePedestrians(const Stage& stage, Random& random) {
   const bool near = random.Below(3) != 0 && lead > 2.6;
   const double z = near ? random.Uniform(1.7, lead - 0.6) : random.Uniform(lead + 5.5, 20 + lead);
   for (std::uint32_t i = 0; i < count; i++) {
-    AddWalker(actors, stage, near ? std::clamp(z + random.Uniform(-0.5, 0.5), 1.6, lead - 0.4) : z, 2.5,
-              AcrossHeading(random), random);
+    const double heading = AcrossHeading(random);
+    const double at = near ? std::clamp(z + random.Uniform(-0.5, 0.5), 1.6, lead - 0.4) : z;
+    AddWalker(actors, stage, at, 2.5, heading, random);
   }
   return actors;
 }
@@ -167,7 +171,8 @@ Actors MakeCrowd(const Stage& stage, Random& random) {
   const double to = near ? lead - 0.5 : from + random.Uniform(2, 8);
   const std::uint32_t count = near ? 4 + random.Below(7) : 8 + random.Below(23);
   for (std::uint32_t i = 0; i < count; i++) {
-    AddWalker(actors, stage, random.Uniform(from, to), stage.length_s * 0.4, AcrossHeading(random), random);
+    const double heading = AcrossHeading(random);
+    AddWalker(actors, stage, random.Uniform(from, to), stage.length_s * 0.4, heading, random);
   }
   return actors;
 }
