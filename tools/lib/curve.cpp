@@ -16,6 +16,7 @@ namespace {
 constexpr int kWidth = 900;
 constexpr int kHeight = 600;
 constexpr Box kPlot{80, 50, 780, 470};
+constexpr double kHeadroom = 24;  // above 100 %, for names of what lies there
 constexpr Colour kPaper = Colour::Hex(0xFFFFFF);
 constexpr Colour kInk = Colour::Hex(0x1C2430);
 constexpr Colour kGrid = Colour::Hex(0xD8DEE6);
@@ -30,7 +31,7 @@ double Across(double rate) {
   const double share = std::log1p(rate / kEven) / std::log1p(kRates.back() / kEven);
   return kPlot.x + kPlot.width * std::min(1.0, share);
 }
-double Down(double recall) { return kPlot.Bottom() - kPlot.height * recall; }
+double Down(double recall) { return kPlot.Bottom() - (kPlot.height - kHeadroom) * recall; }
 
 std::optional<Point> PlaceOf(const Tally& tally) {
   const auto recall = tally.Recall();
