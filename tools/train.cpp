@@ -62,6 +62,7 @@ class TrainCommand {
 
  private:
   void ReadClips();
+  void RefuseUnwritable() const;
   [[nodiscard]] nlohmann::ordered_json TestFigures() const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
   [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
@@ -136,6 +137,13 @@ void TrainCommand::ReadClips() {
   }
   if (clips_.empty() || validation_.empty()) {
     throw Failure("training needs clips, and others for validation: five at least");
+  }
+}
+
+// A training of hours is not to end at a folder that is not there.
+void TrainCommand::RefuseUnwritable() const {
+  for (const std::string& path : {output_, report_}) {
+    if (!path.empty()) const OutputFile writable(path);
   }
 }
 
@@ -214,6 +222,7 @@ void TrainCommand::operator()() {
   training_.loss.hiddens = static_cast<std::size_t>(settings_.hiddens);
   training_.loss.threshold = settings_.threshold;
   ReadClips();
+  RefuseUnwritable();
   const Module module;
   const std::vector<FeatureTrack> tracks = Collect(module, clips_, "training clips", training_.looks);
   const std::vector<FeatureTrack> unseen = Collect(module, validation_, "validation clips", 1);

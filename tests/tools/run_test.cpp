@@ -382,6 +382,24 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
   }
 }
 
+// A pipe holds less than a frame: when three have gone through, the run has long begun.
+TEST(RunTest, InterruptionEndsTheRunAsTheEndOfTheInputDoes) {
+  const TemporaryFolder folder;
+  const std::string three = folder.File("three.raw", RawVideo(3));
+  const std::string pipe = folder / "pipe";
+  const std::string trace = folder / "t.tsv";
+  const std::string run = STOPNGO_PROGRAM " run - --rate 0 --raw 800x480 --no-weights --trace " + trace;
+  const CommandResult result = Shell("mkfifo " + pipe + "; " + run + " <" + pipe + " & exec 3>" + pipe +
+                                     "; cat " + three + " >&3; kill -INT $!; for i in $(seq 40); do cat " +
+                                     three + " >&3 2>/dev/null; done; exec 3>&-; wait $!; " + "echo code $?");
+  EXPECT_NE(result.out.find("code 0"), std::string::npos) << result.out << result.err;
+  const std::string lines = ReadFile(trace);
+  const auto frames = std::count(lines.begin(), lines.end(), '\n') - 1;
+  EXPECT_GE(frames, 3);
+  EXPECT_LT(frames, 100) << "all were read";
+  EXPECT_NE(result.out.find(std::to_string(frames) + " frames"), std::string::npos) << result.out;
+}
+
 TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
   const TemporaryFolder folder;
   const std::string video = folder.File("v.raw", RawVideo(12));

@@ -45,8 +45,8 @@ struct OpenedClip {
 /// Opens a clip. rate: frames a second handed over where the clip itself asks for none, the nearest ones;
 /// 0: all. A recording gives whole pictures. A scene is rendered only where a detector looks, in the
 /// region and margin pixels around it, and only at the frames handed over: the module reads nothing
-/// outside its region, so the analysis is that of the whole picture. Any number of threads may open and
-/// read clips at once. Throws Failure.
+/// outside its region. The scene is that of the whole picture; noise and the blocks of compression are
+/// drawn for the part. Any number of threads may open and read clips at once. Throws Failure.
 OpenedClip OpenClip(const Clip& clip, double rate, int margin);
 
 }  // namespace stopngo

@@ -158,9 +158,6 @@ std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options) {
                       " cannot be handed over (see --input-width, --input-height)",
                   ExitCode::kUsage);
   }
-  if (!(options.rate >= 0 && std::isfinite(options.rate))) {
-    throw Failure("--rate: frames a second, above 0, or 0 for all", ExitCode::kUsage);
-  }
   std::unique_ptr<FrameSource> source = std::make_unique<SizedSource>(OpenReader(options), options);
   // An input with fewer frames than that is handed over as it is.
   if (options.rate > 0 && options.rate <= source->Info().fps + kTolerance) {

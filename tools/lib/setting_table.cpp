@@ -59,8 +59,8 @@ constexpr std::array kTable = {
     // Follows the path, and only where there is one.
     Setting{"", VEL_CTRL_STOPNGO_LOAD_CLASSIFY, Internal{}, ""},
     Setting{"no-weights", VEL_CTRL_STOPNGO_END, &S::no_weights, "run without weights: every score is 0.5"},
-    Setting{"rate", VEL_CTRL_STOPNGO_END, &S::rate, "frames a second to hand over, the nearest ones; 0: all",
-            true},
+    Setting{"rate", VEL_CTRL_STOPNGO_END, NonNegative{&S::rate},
+            "frames a second to hand over, the nearest ones; 0: all", true},
 };
 
 template <typename Number>
@@ -86,6 +86,12 @@ double RealOf(const std::string& text) {
   const std::optional<double> number = NumberOf<double>(text);
   if (!number || !std::isfinite(*number)) throw std::invalid_argument("'" + text + "' is no number");
   return *number;
+}
+
+double NonNegativeOf(const std::string& text) {
+  const double number = RealOf(text);
+  if (number < 0) throw std::invalid_argument("'" + text + "' is below 0");
+  return number;
 }
 
 FrameCount FrameCountOf(const std::string& text) {
@@ -129,6 +135,7 @@ struct Reader {
   void operator()(int Settings::*field) const { settings.*field = IntegerOf(text); }
   void operator()(std::optional<int> Settings::*field) const { settings.*field = IntegerOf(text); }
   void operator()(double Settings::*field) const { settings.*field = RealOf(text); }
+  void operator()(const NonNegative& number) const { settings.*number.field = NonNegativeOf(text); }
   void operator()(FrameCount Settings::*field) const { settings.*field = FrameCountOf(text); }
   void operator()(std::string Settings::*field) const {
     if (text.empty()) throw std::invalid_argument("a path is missing");
@@ -151,6 +158,7 @@ struct Writer {
     return (settings.*field).has_value() ? std::to_string(*(settings.*field)) : std::string();
   }
   std::string operator()(double Settings::*field) const { return NumberText(settings.*field); }
+  std::string operator()(const NonNegative& number) const { return NumberText(settings.*number.field); }
   std::string operator()(FrameCount Settings::*field) const {
     const FrameCount& count = settings.*field;
     return NumberText(count.value) + (count.seconds ? "s" : "");

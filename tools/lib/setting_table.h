@@ -19,11 +19,16 @@ struct Choice {
   std::span<const char* const> names;
 };
 
+/// A setting that is 0 or above.
+struct NonNegative {
+  double Settings::*field;
+};
+
 /// The tool's own end of a code: nothing that a user sets.
 struct Internal {};
 
 using SettingField =
-    std::variant<Internal, int Settings::*, std::optional<int> Settings::*, double Settings::*,
+    std::variant<Internal, int Settings::*, std::optional<int> Settings::*, double Settings::*, NonNegative,
                  FrameCount Settings::*, std::string Settings::*, bool Settings::*, Choice>;
 
 struct Setting {

@@ -28,6 +28,7 @@ const char* TypeName(const Setting& setting) {
     const char* operator()(int Settings::*) const { return "N"; }
     const char* operator()(std::optional<int> Settings::*) const { return "N"; }
     const char* operator()(double Settings::*) const { return "NUMBER"; }
+    const char* operator()(const NonNegative&) const { return "NUMBER"; }
     const char* operator()(FrameCount Settings::*) const { return "TIME"; }
     const char* operator()(std::string Settings::*) const { return "FILE"; }
     const char* operator()(bool Settings::*) const { return ""; }

@@ -45,6 +45,9 @@ Json ParsedFile(const std::string& path) {
         std::string_view(text).substr(0, std::max(fault.byte, std::size_t{1}) - 1);
     const auto line = 1 + std::ranges::count(before, '\n');
     throw Failure(path + ":" + std::to_string(line) + ": " + ReasonOf(fault));
+  } catch (const Json::out_of_range& fault) {  // a number past every type
+    const std::string_view told = fault.what();
+    throw Failure(path + ": " + std::string(told.substr(told.find("] ") + 2)));
   }
 }
 

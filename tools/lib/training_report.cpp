@@ -11,6 +11,9 @@
 namespace stopngo {
 namespace {
 
+constexpr double kLeastLoss =
+    1e-6;  // that is shown: easy clips bring it down to 0, where the axis has no end
+
 PlotSeries Series(const Training& training, double LearningPoint::*loss, const std::string& name,
                   Colour colour) {
   PlotSeries series{name, {}, colour};
@@ -36,6 +39,7 @@ void WriteLearningCurves(std::ostream& out, std::span<const Training> trainings)
       plot.y.high = std::max({plot.y.high, point.training, point.validation});
     }
   }
+  plot.y.low = std::clamp(plot.y.low, kLeastLoss, 0.9 * plot.y.high);
   if (!WritePlot(out, plot)) throw Failure("the report could not be written");
 }
 
