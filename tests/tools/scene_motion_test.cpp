@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "scene_path.h"
-#include "scene_sensor.h"
 #include "scene_shake.h"
 
 namespace stopngo {
@@ -126,17 +125,6 @@ TEST(Shake, StaysWithinItsReachAndMovesAsFarAsAsked) {
   const Shake still(calm, 3);
   EXPECT_EQ(still.At(5, 0).y, 0);
   EXPECT_NE(still.At(5, 10).y, 0) << "the road shakes what drives";
-}
-
-TEST(Sensor, ExposureChangesMultiply) {
-  SensorOptions options;
-  options.gain = 0.8;
-  options.exposure = {{2, 1, 1.5}, {5, 0, 0.5}};
-  const Sensor sensor(options, {0, 0, 8, 8, 8, 8}, 1);
-  EXPECT_DOUBLE_EQ(sensor.Gain(0), 0.8);
-  EXPECT_DOUBLE_EQ(sensor.Gain(2.5), 0.8 * 1.25);
-  EXPECT_DOUBLE_EQ(sensor.Gain(4), 0.8 * 1.5);
-  EXPECT_DOUBLE_EQ(sensor.Gain(6), 0.8 * 1.5 * 0.5);
 }
 
 }  // namespace

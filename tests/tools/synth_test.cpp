@@ -19,6 +19,7 @@
 #include "frame_source.h"
 #include "scene.h"
 #include "scene_script.h"
+#include "scene_sensor.h"
 #include "video_sink.h"
 
 namespace stopngo::test {
@@ -180,6 +181,17 @@ TEST(Synth, SensorNoiseIsAsStrongAsAsked) {
   ASSERT_GT(count, 1000);
   EXPECT_NEAR(sum / count, 0, 0.15);
   EXPECT_NEAR(std::sqrt(squares / count), 4, 0.3);
+}
+
+TEST(Synth, ExposureChangesMultiply) {
+  SensorOptions options;
+  options.gain = 0.8;
+  options.exposure = {{2, 1, 1.5}, {5, 0, 0.5}};
+  const Sensor sensor(options, {0, 0, 8, 8, 8, 8}, 1);
+  EXPECT_DOUBLE_EQ(sensor.Gain(0), 0.8);
+  EXPECT_DOUBLE_EQ(sensor.Gain(2.5), 0.8 * 1.25);
+  EXPECT_DOUBLE_EQ(sensor.Gain(4), 0.8 * 1.5);
+  EXPECT_DOUBLE_EQ(sensor.Gain(6), 0.8 * 1.5 * 0.5);
 }
 
 // A shutter of 16 ms, a frame in every 16 ms: each is the mean of two of another camera that takes one every
