@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -211,15 +212,31 @@ class Rendering {
       counts_.Add(report);
       overlay_.Record(report);
       const bool still_wanted = still_.Wants(report);
+      if (sink_) FillGap(report.time_s);
       if (sink_ || still_wanted) overlay_.Draw(frame, report, detector_.Context());
       if (still_wanted) still_.Take(overlay_.Picture(), report.time_s);
-      if (sink_) sink_->Write(overlay_.Picture().Pixels());
+      if (sink_) WritePicture();
       if (progress) progress->Step();
     }
     if (counts_.frames == 0) throw Failure(arguments_.source.input + ": holds no frames");
     if (!still_.WantsLast()) return;
     overlay_.Draw(frame, report, detector_.Context());
     still_.Take(overlay_.Picture(), report.time_s);
+  }
+
+  void WritePicture() {
+    sink_->Write(overlay_.Picture().Pixels());
+    ++pictures_;
+  }
+
+  /// The last picture again for as long as the recording has none, so that the video keeps its times.
+  void FillGap(double time_s) {
+    constexpr double kLongest_s = 600;  // beyond it a clock was set, and nothing is missing
+    const double fps = Info().fps;
+    const double missing = std::round((time_s - left_out_s_) * fps) - static_cast<double>(pictures_);
+    if (missing > kLongest_s * fps) left_out_s_ += missing / fps;
+    if (pictures_ == 0 || missing > kLongest_s * fps) return;
+    for (double filled = 0; filled < missing; ++filled) WritePicture();
   }
 
   const RenderArguments& arguments_;
@@ -232,6 +249,8 @@ class Rendering {
   std::optional<OutputFile> debug_;  ///< receives the debug framebuffer, where --debug-fb asks for it
   std::unique_ptr<VideoSink> sink_;  ///< none when only a still picture is wanted
   Counts counts_;
+  std::int64_t pictures_ = 0;  ///< written to the sink
+  double left_out_s_ = 0;      ///< of the recording's time
 };
 
 void Render(RenderArguments& arguments) {

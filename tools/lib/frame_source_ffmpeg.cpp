@@ -13,6 +13,7 @@ extern "C" {
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 
 #include "failure.h"
 #include "frame_source_parts.h"
@@ -100,6 +101,7 @@ class FfmpegSource : public FrameSource {
     if (IsText(stream_->codecpar->codec_id)) Fail("no video in it, only text");
     OpenDecoder(decoder);
     Describe();
+    TakeOrientation();
   }
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
@@ -114,6 +116,7 @@ class FfmpegSource : public FrameSource {
     frame.index = index_;
     frame.time_s = Time();
     TakeLuma(frame.pixels);
+    if (upside_down_) std::reverse(frame.pixels.begin(), frame.pixels.end());
     ++index_;
     return true;
   }
@@ -142,6 +145,18 @@ class FfmpegSource : public FrameSource {
     }
     info_.description = name_ + ": " + avcodec_get_name(stream_->codecpar->codec_id) + ", " +
                         std::to_string(info_.width) + " x " + std::to_string(info_.height);
+  }
+
+  // A camera mounted upside down writes its pictures so, and beside them how they are to be turned.
+  void TakeOrientation() {
+    const std::uint8_t* const data = av_stream_get_side_data(stream_, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (data == nullptr) return;
+    std::array<std::int32_t, 9> matrix{};
+    std::memcpy(matrix.data(), data, sizeof matrix);
+    const bool straight = matrix[1] == 0 && matrix[3] == 0;
+    const bool upright = straight && matrix[0] > 0 && matrix[4] > 0;
+    upside_down_ = straight && matrix[0] < 0 && matrix[4] < 0;
+    if (!upright && !upside_down_) Fail("its pictures are to be turned or mirrored; have them written anew");
   }
 
   // Fills frame_ with the next picture; false at the end.
@@ -173,11 +188,20 @@ class FfmpegSource : public FrameSource {
     }
   }
 
+  // Recordings joined from pieces may start their clock anew in the middle: it goes on where it stood.
   double Time() {
+    const double unit_s = av_q2d(stream_->time_base);
     const std::int64_t stamp = frame_->best_effort_timestamp;
-    if (stamp == AV_NOPTS_VALUE) return static_cast<double>(index_) / info_.fps;
-    if (index_ == 0) first_stamp_ = stamp;
-    return static_cast<double>(stamp - first_stamp_) * av_q2d(stream_->time_base);
+    const bool stamped = stamp != AV_NOPTS_VALUE;
+    double time_s = static_cast<double>(index_) / info_.fps;
+    if (stamped && !zero_) zero_ = stamp - std::llround(time_s / unit_s);
+    if (stamped) time_s = static_cast<double>(stamp - *zero_) * unit_s;
+    if (time_s < last_s_) {
+      time_s = last_s_ + 1 / info_.fps;
+      if (stamped) zero_ = stamp - std::llround(time_s / unit_s);
+    }
+    last_s_ = time_s;
+    return time_s;
   }
 
   void TakeLuma(std::vector<std::uint8_t>& pixels) {
@@ -225,12 +249,13 @@ class FfmpegSource : public FrameSource {
     }
   }
 
-  // RGB, palettes, single bits: full-range grey, so that a grey picture gives its own values.
+  // RGB, palettes, single bits: full-range grey, so that a grey picture gives its own values. Without the
+  // name of a method the library would set up the conversion anew for every frame.
   void ConvertToGrey(std::vector<std::uint8_t>& pixels) {
     const auto format = static_cast<AVPixelFormat>(frame_->format);
-    converter_.reset(sws_getCachedContext(converter_.release(), frame_->width, frame_->height, format,
-                                          frame_->width, frame_->height, AV_PIX_FMT_GRAY8,
-                                          SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
+    converter_.reset(sws_getCachedContext(
+        converter_.release(), frame_->width, frame_->height, format, frame_->width, frame_->height,
+        AV_PIX_FMT_GRAY8, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
     if (!converter_) Fail(std::string("frames of the pixel format ") + av_get_pix_fmt_name(format));
     constexpr std::size_t kPadding = 64;  // swscale's vector code writes past the last pixel
     pixels.reserve(pixels.size() + kPadding);
@@ -248,7 +273,9 @@ class FfmpegSource : public FrameSource {
   AVStream* stream_ = nullptr;  ///< belongs to input_
   SourceInfo info_;
   std::int64_t index_ = 0;
-  std::int64_t first_stamp_ = 0;
+  std::optional<std::int64_t> zero_;  ///< the stamp of time 0, in the stream's units
+  double last_s_ = 0;
+  bool upside_down_ = false;  ///< as the pictures are stored
   std::vector<std::uint16_t> words_;
 };
 

@@ -10,6 +10,7 @@ extern "C" {
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -57,8 +58,11 @@ const AVCodec* FindEncoder(const AVOutputFormat* format) {
   const std::array<const AVCodec*, 3> candidates{avcodec_find_encoder_by_name("libx264"),
                                                  avcodec_find_encoder_by_name("mpeg4"),
                                                  avcodec_find_encoder_by_name("libvpx-vp9")};
-  const auto fits = [format](const AVCodec* codec) {
-    if (codec == nullptr || avformat_query_codec(format, codec->id, FF_COMPLIANCE_NORMAL) != 1) return false;
+  // Of transport streams the library cannot tell what they hold; they hold any of these but the last.
+  const bool transport = std::strcmp(format->name, "mpegts") == 0;
+  const auto fits = [format, transport](const AVCodec* codec) {
+    if (codec == nullptr) return false;
+    if (!transport && avformat_query_codec(format, codec->id, FF_COMPLIANCE_NORMAL) != 1) return false;
     const AVPixelFormat* pixels = codec->pix_fmts;
     while (pixels != nullptr && *pixels != kEncoded && *pixels != AV_PIX_FMT_NONE) pixels++;
     return pixels == nullptr || *pixels == kEncoded;
