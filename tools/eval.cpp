@@ -13,6 +13,7 @@
 #include "evaluation.h"
 #include "failure.h"
 #include "figures.h"
+#include "interruption.h"
 #include "output_file.h"
 #include "print.h"
 #include "results.h"
@@ -64,6 +65,7 @@ class Evaluation {
       throw Failure("--curve: " + picture + " is the plot's name; name the table, FILE.tsv",
                     ExitCode::kUsage);
     }
+    RefuseOverwriting(std::vector{arguments.curve, picture}, options_.Files());
     curve_table_.emplace(arguments.curve);
     curve_plot_.emplace(picture);
   }
@@ -76,6 +78,7 @@ class Evaluation {
         settings.back().threshold = threshold;
       }
     }
+    if (curve_table_) CatchInterruption();  // which leaves time to remove the unfinished files
     runs_ = RunClips(clips_, {"eval", settings, !arguments_.baselines.empty(), options_.jobs});
     RunBaselines();
     if (curve_table_) WriteCurveFiles(settings);
@@ -160,7 +163,7 @@ class Evaluation {
                 {"time", event.time_s}};
       if (event.during) json["during"] = NameOf(*event.during);
       if (event.verdict == Verdict::kRight) json["delay_s"] = event.delay_s;
-      WriteResult(json.dump());
+      WriteResult(JsonLine(json));
     });
     for (const NamedTally& kind : TallyKinds(clips_, runs_, 0)) {
       TellFigures({{"type", "kind"}, {"kind", kind.name}}, kind.tally);
@@ -180,7 +183,7 @@ class Evaluation {
 
   static void TellFigures(Json json, const Tally& tally) {
     json.update(FigureJson(tally));
-    WriteResult(json.dump());
+    WriteResult(JsonLine(json));
   }
 
   const EvalArguments& arguments_;

@@ -11,7 +11,6 @@
 #include "failure.h"
 #include "results.h"
 #include "subcommands.h"
-#include "system_error.h"
 
 namespace stopngo {
 namespace {
@@ -61,14 +60,13 @@ int Execute(int argc, char** argv) {
 void FinishOutput() {
   errno = 0;
   std::cout.flush();
-  if (!std::cout || std::fflush(stdout) != 0) throw Failure("standard output: " + LastSystemError());
+  if (!std::cout || std::fflush(stdout) != 0) FailOutput();
 }
 
 int Main(int argc, char** argv) {
   // A pipe that is no longer read shows as a failed write, which leaves time to remove unfinished files.
   std::signal(SIGPIPE, SIG_IGN);
   const auto tell = [](const char* sentence, ExitCode code) {
-    if (NobodyReadsResults()) return kFailed;
     std::cerr << "stopngo: " << sentence << '\n';
     return static_cast<int>(code);
   };
@@ -76,6 +74,8 @@ int Main(int argc, char** argv) {
     const int code = Execute(argc, argv);
     FinishOutput();
     return code;
+  } catch (const NobodyReads&) {
+    return kFailed;
   } catch (const Failure& failure) {
     return tell(failure.what(), failure.Code());
   } catch (const std::exception& fault) {

@@ -10,8 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
+#include <vector>
 
 #include "debug_picture.h"
 #include "detector.h"
@@ -57,11 +57,6 @@ struct RenderArguments {
 
 bool IsPng(const std::string& path) { return std::filesystem::path(path).extension() == ".png"; }
 
-bool SameFile(const std::string& a, const std::string& b) {
-  std::error_code neither_exists;
-  return a == b || std::filesystem::equivalent(a, b, neither_exists);
-}
-
 /// The paths that are written; at least one of them is set.
 struct Outputs {
   std::string video;
@@ -79,11 +74,9 @@ Outputs OutputsOf(const RenderArguments& arguments) {
   }
   Outputs outputs{arguments.output, arguments.still};
   if (picture_only) std::swap(outputs.video, outputs.still);
-  if (outputs.video == outputs.still) refuse("--still: " + outputs.still + " is the output already");
-  for (const std::string& path : {outputs.video, outputs.still}) {
-    const bool file = !path.empty() && path != "-";
-    if (file && SameFile(path, arguments.source.input)) refuse(path + ": is the input");
-  }
+  std::vector<std::string> inputs = arguments.options.Files();
+  inputs.push_back(arguments.source.input);
+  RefuseOverwriting(std::vector{outputs.video, outputs.still, arguments.settings.debug_fb}, inputs);
   return outputs;
 }
 
@@ -156,7 +149,7 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
     line["alarms"] = counts.alarms;
     if (counts.first_alarm_s) line["first_alarm_s"] = *counts.first_alarm_s;
     if (still_s) line["still"] = {{"file", outputs.still}, {"time_s", *still_s}};
-    return line.dump();
+    return JsonLine(line);
   }
   std::string text = outputs.video.empty() ? arguments.source.input : outputs.video;
   text += ": " + std::to_string(counts.frames) + " frames, " + std::to_string(counts.alarms) +

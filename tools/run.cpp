@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "debug_picture.h"
 #include "detector.h"
@@ -50,6 +51,9 @@ std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
 
 void Run::operator()() {
   options.Complete();
+  std::vector<std::string> inputs = options.Files();
+  inputs.push_back(source.input);
+  RefuseOverwriting(std::vector{trace, settings.debug_fb}, inputs);
   const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source, settings));
   const Module module;
   Detector detector(module, settings, frames->Info());

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "failure.h"
+#include "interruption.h"
 #include "output_file.h"
 #include "progress.h"
 #include "results.h"
@@ -163,7 +164,7 @@ std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_jso
       line["labels"].push_back(
           {{"start_s", label.start_s}, {"end_s", label.end_s}, {"label", NameOf(label.activity)}});
     }
-    return line.dump();
+    return JsonLine(line);
   }
   std::string text = arguments.output + ": " + scene["frames"].dump() + " frames of " + arguments.size +
                      " at " + Text(scene["fps"]) + " a second, region " + scene["roi"].dump();
@@ -175,10 +176,12 @@ std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_jso
 }
 
 void Render(const Scene& scene, const SceneOptions& options, VideoSink& sink) {
+  CatchInterruption();
   Progress progress("Rendering", scene.Frames());
   std::vector<std::uint8_t> luma(static_cast<std::size_t>(options.width) *
                                  static_cast<std::size_t>(options.height));
   for (std::int64_t frame = 0; frame < scene.Frames(); frame++) {
+    if (Interrupted()) throw Failure("interrupted");
     scene.Render(frame, luma);
     sink.Write(luma);
     progress.Step();

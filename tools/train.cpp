@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -19,6 +20,7 @@
 #include "failure.h"
 #include "figures.h"
 #include "manifest.h"
+#include "memory_file.h"
 #include "output_file.h"
 #include "parallel.h"
 #include "progress.h"
@@ -55,15 +57,32 @@ struct TrainingOptions {
   TrainerOptions trainer;
 };
 
+/// Clips, and the manifests that name them.
+struct ClipSet {
+  std::vector<std::string> manifests;
+  std::vector<Clip> clips;
+  nlohmann::ordered_json files = nlohmann::ordered_json::array();  ///< the manifests as they were read
+
+  void Read(const Settings& settings) {
+    clips = ReadManifests(manifests, settings);
+    for (const std::string& path : manifests) {
+      files.push_back(
+          {{"file", std::filesystem::path(path).filename().string()}, {"sha256", Sha256OfFile(path)}});
+    }
+  }
+};
+
 class TrainCommand {
  public:
   explicit TrainCommand(CLI::App& app);
   void operator()();
 
  private:
+  void RefuseSettings() const;
   void ReadClips();
   void RefuseUnwritable() const;
-  [[nodiscard]] nlohmann::ordered_json TestFigures() const;
+  void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
+  [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
   [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
                                                   const char* title, int looks) const;
@@ -73,21 +92,20 @@ class TrainCommand {
   Settings settings_;
   SettingsOptions options_;
   TrainingOptions training_;
-  std::vector<std::string> manifests_, validation_manifests_, test_manifests_;
+  ClipSet clips_, validation_, test_;
   std::string output_, report_;
   int jobs_ = HardwareJobs();
-  std::vector<Clip> clips_, validation_, test_;
 };
 
 TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
   app.footer(kTrainFooter);
-  app.add_option("manifest", manifests_, "clips to train on")->required()->type_name("MANIFEST");
+  app.add_option("manifest", clips_.manifests, "clips to train on")->required()->type_name("MANIFEST");
   app.add_option("-o,--output", output_, "weights file; its sidecar gets .json behind the name")
       ->required()
       ->type_name("FILE");
-  app.add_option("--validation", validation_manifests_, "clips that tell when to stop")
+  app.add_option("--validation", validation_.manifests, "clips that tell when to stop")
       ->type_name("MANIFEST");
-  app.add_option("--test", test_manifests_, "clips that the figures in the sidecar are taken on")
+  app.add_option("--test", test_.manifests, "clips that the figures in the sidecar are taken on")
       ->type_name("MANIFEST");
   app.add_option("--report", report_, "learning curves as a PNG picture")->type_name("FILE");
   app.add_option("--jobs", jobs_, "threads")
@@ -116,35 +134,63 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
          "limit on validation that the output's bias is moved for", 0.0, 1e6);
 }
 
-std::vector<Clip> ReadAll(const std::vector<std::string>& manifests) {
-  std::vector<Clip> clips;
-  for (const std::string& path : manifests) {
-    for (Clip& clip : ReadManifest(path)) clips.push_back(std::move(clip));
+// What the module and the other commands may take, but no network can be made for.
+void TrainCommand::RefuseSettings() const {
+  const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
+  if (!(settings_.threshold > 0 && settings_.threshold < 1)) {
+    refuse("--threshold: scores lie between 0 and 1, and so has what they are to exceed");
   }
-  return clips;
+  if (settings_.rate <= 0 && settings_.time_leaving.seconds) {
+    refuse("--time-leaving: how many frames the seconds are takes a --rate above 0");
+  }
+  const auto features = static_cast<std::uint32_t>(settings_.features);
+  const auto hiddens = static_cast<std::uint32_t>(settings_.hiddens);
+  if (features == 0 || hiddens == 0 || WeightCount(2 * std::uint64_t{features}, hiddens) > kWeightCapacity) {
+    refuse("--features, --hiddens: the module has room for 1 to " + std::to_string(kWeightCapacity) +
+           " weights");
+  }
 }
 
 void TrainCommand::ReadClips() {
-  clips_ = ReadAll(manifests_);
-  validation_ = ReadAll(validation_manifests_);
-  test_ = ReadAll(test_manifests_);
-  if (validation_manifests_.empty()) {
+  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_);
+  if (validation_.manifests.empty()) {
     std::vector<Clip> kept;
-    for (std::size_t i = 0; i < clips_.size(); i++) {
-      (i % kValidationPart == kValidationPart - 1 ? validation_ : kept).push_back(std::move(clips_[i]));
+    for (std::size_t i = 0; i < clips_.clips.size(); i++) {
+      (i % kValidationPart == kValidationPart - 1 ? validation_.clips : kept)
+          .push_back(std::move(clips_.clips[i]));
     }
-    clips_ = std::move(kept);
+    clips_.clips = std::move(kept);
   }
-  if (clips_.empty() || validation_.empty()) {
+  if (clips_.clips.empty() || validation_.clips.empty()) {
     throw Failure("training needs clips, and others for validation: five at least");
   }
 }
 
 // A training of hours is not to end at a folder that is not there.
 void TrainCommand::RefuseUnwritable() const {
-  for (const std::string& path : {output_, report_}) {
-    if (!path.empty()) const OutputFile writable(path);
+  const std::vector<std::string> outputs{output_, SidecarPath(output_), report_};
+  std::vector<std::string> inputs = options_.Files();
+  for (const ClipSet* const set : {&clips_, &validation_, &test_}) {
+    inputs.insert(inputs.end(), set->manifests.begin(), set->manifests.end());
   }
+  RefuseOverwriting(outputs, inputs);
+  std::deque<OutputFile> writable;
+  for (const std::string& path : outputs) {
+    if (!path.empty()) writable.emplace_back(path);
+  }
+}
+
+// Nothing could be learnt from such clips, and no threshold be placed on them.
+void TrainCommand::RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks,
+                                           const std::string& which) const {
+  const std::size_t run = training_.loss.run;
+  for (const FeatureTrack& track : tracks) {
+    for (const DepartureWindow& departure : track.departures) {
+      if (departure.end >= run) return;
+    }
+  }
+  throw Failure("the " + which + " clips show no departure that a run of " + std::to_string(run) +
+                " scores could tell of");
 }
 
 std::vector<FeatureTrack> TrainCommand::Collect(const Module& module, const std::vector<Clip>& clips,
@@ -176,24 +222,17 @@ const Training& BestOf(const std::vector<Training>& trainings) {
 }
 
 nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& trainings) const {
-  const auto files = [](const std::vector<std::string>& paths) {
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const std::string& path : paths) {
-      list.push_back(
-          {{"file", std::filesystem::path(path).filename().string()}, {"sha256", Sha256OfFile(path)}});
-    }
-    return list;
-  };
   nlohmann::ordered_json seeds = nlohmann::ordered_json::array();
   for (std::size_t i = 0; i < trainings.size(); i++) {
     seeds.push_back({{"seed", training_.seed + i},
                      {"iterations", trainings[i].curve.size()},
                      {"validation_loss", trainings[i].validation}});
   }
-  return {{"manifests", files(manifests_)},
-          {"validation", files(validation_manifests_)},
-          {"clips", clips_.size()},
-          {"validation_clips", validation_.size()},
+  return {{"manifests", clips_.files},
+          {"validation", validation_.files},
+          {"test", test_.files},
+          {"clips", clips_.clips.size()},
+          {"validation_clips", validation_.clips.size()},
           {"looks", training_.looks},
           {"iterations", training_.trainer.iterations},
           {"patience", training_.trainer.patience},
@@ -204,19 +243,22 @@ nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& train
           {"seeds", seeds}};
 }
 
-// By kind of clip, of the weights as they were written.
-nlohmann::ordered_json TrainCommand::TestFigures() const {
+// By kind of clip.
+nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
+  const MemoryFile file;  // the output's path may be longer than the module takes
+  WriteWeights(file.Path(), network);
   Settings settings = settings_;
-  settings.weights = output_;
-  const std::vector<ClipRun> runs = RunClips(test_, {"test clips", {&settings, 1}, false, jobs_});
+  settings.weights = file.Path();
+  const std::vector<ClipRun> runs = RunClips(test_.clips, {"test clips", {&settings, 1}, false, jobs_});
   nlohmann::ordered_json figures;
-  for (const NamedTally& kind : TallyKinds(test_, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
+  for (const NamedTally& kind : TallyKinds(test_.clips, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
   figures["all"] = FigureJson(TallyAll(runs, 0));
   return figures;
 }
 
 void TrainCommand::operator()() {
   options_.CompleteWithoutWeights();
+  RefuseSettings();
   training_.loss.run =
       static_cast<std::size_t>(std::max(0, settings_.time_leaving.Frames(settings_.rate))) + 1;
   training_.loss.hiddens = static_cast<std::size_t>(settings_.hiddens);
@@ -224,21 +266,23 @@ void TrainCommand::operator()() {
   ReadClips();
   RefuseUnwritable();
   const Module module;
-  const std::vector<FeatureTrack> tracks = Collect(module, clips_, "training clips", training_.looks);
-  const std::vector<FeatureTrack> unseen = Collect(module, validation_, "validation clips", 1);
+  const std::vector<FeatureTrack> unseen = Collect(module, validation_.clips, "validation clips", 1);
+  RefuseWithoutDepartures(unseen, "validation");
+  const std::vector<FeatureTrack> tracks = Collect(module, clips_.clips, "training clips", training_.looks);
+  RefuseWithoutDepartures(tracks, "training");
   const std::vector<Training> trainings = TrainSeeds(tracks, unseen);
 
   const std::size_t inputs = 2 * tracks.front().features;
   Network network{inputs, training_.loss.hiddens,
                   FileNumbers(BestOf(trainings).parameters, tracks.front().features, training_.loss.hiddens)};
   const Calibration calibration =
-      Calibrate(network, validation_, settings_, training_.false_alarms_per_hour, jobs_);
+      Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_);
   network.numbers.back() += static_cast<float>(calibration.shift);
   WriteWeights(output_, network);
   Sidecar sidecar{inputs, network.hiddens, Sha256OfFile(output_), SidecarSettings(settings_)};
   sidecar.training = Describe(trainings);
   sidecar.figures = {{"validation", FigureJson(calibration.tally)}};
-  if (!test_.empty()) sidecar.figures["test"] = TestFigures();
+  if (!test_.clips.empty()) sidecar.figures["test"] = TestFigures(network);
   WriteSidecar(output_, sidecar);
   if (!report_.empty()) {
     OutputFile report(report_);

@@ -144,7 +144,7 @@ class Search {
       }
       json["within_limit"] = WithinLimit(candidates_[i].tally, options_.false_per_hour);
       json.update(FigureJson(candidates_[i].tally));
-      WriteResult(json.dump());
+      WriteResult(JsonLine(json));
     }
   }
 

@@ -98,6 +98,8 @@ class Inspection {
   }
 
   void WritePicture() const {
+    RefuseOverwriting(std::vector{arguments_.picture},
+                      std::vector{arguments_.file, SidecarPath(arguments_.file)});
     const Canvas picture = DrawNetwork(network_, arguments_.columns);
     OutputFile file(arguments_.picture);
     errno = 0;
@@ -176,7 +178,7 @@ class Inspection {
                       {"sidecar", SidecarState()},
                       {"layers", layers},
                       {"nodes", nodes}};
-    WriteResult(object.dump(-1, ' ', false, Json::error_handler_t::replace));
+    WriteResult(JsonLine(object));
   }
 
   const WeightsArguments& arguments_;

@@ -111,6 +111,15 @@ TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
   EXPECT_NE(text.out.find("\nrecording "), std::string::npos) << text.out;
 }
 
+TEST_F(Steady, NamesThatAreNoUtf8AreTold) {
+  const std::string odd = folder.File("odd.tsv",
+                                      "clip\tregion\trate\tlabels\tkind\nclip.y4m\t-\t-\t0 2 still\tstra\xdf"
+                                      "e\n");
+  const CommandResult json = Stopngo("eval " + kAllFrames + "--json " + odd);
+  ASSERT_EQ(json.exit_code, 0) << json.err;
+  EXPECT_EQ(JsonLines(json.out, "kind").at(0)["kind"], "stra\uFFFDe");
+}
+
 TEST_F(Steady, MissedDeparturesAreListed) {
   const CommandResult text = Stopngo("eval " + kAllFrames + "--threshold 0.5 " + manifest);
   EXPECT_NE(text.out.find("missed     1.000 s  clip.y4m\n"), std::string::npos) << text.out;
@@ -232,6 +241,8 @@ TEST(Eval, RefusesWhatItCannotJudge) {
   const std::string good = folder.File("good.tsv", kLabelledClips + "synth:standing:1\t-\t-\t-\n");
   const std::string bad = folder.File("bad.tsv", kLabelledClips + "synth:standing:2-1\t-\t-\t-\n");
   const std::string text = folder.File("text.tsv", kLabelledClips + "good.tsv\t-\t-\t0 1 still\n");
+  static_cast<void>(folder.File("grey.y4m", Y4mHeader(1) + "FRAME\n" + Plane(0, 0)));
+  const std::string longer = folder.File("longer.tsv", kLabelledClips + "grey.y4m\t-\t-\t0 2.1 still\n");
   struct Case {
     std::string arguments;
     int exit_code;
@@ -240,6 +251,7 @@ TEST(Eval, RefusesWhatItCannotJudge) {
   const std::vector<Case> cases{
       {"eval --no-weights " + good + " " + bad, 1, bad + ":2: clip: '2-1'"},
       {"eval --no-weights " + text, 1, "good.tsv: "},
+      {"eval --no-weights " + longer, 1, "grey.y4m: the last label ends at 2.1 s, the clip at 1 s"},
       {"eval --no-weights --roi-width 0", 2, "MANIFEST"},
       {"eval --no-weights --input-width 640 " + good, 2, "--input-width"},
       {"eval --no-weights --baseline guess " + good, 2, "guess"},

@@ -85,6 +85,7 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
       {row("synth:standing:0-18446744073709551615\t-\t-\t-\t-"), ":4:", "neither a seed nor a range"},
       {row("synth:standing:1\t-\t0\t-\t-"), ":4:", "rate: '0' is no number"},
       {row("synth:standing:1\t-\tinf\t-\t-"), ":4:", "rate: 'inf' is no number"},
+      {row("synth:standing:1\t-\t1e-18\t-\t-"), ":4:", "rate: '1e-18' is no number"},
       {region("1,2,3"), ":4:", "is not X,Y,WIDTH,HEIGHT"},
       {region("-1,0,220,140"), ":4:", "lies outside the picture"},
       {region("600,0,220,140"), ":4:", "lies outside the picture"},

@@ -356,6 +356,7 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {"run - --raw 800" + outputs, 2, {"--raw", "800"}},
       {kRaw + "--raw-fps 0" + outputs, 2, {"--raw-fps"}},
       {"run - --raw 800x480 --rate -1" + outputs, 2, {"--rate"}},
+      {"run - --raw 800x480 --rate 1e-300" + outputs, 2, {"--rate"}},
       {kRaw + "--input-width 0" + outputs, 2, {"--input-width"}},
       {kRaw + "--original-size 1280" + outputs, 2, {"1280 x 720", "800 x 480", "--original-size"}},
       {kRaw + "--lcd-width 0" + outputs, 2, {"--lcd-width"}},

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <sstream>
@@ -62,7 +63,7 @@ TEST_F(TrainTest, WritesTheSameBytesWithAnyNumberOfThreads) {
 }
 
 TEST_F(TrainTest, EveryFifthClipIsKeptApart) {
-  const std::string clips = Manifest("clips.tsv", {"synth:departure:1-3", "synth:standing:1-2"});
+  const std::string clips = Manifest("clips.tsv", {"synth:standing:1", "synth:departure:1-4"});
   const std::string weights = folder_ / "w.bin";
   const CommandResult result =
       Stopngo("train " + clips + " --looks 1 --seeds 1 --iterations 2 -o " + weights);
@@ -70,11 +71,15 @@ TEST_F(TrainTest, EveryFifthClipIsKeptApart) {
   const auto json = nlohmann::json::parse(ReadFile(weights + ".json"));
   EXPECT_EQ(json["training"]["clips"], 4);
   EXPECT_EQ(json["training"]["validation_clips"], 1);
+  EXPECT_EQ(json["figures"]["validation"]["departures"], 1);
 }
 
 TEST_F(TrainTest, RefusesBeforeItBegins) {
   const std::string clips = Manifest("clips.tsv", {"synth:departure:1-20000"});
   const std::string few = Manifest("few.tsv", {"synth:departure:1-4"});
+  const std::string still = Manifest("still.tsv", {"synth:standing:1"});
+  const std::string occupied = folder_ / "occupied";
+  std::filesystem::create_directory(occupied + ".json");
   const std::string nowhere = folder_ / "no/w.bin";
   const std::string weights = " -o " + (folder_ / "w.bin");
   struct Case {
@@ -89,6 +94,18 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
       {folder_ / "none.tsv" + weights, "none.tsv"},
       {clips + weights + " --looks 0", "--looks"},
       {clips + weights + " --decay -1", "--decay"},
+      {clips + weights + " --threshold 1", "--threshold"},
+      {clips + weights + " --threshold -1", "--threshold"},
+      {clips + weights + " --hiddens 0", "--hiddens"},
+      {clips + weights + " --features 4000000000", "--features"},
+      {clips + weights + " --rate 0 --time-leaving 0.5s", "--time-leaving"},
+      {clips + weights + " --original-size 1280", "--original-size"},
+      {clips + weights + " --weights none.bin", "--weights"},
+      {clips + weights + " --report " + folder_ / "./w.bin", "is an output already"},
+      {clips + weights + " --report " + folder_ / "w.bin.json", "is an output already"},
+      {clips + weights + " --validation " + still, "no departure"},
+      {clips + weights + " --validation " + few + " --time-leaving 1000", "run of 1001"},
+      {clips + " -o " + occupied, occupied + ".json"},
       {clips, "--output"},
   };
   const std::size_t files = folder_.Files();

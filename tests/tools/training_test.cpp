@@ -26,7 +26,7 @@ FeatureTrack NoisyTrack(std::uint64_t seed, bool departs) {
   track.features = kFeatures;
   std::vector<double> times_s;
   constexpr double kStart_s = 4;
-  for (int frame = 1; frame <= 80; frame++) {
+  for (int frame = 1; frame <= 88; frame++) {
     const double time_s = frame / kRate;
     times_s.push_back(time_s);
     for (std::size_t i = 0; i < kFeatures; i++) {
@@ -34,8 +34,11 @@ FeatureTrack NoisyTrack(std::uint64_t seed, bool departs) {
       track.histograms.push_back(static_cast<std::int8_t>(random.Below(9) + (moves ? 12U : 0U)));
     }
   }
-  std::vector<LabelSpan> labels{{0, 10, Activity::kStill}};
-  if (departs) labels = {{0, kStart_s, Activity::kStill}, {kStart_s, 7, Activity::kLeadDeparts}};
+  std::vector<LabelSpan> labels{{0, 11, Activity::kStill}};
+  if (departs) {
+    labels = {
+        {0, kStart_s, Activity::kStill}, {kStart_s, 7, Activity::kLeadDeparts}, {7, 11, Activity::kStill}};
+  }
   SetAims(track, times_s, labels);
   return track;
 }
@@ -104,6 +107,7 @@ TEST(AlarmLoss, FramesAroundADepartureAskForNothing) {
   EXPECT_EQ(track.quiet[31], 1);
   EXPECT_EQ(track.quiet[32], 0);
   EXPECT_EQ(track.quiet[79], 0);
+  EXPECT_EQ(track.quiet[80], 1);
 }
 
 TEST(Train, FindsAPlainDifferenceAndRepeatsItself) {

@@ -187,6 +187,15 @@ TEST_F(WeightsTest, OptionsWinOverTheFileTheFileOverTheSidecarTheSidecarOverDefa
   ExpectWords(FailureOf([&] { (void)Completed({"--config", both}); }), {"both.toml", "exclude"});
 }
 
+TEST_F(WeightsTest, CountsPastEveryTypeAreOfTheSidecar) {
+  const std::string path = ZeroWeights("w.bin");
+  for (const char* const inputs : {"1099511627776", "18446744073709551615"}) {
+    (void)folder_.File("w.bin.json", R"({"format": 1, "hiddens": 16, "sha256": ")" + Sha256OfFile(path) +
+                                         R"(", "inputs": )" + inputs + "}");
+    ExpectWords(FailureOf([&] { (void)Completed({"--weights", path}); }), {"w.bin.json", "features"});
+  }
+}
+
 TEST_F(WeightsTest, CountsComeFromTheSidecar) {
   const std::string path = folder_ / "small.bin";
   WriteWeights(path, SmallNetwork());

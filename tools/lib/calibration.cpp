@@ -2,14 +2,11 @@
 #include "calibration.h"
 
 #include <cstddef>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <system_error>
+#include <deque>
 #include <vector>
 
 #include "evaluation.h"
-#include "failure.h"
+#include "memory_file.h"
 
 namespace stopngo {
 namespace {
@@ -18,26 +15,12 @@ namespace {
 constexpr double kStep = 0.25;
 constexpr int kSteps = 24;  // to either side
 
-/// For the copies: the module takes weights from files alone.
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "stopngo-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw Failure("no temporary folder can be made at " + name);
-    path_ = name;
-  }
-  ~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-  [[nodiscard]] std::string File(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
+/// 0 first, then ever farther from it: of results that are alike the first is taken.
+std::vector<double> Shifts() {
+  std::vector<double> shifts{0};
+  for (int step = 1; step <= kSteps; step++) shifts.insert(shifts.end(), {-kStep * step, kStep * step});
+  return shifts;
+}
 
 }  // namespace
 
@@ -45,15 +28,14 @@ class ScratchFolder {
 // clearly below the threshold, in whole tenths, and for none at all where the threshold is below 0.2.
 Calibration Calibrate(const Network& network, std::span<const Clip> clips, const Settings& settings,
                       double false_per_hour, int jobs) {
-  const ScratchFolder folder;
+  const std::vector<double> shifts = Shifts();
+  std::deque<MemoryFile> files;  // the module takes weights from files alone
   std::vector<Settings> tried;
-  std::vector<double> shifts;
-  for (int step = -kSteps; step <= kSteps; step++) {
-    shifts.push_back(kStep * step);
+  for (const double shift : shifts) {
     Network shifted = network;
-    shifted.numbers.back() += static_cast<float>(shifts.back());
+    shifted.numbers.back() += static_cast<float>(shift);
     tried.push_back(settings);
-    tried.back().weights = folder.File(std::to_string(step));
+    tried.back().weights = files.emplace_back().Path();
     WriteWeights(tried.back().weights, shifted);
   }
   const std::vector<ClipRun> runs = RunClips(clips, {"calibrating", tried, false, jobs});

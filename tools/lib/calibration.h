@@ -17,7 +17,7 @@ struct Calibration {
 
 /// settings: with the decision that the scores are to suit; their weights do not matter. Runs the module
 /// itself over the clips, with copies of the network side by side whose biases differ, and picks the best:
-/// see Better. The copies lie in a folder of their own for temporary files meanwhile. Throws Failure.
+/// see Better; of biases that do equally well, the one moved least. Throws Failure.
 Calibration Calibrate(const Network& network, std::span<const Clip> clips, const Settings& settings,
                       double false_per_hour, int jobs);
 

@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "frame_source_scene.h"
+#include "print.h"
 #include "settings.h"
 
 namespace stopngo {
@@ -57,6 +58,21 @@ OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
 OpenedClip OpenClip(const Clip& clip, double rate, int margin) {
   const double handed_over = clip.rate.value_or(rate);
   return clip.IsScene() ? OpenScene(clip, handed_over, margin) : OpenRecording(clip, handed_over);
+}
+
+void CheckEnd(const OpenedClip& clip, double last_s) {
+  constexpr double kRounding_s = 1;  // of times that people write
+  if (clip.labels.empty()) return;
+  const double end_s = last_s + 1 / clip.frames->Info().fps;
+  const double labelled_s = clip.labels.back().end_s;
+  if (labelled_s <= end_s + kRounding_s) return;
+  throw Failure(Print("the last label ends at %.6g s, the clip at %.6g s", labelled_s, end_s));
+}
+
+Failure NamingClip(const Clip& clip, const Failure& failure) {
+  const std::string reason = failure.what();
+  const bool named = reason.find(clip.name) != std::string::npos;
+  return Failure(named ? reason : clip.name + ": " + reason, failure.Code());
 }
 
 }  // namespace stopngo

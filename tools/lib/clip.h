@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "failure.h"
 #include "frame_source.h"
 #include "label.h"
 #include "scene.h"
@@ -48,5 +49,12 @@ struct OpenedClip {
 /// outside its region. The scene is that of the whole picture; noise and the blocks of compression are
 /// drawn for the part. Any number of threads may open and read clips at once. Throws Failure.
 OpenedClip OpenClip(const Clip& clip, double rate, int margin);
+
+/// For after the last frame, which came at last_s: throws Failure when labels go on for more than a second. A
+/// recording that was cut short, or labels of another one, would count as time without a false alarm.
+void CheckEnd(const OpenedClip& clip, double last_s);
+
+/// The failure with the clip's name, where it does not have it yet.
+Failure NamingClip(const Clip& clip, const Failure& failure);
 
 }  // namespace stopngo

@@ -160,7 +160,7 @@ Detector::Detector(const Module& module, const Settings& settings, const SourceI
         state.Control(code, (settings.*field).value_or(state.source.width));
       }
       void operator()(double Settings::*field) const { state.Control(code, settings.*field); }
-      void operator()(const NonNegative& number) const { state.Control(code, settings.*number.field); }
+      void operator()(const RateField& number) const { state.Control(code, settings.*number.field); }
       void operator()(FrameCount Settings::*field) const {
         state.Control(code, (settings.*field).Frames(state.source.fps));
       }

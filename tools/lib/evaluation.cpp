@@ -9,22 +9,13 @@
 #include <optional>
 
 #include "failure.h"
+#include "interruption.h"
 #include "manifest.h"
 #include "parallel.h"
 #include "progress.h"
 
 namespace stopngo {
 namespace {
-
-/// Regions lie in one picture, and frames come in its size: what else settings say of them has no place.
-void CheckSettings(const Settings& settings) {
-  const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
-  if (settings.input_width != kPictureWidth || settings.input_height != kPictureHeight) {
-    refuse("--input-width, --input-height: clips of manifests are taken at 800 x 480");
-  }
-  if (settings.original_size) refuse("--original-size: clips of manifests are taken at 800 x 480");
-  if (!settings.debug_fb.empty()) refuse("--debug-fb: there is one picture, and many clips");
-}
 
 /// The settings with the place of a clip's region in its frames.
 Settings SettingsFor(const OpenedClip& clip, Settings settings) {
@@ -65,7 +56,9 @@ class ClipRunner {
 
   ClipRun Run() {
     LumaFrame frame;
+    double last_s = 0;
     while (clip_.frames->Next(frame)) {
+      last_s = frame.time_s;
       for (std::size_t i = 0; i < detectors_.size(); ++i) {
         const FrameReport report = detectors_[i]->Write(frame);
         if (report.changed && report.decision == 1) run_.alarms[i].push_back(report.time_s);
@@ -73,6 +66,7 @@ class ClipRunner {
       if (!watcher_ || !watcher_->Write(frame).analysed) continue;
       run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
     }
+    CheckEnd(clip_, last_s);
     return std::move(run_);
   }
 
@@ -102,17 +96,13 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
 
 std::vector<Clip> EvaluationOptions::Clips() {
   options_.Complete();
-  CheckSettings(settings);
-  std::vector<Clip> clips;
-  for (const std::string& manifest : manifests) {
-    const std::vector<Clip> more = ReadManifest(manifest);
-    clips.insert(clips.end(), more.begin(), more.end());
-  }
-  for (Clip& clip : clips) {
-    if (clip.region || clip.IsScene()) continue;
-    clip.region = SceneRegion{settings.roi_x, settings.roi_y, settings.roi_width, settings.roi_height};
-  }
-  return clips;
+  return ReadManifests(manifests, settings);
+}
+
+std::vector<std::string> EvaluationOptions::Files() const {
+  std::vector<std::string> files = options_.Files();
+  files.insert(files.end(), manifests.begin(), manifests.end());
+  return files;
 }
 
 std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options) {
@@ -123,12 +113,11 @@ std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& opt
   if (options.settings.front().log <= 0) progress.emplace(options.title, std::ssize(clips));
   std::mutex drawing;
   InParallel(clips.size(), options.jobs, [&](std::size_t i) {
+    if (Interrupted()) throw Failure("interrupted");
     try {
       runs[i] = ClipRunner(module, options, clips[i]).Run();
     } catch (const Failure& failure) {
-      const std::string reason = failure.what();
-      const bool named = reason.find(clips[i].name) != std::string::npos;
-      throw Failure(named ? reason : clips[i].name + ": " + reason, failure.Code());
+      throw NamingClip(clips[i], failure);
     }
     const std::lock_guard lock(drawing);
     if (progress) progress->Step();

@@ -23,6 +23,8 @@ struct EvaluationOptions {
   explicit EvaluationOptions(CLI::App& app);
   /// The clips of all manifests, after the configuration was loaded. Throws Failure.
   std::vector<Clip> Clips();
+  /// What is read beside the clips: manifests, configuration, weights.
+  [[nodiscard]] std::vector<std::string> Files() const;
 
   Settings settings;
   std::vector<std::string> manifests;

@@ -23,7 +23,7 @@ struct Figure {
   const char* name;
   Number (*of)(const Tally&);
 };
-constexpr std::array<Figure, 16> kFigures{{
+constexpr std::array<Figure, 17> kFigures{{
     {"clips", [](const Tally& t) { return Number(t.clips); }},
     {"departures", [](const Tally& t) { return Number(t.departures); }},
     {"right", [](const Tally& t) { return Number(t.right); }},
@@ -41,6 +41,8 @@ constexpr std::array<Figure, 16> kFigures{{
      [](const Tally& t) { return t.FalseStanding() ? Number(t.FalseStanding()->bound) : Number(); }},
     {"false_per_hour_driving",
      [](const Tally& t) { return t.FalseDriving() ? Number(t.FalseDriving()->value) : Number(); }},
+    {"false_per_hour_driving_bound",
+     [](const Tally& t) { return t.FalseDriving() ? Number(t.FalseDriving()->bound) : Number(); }},
     {"delay_median_s", [](const Tally& t) { return t.Delay_s(kMedian); }},
     {"delay_p90_s", [](const Tally& t) { return t.Delay_s(kLate); }},
 }};

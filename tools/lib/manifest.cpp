@@ -11,6 +11,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "failure.h"
 #include "system_error.h"
@@ -91,7 +92,9 @@ SceneRegion RegionOf(std::string_view text) {
 
 double RateOf(std::string_view text) {
   const std::optional<double> rate = FiniteOf(text);
-  if (!rate || *rate <= 0) throw Fault{"rate: " + Quoted(text) + " is no number of frames a second above 0"};
+  if (!rate || *rate < kLowestRate) {
+    throw Fault{"rate: " + Quoted(text) + " is no number of frames a second, or below 0.01"};
+  }
   return *rate;
 }
 
@@ -180,6 +183,16 @@ void AddRecording(std::string_view text, std::string_view labels, const std::fil
   clips.push_back(std::move(clip));
 }
 
+/// Regions lie in one picture, and frames come in its size: what else settings say of them has no place.
+void CheckSettings(const Settings& settings) {
+  const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
+  if (settings.input_width != kPictureWidth || settings.input_height != kPictureHeight) {
+    refuse("--input-width, --input-height: clips of manifests are taken at 800 x 480");
+  }
+  if (settings.original_size) refuse("--original-size: clips of manifests are taken at 800 x 480");
+  if (!settings.debug_fb.empty()) refuse("--debug-fb: there is one picture, and many clips");
+}
+
 /// Which column of a line holds what.
 using Layout = std::vector<Column>;
 
@@ -251,6 +264,19 @@ std::vector<Clip> ReadManifest(const std::string& path) {
   }
   if (!file.eof()) throw Failure(path + ": " + LastSystemError());
   if (clips.empty()) throw Failure(path + ": names no clips");
+  return clips;
+}
+
+std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings) {
+  CheckSettings(settings);
+  std::vector<Clip> clips;
+  for (const std::string& path : paths) {
+    for (Clip& clip : ReadManifest(path)) clips.push_back(std::move(clip));
+  }
+  for (Clip& clip : clips) {
+    if (clip.region || clip.IsScene()) continue;
+    clip.region = SceneRegion{settings.roi_x, settings.roi_y, settings.roi_width, settings.roi_height};
+  }
   return clips;
 }
 

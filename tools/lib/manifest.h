@@ -1,10 +1,12 @@
 // manifest.h: lists of labelled clips, as files.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
 #include "clip.h"
+#include "settings.h"
 
 namespace stopngo {
 
@@ -16,5 +18,9 @@ namespace stopngo {
 ///   kind    the group that the clip counts in (optional); "-": the scene's kind, or "recording"
 /// Throws Failure naming file, line and reason.
 std::vector<Clip> ReadManifest(const std::string& path);
+
+/// The clips of several manifests; a recording without a region gets that of the settings. Throws Failure,
+/// also when the settings ask for what clips have no place for: frames of another size, a debug framebuffer.
+std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings);
 
 }  // namespace stopngo

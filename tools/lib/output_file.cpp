@@ -2,6 +2,8 @@
 #include "output_file.h"
 
 #include <filesystem>
+#include <mutex>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -11,40 +13,109 @@
 namespace stopngo {
 namespace {
 
-// Devices and pipes have no name beside them to write to first. A symbolic link (/dev/stdout is one)
-// has to stay a link, which a rename would replace.
-bool WrittenInPlace(const std::string& path) {
+namespace fs = std::filesystem;
+
+constexpr int kMostLinks = 40;  // as many as the kernel follows
+
+/// The kernel's links to files that a process has open: a rename would leave their holder the old file.
+bool LeadsToOpenFile(const fs::path& link) {
   std::error_code ignored;
-  const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
-  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+  return fs::weakly_canonical(link.parent_path(), ignored).string().starts_with("/proc/");
+}
+
+/// Where a chain of links ends.
+fs::path BehindLinks(fs::path path) {
+  std::error_code error;
+  for (int i = 0; i < kMostLinks && fs::is_symlink(path, error) && !LeadsToOpenFile(path); ++i) {
+    path = path.parent_path() / fs::read_symlink(path, error);
+  }
+  return path;
+}
+
+/// Names that outputs are being written to, and that no other one may take meanwhile.
+class WorkingPaths {
+ public:
+  bool Take(const std::string& path) {
+    const std::lock_guard lock(changing_);
+    return taken_.insert(OneName(path)).second;
+  }
+  void Release(const std::string& path) {
+    const std::lock_guard lock(changing_);
+    taken_.erase(OneName(path));
+  }
+
+ private:
+  static fs::path OneName(const std::string& path) {
+    std::error_code error;
+    const fs::path name = fs::weakly_canonical(path, error);
+    return error ? fs::path(path) : name;
+  }
+
+  std::mutex changing_;
+  std::set<fs::path> taken_;
+};
+
+WorkingPaths& Working() {
+  static WorkingPaths paths;
+  return paths;
+}
+
+// Devices and pipes have no name beside them to write to first.
+bool WrittenInPlace(const fs::path& target) {
+  std::error_code ignored;
+  const fs::file_status status = fs::symlink_status(target, ignored);
+  return fs::exists(status) && !fs::is_regular_file(status);
 }
 
 }  // namespace
 
 OutputFile::OutputFile(std::string path)
-    : path_(std::move(path)), working_path_(WrittenInPlace(path_) ? path_ : path_ + ".part") {
+    : path_(std::move(path)),
+      target_(BehindLinks(path_).string()),
+      working_path_(WrittenInPlace(target_) ? target_ : target_ + ".part") {
+  const bool in_place = working_path_ == target_;
+  if (!in_place && !Working().Take(working_path_)) {
+    throw Failure(path_ + ": is an output already", ExitCode::kUsage);
+  }
   errno = 0;
   stream_.open(working_path_, std::ios::binary | std::ios::trunc);
-  if (!stream_) throw Failure(path_ + ": " + LastSystemError());
+  if (stream_) return;
+  const std::string reason = LastSystemError();
+  if (!in_place) Working().Release(working_path_);
+  throw Failure(path_ + ": " + reason);
 }
 
 OutputFile::~OutputFile() {
-  if (committed_ || working_path_ == path_) return;
-  stream_.close();
-  std::error_code ignored;
-  std::filesystem::remove(working_path_, ignored);
+  if (working_path_ == target_) return;
+  if (!committed_) {
+    stream_.close();
+    std::error_code ignored;
+    fs::remove(working_path_, ignored);
+  }
+  Working().Release(working_path_);
 }
 
 void OutputFile::Commit() {
   errno = 0;
   stream_.close();
   if (!stream_) throw Failure(path_ + ": " + LastSystemError());
-  if (working_path_ != path_) {
+  if (working_path_ != target_) {
     std::error_code error;
-    std::filesystem::rename(working_path_, path_, error);
+    fs::rename(working_path_, target_, error);
     if (error) throw Failure(path_ + ": " + error.message());
   }
   committed_ = true;
+}
+
+void RefuseOverwriting(std::span<const std::string> outputs, std::span<const std::string> inputs) {
+  const auto is_file = [](const std::string& path) { return !path.empty() && path != "-"; };
+  for (const std::string& output : outputs) {
+    for (const std::string& input : inputs) {
+      std::error_code neither_exists;
+      if (!is_file(output) || !is_file(input) || !fs::equivalent(output, input, neither_exists)) continue;
+      throw Failure(output + ": is an input, and would be lost", ExitCode::kUsage);
+    }
+  }
 }
 
 }  // namespace stopngo

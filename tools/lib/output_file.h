@@ -2,15 +2,18 @@
 #pragma once
 
 #include <fstream>
+#include <span>
 #include <string>
 
 namespace stopngo {
 
-/// Writes to PATH.part and renames it to PATH on Commit; destroyed without Commit, it removes it. A
-/// path that is no regular file (a device, a pipe) is written in place.
+/// Writes to PATH.part and renames it to PATH on Commit; destroyed without Commit, it removes it. Where the
+/// path is a link, that is done with the file it leads to. What is no regular file (a device, a pipe), or is
+/// open already (/dev/stdout), is written in place.
 class OutputFile {
  public:
-  /// Throws Failure naming the path when it cannot be written.
+  /// Throws Failure naming the path when it cannot be written, or when it leads to the same file as another
+  /// output that is not finished.
   explicit OutputFile(std::string path);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
@@ -24,9 +27,14 @@ class OutputFile {
 
  private:
   std::string path_;
+  std::string target_;  ///< the path, behind its links
   std::string working_path_;
   std::ofstream stream_;
   bool committed_ = false;
 };
+
+/// Throws Failure naming the output when it is one of the inputs, under whatever name; empty paths, and "-" for
+/// a standard stream, are left out.
+void RefuseOverwriting(std::span<const std::string> outputs, std::span<const std::string> inputs);
 
 }  // namespace stopngo

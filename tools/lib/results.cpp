@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "failure.h"
 #include "system_error.h"
@@ -17,13 +18,19 @@ void WriteResult(std::string_view line) {
   errno = 0;
   const bool written = std::fwrite(line.data(), 1, line.size(), stdout) == line.size();
   if (!written || std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0) {
-    throw Failure("standard output: " + LastSystemError());
+    FailOutput();
   }
 }
 
-bool NobodyReadsResults() {
+std::string JsonLine(const nlohmann::ordered_json& object) {
+  return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+void FailOutput() {
+  const std::string reason = LastSystemError();
   pollfd output{STDOUT_FILENO, POLLOUT, 0};
-  return poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
+  if (poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0) throw NobodyReads();
+  throw Failure("standard output: " + reason);
 }
 
 }  // namespace stopngo

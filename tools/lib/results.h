@@ -1,15 +1,21 @@
 // results.h: a subcommand's results, line by line on standard output.
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+#include <string>
 #include <string_view>
 
 namespace stopngo {
 
 /// Writes a line and its newline at once, so that a reader at the other end of a pipe sees a decision
-/// when it falls. Throws Failure when standard output cannot be written.
+/// when it falls. Throws as FailOutput.
 void WriteResult(std::string_view line);
 
-/// Whether standard output is a pipe that nobody reads any more (as after "| head"): no fault to report.
-bool NobodyReadsResults();
+/// A JSON object as one line. Names of files and clips may hold bytes that are no UTF-8, which JSON has no
+/// place for: they are replaced.
+std::string JsonLine(const nlohmann::ordered_json& object);
+
+/// For after standard output could not be written: throws NobodyReads or, with errno's reason, Failure.
+[[noreturn]] void FailOutput();
 
 }  // namespace stopngo

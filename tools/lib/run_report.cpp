@@ -47,7 +47,7 @@ void RunReport::TellChange(const FrameReport& frame) const {
                        {"time", frame.time_s},
                        {"decision", frame.decision},
                        {"name", name}};
-    WriteResult(line.dump());
+    WriteResult(JsonLine(line));
   } else {
     WriteResult(Print("%10.3f s  frame %6lld  decision %d (%s)", frame.time_s, Printable(frame.index),
                       frame.decision, name));
@@ -64,7 +64,7 @@ void RunReport::Summarize() const {
     for (const Quantile& quantile : kQuantiles) {
       line["write_ns"][quantile.name] = latency_.Percentile(quantile.share);
     }
-    WriteResult(line.dump());
+    WriteResult(JsonLine(line));
     return;
   }
   WriteResult(Print("%lld frames, %lld decided, %lld analysed", Printable(frames_), Printable(decided_),

@@ -26,8 +26,10 @@ constexpr std::array kTable = {
     Setting{"roi-y", VEL_CTRL_STOPNGO_ROI_Y, &S::roi_y, "top row of the region"},
     Setting{"roi-width", VEL_CTRL_STOPNGO_ROI_WIDTH, &S::roi_width, "columns of the region"},
     Setting{"roi-height", VEL_CTRL_STOPNGO_ROI_HEIGHT, &S::roi_height, "rows of the region"},
-    Setting{"scale", VEL_CTRL_STOPNGO_SET_SCALE, &S::scale, "zoom into the region, in tenths; 0 is off"},
-    Setting{"block-size", VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, &S::block_size, "side of a motion block, pixels"},
+    Setting{"scale", VEL_CTRL_STOPNGO_SET_SCALE, &S::scale,
+            "zoom into the region, in tenths: 2, 4, 5, 6, 7, 8 (with --original 2, 4, 6, 8); 0 is off", true},
+    Setting{"block-size", VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, &S::block_size, "side of a motion block, pixels",
+            true},
     Setting{"features", VEL_CTRL_STOPNGO_SET_FEATURES_COUNT, &S::features, "features of one frame"},
     Setting{"hiddens", VEL_CTRL_STOPNGO_SET_HIDDENS_COUNT, &S::hiddens, "hidden nodes of the perceptron"},
     Setting{"time-beeping", VEL_CTRL_STOPNGO_SET_TIME_BEEPING, &S::time_beeping,
@@ -59,9 +61,15 @@ constexpr std::array kTable = {
     // Follows the path, and only where there is one.
     Setting{"", VEL_CTRL_STOPNGO_LOAD_CLASSIFY, Internal{}, ""},
     Setting{"no-weights", VEL_CTRL_STOPNGO_END, &S::no_weights, "run without weights: every score is 0.5"},
-    Setting{"rate", VEL_CTRL_STOPNGO_END, NonNegative{&S::rate},
+    Setting{"rate", VEL_CTRL_STOPNGO_END, RateField{&S::rate},
             "frames a second to hand over, the nearest ones; 0: all", true},
 };
+
+// The shortest text that reads back as the same number.
+std::string NumberText(double number) {
+  std::array<char, 32> text;
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
 
 template <typename Number>
 std::optional<Number> NumberOf(const std::string& text) {
@@ -88,10 +96,12 @@ double RealOf(const std::string& text) {
   return *number;
 }
 
-double NonNegativeOf(const std::string& text) {
-  const double number = RealOf(text);
-  if (number < 0) throw std::invalid_argument("'" + text + "' is below 0");
-  return number;
+double RateOf(const std::string& text) {
+  const double rate = RealOf(text);
+  if (rate != 0 && rate < kLowestRate) {
+    throw std::invalid_argument("'" + text + "' is neither 0 nor " + NumberText(kLowestRate) + " or more");
+  }
+  return rate;
 }
 
 FrameCount FrameCountOf(const std::string& text) {
@@ -120,12 +130,6 @@ int ChoiceOf(const std::string& text, const Choice& choice) {
                               std::to_string(choice.names.size() - 1));
 }
 
-// The shortest text that reads back as the same number.
-std::string NumberText(double number) {
-  std::array<char, 32> text;
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
-}
-
 // One overload a kind of field: how its text is read, and how it is written.
 struct Reader {
   Settings& settings;
@@ -135,7 +139,7 @@ struct Reader {
   void operator()(int Settings::*field) const { settings.*field = IntegerOf(text); }
   void operator()(std::optional<int> Settings::*field) const { settings.*field = IntegerOf(text); }
   void operator()(double Settings::*field) const { settings.*field = RealOf(text); }
-  void operator()(const NonNegative& number) const { settings.*number.field = NonNegativeOf(text); }
+  void operator()(const RateField& rate) const { settings.*rate.field = RateOf(text); }
   void operator()(FrameCount Settings::*field) const { settings.*field = FrameCountOf(text); }
   void operator()(std::string Settings::*field) const {
     if (text.empty()) throw std::invalid_argument("a path is missing");
@@ -158,7 +162,7 @@ struct Writer {
     return (settings.*field).has_value() ? std::to_string(*(settings.*field)) : std::string();
   }
   std::string operator()(double Settings::*field) const { return NumberText(settings.*field); }
-  std::string operator()(const NonNegative& number) const { return NumberText(settings.*number.field); }
+  std::string operator()(const RateField& rate) const { return NumberText(settings.*rate.field); }
   std::string operator()(FrameCount Settings::*field) const {
     const FrameCount& count = settings.*field;
     return NumberText(count.value) + (count.seconds ? "s" : "");

@@ -19,8 +19,8 @@ struct Choice {
   std::span<const char* const> names;
 };
 
-/// A setting that is 0 or above.
-struct NonNegative {
+/// Frames a second: 0, or kLowestRate and above.
+struct RateField {
   double Settings::*field;
 };
 
@@ -28,7 +28,7 @@ struct NonNegative {
 struct Internal {};
 
 using SettingField =
-    std::variant<Internal, int Settings::*, std::optional<int> Settings::*, double Settings::*, NonNegative,
+    std::variant<Internal, int Settings::*, std::optional<int> Settings::*, double Settings::*, RateField,
                  FrameCount Settings::*, std::string Settings::*, bool Settings::*, Choice>;
 
 struct Setting {

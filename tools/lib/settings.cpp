@@ -28,7 +28,7 @@ const char* TypeName(const Setting& setting) {
     const char* operator()(int Settings::*) const { return "N"; }
     const char* operator()(std::optional<int> Settings::*) const { return "N"; }
     const char* operator()(double Settings::*) const { return "NUMBER"; }
-    const char* operator()(const NonNegative&) const { return "NUMBER"; }
+    const char* operator()(const RateField&) const { return "NUMBER"; }
     const char* operator()(FrameCount Settings::*) const { return "TIME"; }
     const char* operator()(std::string Settings::*) const { return "FILE"; }
     const char* operator()(bool Settings::*) const { return ""; }
@@ -132,6 +132,15 @@ bool SettingsOptions::Given(const std::string& name) const {
 }
 
 void SettingsOptions::CompleteWithoutWeights() {
+  for (const char* const option : {"--weights", "--no-weights"}) {
+    if (app_.get_option(option)->count() > 0) {
+      throw Failure(std::string(option) + ": no weights are read here", ExitCode::kUsage);
+    }
+  }
+  ReadConfiguration();
+}
+
+void SettingsOptions::ReadConfiguration() {
   if (config_.empty()) return;
   const toml::table table = ParsedFile(config_);
   for (const auto& [key, node] : table) {
@@ -150,7 +159,7 @@ void SettingsOptions::CompleteWithoutWeights() {
 }
 
 void SettingsOptions::Complete() {
-  CompleteWithoutWeights();
+  ReadConfiguration();
   if (settings_.no_weights) {
     if (settings_.weights.empty()) return;
     throw Failure(config_ + ": weights and no-weights exclude each other");
@@ -166,7 +175,12 @@ void SettingsOptions::TakeSidecar() {
   texts.emplace_back("features", std::to_string(sidecar->inputs / 2));
   texts.emplace_back("hiddens", std::to_string(sidecar->hiddens));
   for (const auto& [name, text] : texts) {
-    if (!Given(name)) SetFromText(settings_, *FindSetting(name), text);
+    if (Given(name)) continue;
+    try {
+      SetFromText(settings_, *FindSetting(name), text);
+    } catch (const std::invalid_argument& reason) {
+      throw Failure(SidecarPath(settings_.weights) + ": " + name + ": " + reason.what());
+    }
   }
   const auto count = [](int setting) { return std::uint64_t{static_cast<std::uint32_t>(setting)}; };
   CheckSidecar(settings_.weights, *sidecar, 2 * count(settings_.features), count(settings_.hiddens));

@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -18,6 +19,9 @@ struct FrameCount {
   /// At a rate of fps fed frames a second, rounded to the nearest frame.
   [[nodiscard]] int Frames(double fps) const;
 };
+
+/// Below it no clip has a second frame to hand over, and times in frames leave the range of whole numbers.
+inline constexpr double kLowestRate = 0.01;
 
 /// The settings of one run. Defaults are the module's own but for the region, which the tools put
 /// where a forward camera sees the vehicle ahead, and for the rate, with the times that follow from it:
@@ -64,10 +68,13 @@ class SettingsOptions {
   /// sidecar's settings. Throws Failure: naming file, line and key when the file is unreadable, malformed,
   /// or has a key or a value that is not known; and when a sidecar does not match its weights.
   void Complete();
-  /// For a subcommand that needs no weights: reads the file alone.
+  /// For a subcommand that reads no weights: takes the file alone, and refuses options that name some.
   void CompleteWithoutWeights();
+  /// The files that the settings came from: configuration and weights, either may be empty.
+  [[nodiscard]] std::vector<std::string> Files() const { return {config_, settings_.weights}; }
 
  private:
+  void ReadConfiguration();
   [[nodiscard]] bool Given(const std::string& name) const;
   void TakeSidecar();
 

@@ -33,6 +33,8 @@ std::string ReasonOf(const Json::parse_error& fault) {
 }
 
 Json ParsedFile(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) throw Failure(path + ": a folder, not a JSON file");
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), {}};

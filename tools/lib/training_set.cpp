@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 
+#include "failure.h"
 #include "parallel.h"
 #include "scene_random.h"
 
@@ -101,7 +102,9 @@ void Collect(const Module& module, const Settings& settings, const Clip& clip, s
   }
   std::vector<double> times_s;
   LumaFrame frame;
+  double last_s = 0;
   while (opened.frames->Next(frame)) {
+    last_s = frame.time_s;
     LumaFrame mirrored = frame;
     Mirror(mirrored);
     bool analysed = false;
@@ -110,7 +113,23 @@ void Collect(const Module& module, const Settings& settings, const Clip& clip, s
     }
     if (analysed) times_s.push_back(frame.time_s);
   }
+  CheckEnd(opened, last_s);
   for (FeatureTrack& track : tracks) SetAims(track, times_s, opened.labels);
+}
+
+/// All looks at a clip.
+void CollectLooks(const Module& module, const Settings& settings, Clip clip, Random random,
+                  std::span<FeatureTrack> tracks) {
+  const double rate = clip.rate.value_or(settings.rate);
+  for (std::size_t first = 0; first < tracks.size(); first += kLooksARate) {
+    clip.rate = first == 0 ? rate : DrawRate(rate, random);
+    std::vector<Look> drawn(std::min(kLooksARate, tracks.size() - first));
+    for (std::size_t i = 0; i < drawn.size(); i++) {
+      drawn[i] =
+          first + i == 0 ? Look{false, 0, 0, settings.filter, settings.scale} : DrawLook(settings, random);
+    }
+    Collect(module, settings, clip, drawn, tracks.subspan(first, drawn.size()));
+  }
 }
 
 }  // namespace
@@ -122,17 +141,11 @@ std::vector<FeatureTrack> CollectTracks(const Module& module, const Settings& se
   std::vector<FeatureTrack> tracks(clips.size() * count);
   std::mutex stepping;
   InParallel(clips.size(), jobs, [&](std::size_t index) {
-    Clip clip = clips[index];
-    const double rate = clip.rate.value_or(settings.rate);
-    Random random(looks.seed + index, kStream);
-    for (std::size_t first = 0; first < count; first += kLooksARate) {
-      clip.rate = first == 0 ? rate : DrawRate(rate, random);
-      std::vector<Look> drawn(std::min(kLooksARate, count - first));
-      for (std::size_t i = 0; i < drawn.size(); i++) {
-        drawn[i] =
-            first + i == 0 ? Look{false, 0, 0, settings.filter, settings.scale} : DrawLook(settings, random);
-      }
-      Collect(module, settings, clip, drawn, std::span(tracks).subspan(index * count + first, drawn.size()));
+    const auto of_clip = std::span(tracks).subspan(index * count, count);
+    try {
+      CollectLooks(module, settings, clips[index], Random(looks.seed + index, kStream), of_clip);
+    } catch (const Failure& failure) {
+      throw NamingClip(clips[index], failure);
     }
     const std::lock_guard lock(stepping);
     step();

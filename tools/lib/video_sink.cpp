@@ -1,6 +1,7 @@
 // video_sink.cpp: chooses a sink by the path's ending, and writes Y4M itself.
 #include "video_sink.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <filesystem>
@@ -12,6 +13,7 @@
 
 #include "failure.h"
 #include "output_file.h"
+#include "results.h"
 #include "system_error.h"
 #include "video_sink_parts.h"
 
@@ -59,7 +61,8 @@ class Y4mSink : public VideoSink {
 
   void Check() {
     if (Stream()) return;
-    throw Failure((file_ ? options_.path : "standard output") + ": " + LastSystemError());
+    if (!file_) FailOutput();
+    throw Failure(options_.path + ": " + LastSystemError());
   }
 
   // BT.601 in studio range, weights in 1/256: what readers of Y4M assume.
@@ -84,6 +87,7 @@ class Y4mSink : public VideoSink {
 }  // namespace
 
 FrameRate RationalRate(double fps) {
+  fps = std::clamp(fps, 1e-3, 1e6);  // what the numbers below can tell
   // The rates of television in the countries of NTSC, which everybody writes with two or three decimals.
   for (const int nominal : {24, 30, 48, 60, 120}) {
     if (std::fabs(fps - nominal * 1000 / 1001.0) < 0.005) return {nominal * 1000, 1001};
