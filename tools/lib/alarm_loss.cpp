@@ -25,11 +25,10 @@ constexpr float kMaximumSharpness = 3;  // of the soft maximum over a departure
 constexpr std::size_t kGroup = 32;
 
 /// log(mean(exp(sharpness × value))) / sharpness, a soft maximum, or a soft minimum where the sharpness is
-/// negative; shares receives its gradient.
-float SoftExtreme(std::span<const float> values, float sharpness, std::vector<float>& shares) {
+/// negative; shares receives its gradient, as many numbers as there are values.
+float SoftExtreme(std::span<const float> values, float sharpness, std::span<float> shares) {
   const float extreme = sharpness > 0 ? *std::max_element(values.begin(), values.end())
                                       : *std::min_element(values.begin(), values.end());
-  shares.resize(values.size());
   float sum = 0;
   for (std::size_t i = 0; i < values.size(); i++) {
     shares[i] = Exp(sharpness * (values[i] - extreme));
@@ -122,11 +121,12 @@ double AlarmLoss::AddRuns(const FeatureTrack& track, std::span<const float> outp
   const std::size_t run = options_.run;
   if (outputs.size() < run) return 0;
   const auto margin = static_cast<float>(options_.margin);
-  std::vector<float> strengths;  // of the run that ends in frame index + run - 1
-  std::vector<std::vector<float>> shares;
-  for (std::size_t first = 0; first + run <= outputs.size(); first++) {
-    shares.emplace_back();
-    strengths.push_back(SoftExtreme(outputs.subspan(first, run), -kMinimumSharpness, shares.back()));
+  const std::size_t runs = outputs.size() - run + 1;
+  std::vector<float> strengths(runs);  // of the run that ends in frame index + run - 1
+  std::vector<float> shares(runs * run);
+  const auto shares_of = [&](std::size_t first) { return std::span(shares).subspan(first * run, run); };
+  for (std::size_t first = 0; first < runs; first++) {
+    strengths[first] = SoftExtreme(outputs.subspan(first, run), -kMinimumSharpness, shares_of(first));
   }
   double loss = 0;
   std::vector<float> by_strength(strengths.size());
@@ -140,7 +140,7 @@ double AlarmLoss::AddRuns(const FeatureTrack& track, std::span<const float> outp
     const std::size_t first = std::max(begin, run - 1) - (run - 1);
     const std::size_t last = std::min(end, outputs.size()) - std::min(end, run - 1);
     if (first >= last) return;
-    std::vector<float> parts;
+    std::vector<float> parts(last - first);
     const float best =
         SoftExtreme(std::span(strengths).subspan(first, last - first), kMaximumSharpness, parts);
     const double weight = departure_weight_ / 2;
@@ -153,7 +153,7 @@ double AlarmLoss::AddRuns(const FeatureTrack& track, std::span<const float> outp
     pull_up(departure.begin, departure.end);
   }
   for (std::size_t i = 0; i < strengths.size(); i++) {
-    for (std::size_t k = 0; k < run; k++) gradient[i + k] += by_strength[i] * shares[i][k];
+    for (std::size_t k = 0; k < run; k++) gradient[i + k] += by_strength[i] * shares_of(i)[k];
   }
   return loss;
 }
