@@ -49,7 +49,9 @@ TEST_F(TrainTest, WritesTheSameBytesWithAnyNumberOfThreads) {
   EXPECT_EQ(ReadFile(report).substr(1, 3), "PNG");
   EXPECT_EQ(folder_.Files(), 5U) << "nothing else is left behind";
 
-  const CommandResult three = Stopngo(arguments + " --jobs 3");
+  // The weights that a configuration names are about to be replaced, not read.
+  const std::string config = " --config " + folder_.File("car.toml", "weights = \"w.bin\"\n");
+  const CommandResult three = Stopngo(arguments + config + " --jobs 3");
   EXPECT_EQ(three.out, one.out);
   EXPECT_TRUE(ReadFile(weights) == bytes);
   EXPECT_EQ(ReadFile(weights + ".json"), sidecar);

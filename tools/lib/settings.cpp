@@ -138,6 +138,8 @@ void SettingsOptions::CompleteWithoutWeights() {
     }
   }
   ReadConfiguration();
+  settings_.weights.clear();
+  settings_.no_weights = false;
 }
 
 void SettingsOptions::ReadConfiguration() {

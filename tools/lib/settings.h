@@ -68,7 +68,8 @@ class SettingsOptions {
   /// sidecar's settings. Throws Failure: naming file, line and key when the file is unreadable, malformed,
   /// or has a key or a value that is not known; and when a sidecar does not match its weights.
   void Complete();
-  /// For a subcommand that reads no weights: takes the file alone, and refuses options that name some.
+  /// For a subcommand that reads no weights: takes the file alone, without what it says of weights, and
+  /// refuses options that name some.
   void CompleteWithoutWeights();
   /// The files that the settings came from: configuration and weights, either may be empty.
   [[nodiscard]] std::vector<std::string> Files() const { return {config_, settings_.weights}; }
