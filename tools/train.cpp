@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -64,10 +65,20 @@ struct ClipSet {
   nlohmann::ordered_json files = nlohmann::ordered_json::array();  ///< the manifests as they were read
 
   void Read(const Settings& settings) {
+    for (const std::string& path : manifests) RefuseReadOnce(path);
     clips = ReadManifests(manifests, settings);
     for (const std::string& path : manifests) {
       files.push_back(
           {{"file", std::filesystem::path(path).filename().string()}, {"sha256", Sha256OfFile(path)}});
+    }
+  }
+
+ private:
+  // A pipe would be empty when its SHA-256 is taken.
+  static void RefuseReadOnce(const std::string& path) {
+    std::error_code none;
+    if (std::filesystem::is_fifo(path, none)) {
+      throw Failure(path + ": a manifest whose SHA-256 goes into the sidecar has to be a file, not a pipe");
     }
   }
 };

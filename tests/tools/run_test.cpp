@@ -410,9 +410,16 @@ TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
   ExpectRefusal(Stopngo("--help >/dev/full"), 1, {"standard output"});
   EXPECT_EQ(folder.Files(), 1U);
   // A reader that leaves, as head does, is no fault to talk about; an unfinished file goes all the same.
-  const CommandResult left = Stopngo(run + " | true");
+  const std::string pipe = folder / "pipe";
+  const auto unread = [&pipe](const std::string& arguments) {
+    return Shell("exec 3<>" + pipe + " 4>" + pipe + " 3<&-; " STOPNGO_PROGRAM " " + arguments + " >&4");
+  };
+  ASSERT_EQ(Shell("mkfifo " + pipe).exit_code, 0);
+  const CommandResult left = unread(run);
+  EXPECT_EQ(left.exit_code, 1);
   EXPECT_EQ(left.err, "");
   EXPECT_FALSE(std::filesystem::exists(trace + ".part"));
+  ExpectRefusal(unread("run --no-weights gone.y4m"), 1, {"gone.y4m"});
 }
 
 #if defined(STOPNGO_WITH_FFMPEG)

@@ -80,6 +80,8 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
   const std::string clips = Manifest("clips.tsv", {"synth:departure:1-20000"});
   const std::string few = Manifest("few.tsv", {"synth:departure:1-4"});
   const std::string still = Manifest("still.tsv", {"synth:standing:1"});
+  const std::string pipe = folder_ / "pipe";
+  ASSERT_EQ(Shell("mkfifo " + pipe).exit_code, 0);
   const std::string occupied = folder_ / "occupied";
   std::filesystem::create_directory(occupied + ".json");
   const std::string nowhere = folder_ / "no/w.bin";
@@ -94,6 +96,7 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
       {clips + weights + " --report " + nowhere, nowhere},
       {few + weights, "five"},
       {folder_ / "none.tsv" + weights, "none.tsv"},
+      {pipe + weights, "not a pipe"},
       {clips + weights + " --looks 0", "--looks"},
       {clips + weights + " --decay -1", "--decay"},
       {clips + weights + " --threshold 1", "--threshold"},
