@@ -1,11 +1,8 @@
 // frame_source_ffmpeg.cpp: reads video files, image sequences and cameras through FFmpeg's libraries.
 extern "C" {
-#include <libavcodec/avcodec.h>
 #include <libavdevice/avdevice.h>
-#include <libavformat/avformat.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/pixdesc.h>
-#include <libswscale/swscale.h>
 }
 
 #include <algorithm>
@@ -16,26 +13,11 @@ extern "C" {
 #include <optional>
 
 #include "failure.h"
+#include "ffmpeg.h"
 #include "frame_source_parts.h"
 
 namespace stopngo {
 namespace {
-
-struct Deleter {
-  void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-  void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-  void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
-};
-template <typename Handle>
-using Owned = std::unique_ptr<Handle, Deleter>;
-
-std::string ErrorText(int error) {
-  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-  av_strerror(error, text.data(), text.size());
-  return text.data();
-}
 
 // FFmpeg takes the part of a name before a colon for a protocol, and "-" for a file.
 std::string UrlOf(const std::string& input) {
@@ -54,7 +36,7 @@ const AVInputFormat* FormatOf(const SourceOptions& options) {
   return format;
 }
 
-Owned<AVFormatContext> OpenInput(const SourceOptions& options) {
+FfmpegOwned<AVFormatContext> OpenInput(const SourceOptions& options) {
   av_log_set_level(AV_LOG_QUIET);  // The one sentence of a Failure says what a user needs.
   avdevice_register_all();
   const AVInputFormat* const format = FormatOf(options);
@@ -66,10 +48,10 @@ Owned<AVFormatContext> OpenInput(const SourceOptions& options) {
   AVFormatContext* opened = nullptr;
   const int error = avformat_open_input(&opened, UrlOf(options.input).c_str(), format, &settings);
   av_dict_free(&settings);
-  Owned<AVFormatContext> input(opened);
-  if (error < 0) throw Failure(options.input + ": " + ErrorText(error));
+  FfmpegOwned<AVFormatContext> input(opened);
+  if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
   const int unknown = avformat_find_stream_info(input.get(), nullptr);
-  if (unknown < 0) throw Failure(options.input + ": " + ErrorText(unknown));
+  if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));
   return input;
 }
 
@@ -129,7 +111,7 @@ class FfmpegSource : public FrameSource {
     avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
     codec_->thread_count = 0;  // as many as there are processors
     const int error = avcodec_open2(codec_.get(), decoder, nullptr);
-    if (error < 0) Fail("its video cannot be decoded: " + ErrorText(error));
+    if (error < 0) Fail("its video cannot be decoded: " + FfmpegError(error));
   }
 
   void Describe() {
@@ -166,7 +148,7 @@ class FfmpegSource : public FrameSource {
       if (received >= 0) return true;
       if (received == AVERROR_EOF) return false;
       // A damaged picture costs itself alone; the decoder finds its way back at the next one.
-      if (received != AVERROR(EAGAIN) && received != AVERROR_INVALIDDATA) Fail(ErrorText(received));
+      if (received != AVERROR(EAGAIN) && received != AVERROR_INVALIDDATA) Fail(FfmpegError(received));
       SendPacket();
     }
   }
@@ -176,7 +158,7 @@ class FfmpegSource : public FrameSource {
     for (;;) {
       const int read = av_read_frame(input_.get(), packet_.get());
       if (read == AVERROR(EAGAIN) || read == AVERROR(EINTR)) continue;
-      if (read < 0 && read != AVERROR_EOF) Fail("frame " + std::to_string(index_) + ": " + ErrorText(read));
+      if (read < 0 && read != AVERROR_EOF) Fail("frame " + std::to_string(index_) + ": " + FfmpegError(read));
       if (read == AVERROR_EOF) {
         avcodec_send_packet(codec_.get(), nullptr);
         return;
@@ -257,19 +239,18 @@ class FfmpegSource : public FrameSource {
         converter_.release(), frame_->width, frame_->height, format, frame_->width, frame_->height,
         AV_PIX_FMT_GRAY8, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
     if (!converter_) Fail(std::string("frames of the pixel format ") + av_get_pix_fmt_name(format));
-    constexpr std::size_t kPadding = 64;  // swscale's vector code writes past the last pixel
-    pixels.reserve(pixels.size() + kPadding);
+    pixels.reserve(pixels.size() + kScalerPadding);
     std::uint8_t* const target[4] = {pixels.data()};
     const int stride[4] = {frame_->width};
     sws_scale(converter_.get(), frame_->data, frame_->linesize, 0, frame_->height, target, stride);
   }
 
   std::string name_;
-  Owned<AVFormatContext> input_;
-  Owned<AVCodecContext> codec_;
-  Owned<AVPacket> packet_;
-  Owned<AVFrame> frame_;
-  Owned<SwsContext> converter_;
+  FfmpegOwned<AVFormatContext> input_;
+  FfmpegOwned<AVCodecContext> codec_;
+  FfmpegOwned<AVPacket> packet_;
+  FfmpegOwned<AVFrame> frame_;
+  FfmpegOwned<SwsContext> converter_;
   AVStream* stream_ = nullptr;  ///< belongs to input_
   SourceInfo info_;
   std::int64_t index_ = 0;

@@ -9,8 +9,8 @@ namespace {
 
 /// The frame nearest to a time; of two that are equally near the earlier, as with recordings.
 std::int64_t Nearest(double time_s, double fps) {
-  constexpr double kTolerance = 1e-6;
-  return static_cast<std::int64_t>(std::ceil(time_s * fps - 0.5 - kTolerance));
+  constexpr double kTie = 1e-6;
+  return static_cast<std::int64_t>(std::ceil(time_s * fps - 0.5 - kTie));
 }
 
 class SceneSource : public FrameSource {

@@ -1,9 +1,6 @@
 // luma_scaler.cpp: scales luma planes with FFmpeg's swscale.
-extern "C" {
-#include <libswscale/swscale.h>
-}
-
 #include "failure.h"
+#include "ffmpeg.h"
 #include "frame_source_parts.h"
 
 namespace stopngo {
@@ -11,8 +8,6 @@ namespace {
 
 // The same pixels on every machine, so that a decision can be reproduced on another one.
 constexpr int kFlags = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT;
-// swscale's vector code reads and writes whole vectors past the last pixel.
-constexpr std::size_t kPadding = 64;
 
 }  // namespace
 
@@ -27,9 +22,9 @@ void LumaScaler::Scale(LumaFrame& frame) {
     throw Failure("frames of " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
                   " cannot be scaled to " + std::to_string(width_) + " x " + std::to_string(height_));
   }
-  scaled_.reserve(std::size_t{1} * width_ * height_ + kPadding);
+  scaled_.reserve(std::size_t{1} * width_ * height_ + kScalerPadding);
   scaled_.resize(std::size_t{1} * width_ * height_);
-  frame.pixels.reserve(frame.pixels.size() + kPadding);
+  frame.pixels.reserve(frame.pixels.size() + kScalerPadding);
   // swscale looks at four planes, whatever the format has.
   const std::uint8_t* const source[4] = {frame.pixels.data()};
   const int source_stride[4] = {frame.width};

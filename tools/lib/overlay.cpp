@@ -15,8 +15,8 @@ namespace stopngo {
 namespace {
 
 /// The picture that sizes are given for.
-constexpr double kPictureWidth = 800;
-constexpr double kPictureHeight = 480;
+constexpr double kDesignWidth = 800;
+constexpr double kDesignHeight = 480;
 constexpr double kMargin = 8;
 
 /// Blocks below this size, in pixels of an 800 × 480 picture, leave no room for an arrow: the analysis
@@ -32,9 +32,9 @@ double Overlap(const Box& a, const Box& b) {
 }
 
 /// Finds places for panels beside each other and beside what has to stay visible.
-class Layout {
+class PanelLayout {
  public:
-  Layout(const Canvas& canvas, double unit, std::vector<Box> taken)
+  PanelLayout(const Canvas& canvas, double unit, std::vector<Box> taken)
       : picture_{0, 0, static_cast<double>(canvas.Width()), static_cast<double>(canvas.Height())},
         margin_(kMargin * unit),
         taken_(std::move(taken)) {}
@@ -96,8 +96,8 @@ class Layout {
 Box RegionBox(const VEL_STOPNGO_CTX& ctx, const LumaFrame& frame) {
   const bool original = ctx.originalSize != static_cast<integer>(ctx.EndXInput) &&
                         (ctx.originalSize == 1920 || ctx.originalSize == 1280);
-  const double x = original ? frame.width / kPictureWidth : 1;
-  const double y = original ? frame.height / kPictureHeight : 1;
+  const double x = original ? frame.width / kDesignWidth : 1;
+  const double y = original ? frame.height / kDesignHeight : 1;
   return {ctx.ROI_X * x, ctx.ROI_Y * y, ctx.EndX * x, ctx.EndY * y};
 }
 
@@ -151,7 +151,7 @@ void DrawLens(Canvas& canvas, const Box& box, double unit, const FrameReport& re
 
 Overlay::Overlay(const SourceInfo& source, const SampledArea& area, double history_s)
     : canvas_(source.width, source.height),
-      unit_(std::min(source.width / kPictureWidth, source.height / kPictureHeight)),
+      unit_(std::min(source.width / kDesignWidth, source.height / kDesignHeight)),
       area_(area),
       history_s_(history_s),
       frame_s_(source.fps > 0 ? 1 / source.fps : 0) {}
@@ -179,7 +179,7 @@ void Overlay::Draw(const LumaFrame& frame, const FrameReport& report, const VEL_
   if (differs) canvas_.Outline(sampled, style::kAbove, 1.5 * unit_, 5 * unit_);
   DrawRegion(canvas_, region, unit_, report);
 
-  Layout layout(canvas_, unit_, {DrawTag(canvas_, region, differs, unit_), sampled});
+  PanelLayout layout(canvas_, unit_, {DrawTag(canvas_, region, differs, unit_), sampled});
   const Box strip = layout.PlaceStrip(kStripHeight * unit_);
   const Box status = layout.Place(kStatusWidth * unit_, kPanelHeight * unit_);
   const Box motion = layout.Place(kMotionWidth * unit_, kPanelHeight * unit_);

@@ -14,10 +14,6 @@
 namespace stopngo {
 namespace {
 
-// Of random numbers: one for each kind of actor and of overlay.
-constexpr std::uint64_t kStream = 0xac00;
-constexpr std::uint64_t kOverlayStream = 0xad00;
-
 struct ActorEntry {
   ActorKindName name;
   Actors (*make)(const Stage&, Random&);
@@ -118,7 +114,7 @@ std::span<const OverlayKindName> OverlayKinds() {
 }
 
 Actors MakeActors(ActorKind kind, const Stage& stage, std::uint64_t seed) {
-  Random random(seed, kStream + static_cast<std::uint64_t>(kind));
+  Random random(seed, kActorStream + static_cast<std::uint64_t>(kind));
   return Find(kActors, kind).make(stage, random);
 }
 

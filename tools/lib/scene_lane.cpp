@@ -21,7 +21,7 @@ LaneVehicle::LaneVehicle(const VehicleOptions& options, double texels_per_metre,
     : options_(options),
       vehicle_(BuildVehicle(options, texels_per_metre, most_texels, seed)),
       track_(options.motion),
-      blink_phase_(Random(seed, 0x62).Uniform(0, 1)) {}
+      blink_phase_(Random(seed, kBlinkStream).Uniform(0, 1)) {}
 
 double LaneVehicle::Brake(double time_s) const {
   double lit = options_.braking ? 1 : 0;

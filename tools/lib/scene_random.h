@@ -39,6 +39,17 @@ class Random {
   std::uint64_t state_;
 };
 
+/// The streams of a scene's seed. Scripts of brake lights, 0x77 + 7, have the numbers of the first vehicle's
+/// paint; other streams would draw those scenes anew, and with them the figures of the default weights.
+inline constexpr std::uint64_t kWorldStream = 0x30;
+inline constexpr std::uint64_t kShakeStream = 0x5a;
+inline constexpr std::uint64_t kBlinkStream = 0x62;
+inline constexpr std::uint64_t kScriptStream = 0x77;  ///< and the number of its kind
+inline constexpr std::uint64_t kPaintStream = 0x7e;
+inline constexpr std::uint64_t kWindscreenStream = 0x91;
+inline constexpr std::uint64_t kActorStream = 0xac00;    ///< and the number of its kind
+inline constexpr std::uint64_t kOverlayStream = 0xad00;  ///< and the number of its kind
+
 /// Whole part towards minus infinity. std::floor is a library call below SSE4.1, and this is an inner loop.
 inline std::int32_t FloorToInt(float value) {
   const auto whole = static_cast<std::int32_t>(value);

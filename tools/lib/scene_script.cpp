@@ -10,9 +10,8 @@
 namespace stopngo {
 namespace {
 
-constexpr std::uint64_t kStream = 0x77;  // of random numbers: the script's
-constexpr double kBefore_s = 3.5;        // the lead stands at least so long before it leaves
-constexpr double kAfter_s = 4.5;         // and this long is shown of it leaving
+constexpr double kBefore_s = 3.5;  // the lead stands at least so long before it leaves
+constexpr double kAfter_s = 4.5;   // and this long is shown of it leaving
 
 /// A moment at which something happens.
 double SomeTime(const SceneOptions& scene, Random& random) { return random.Uniform(1, scene.length_s - 1.5); }
@@ -154,7 +153,7 @@ std::span<const SceneKindName> SceneKinds() {
 
 SceneOptions DrawScene(SceneKind kind, std::uint64_t seed) {
   const auto index = static_cast<std::uint64_t>(kind);
-  Random random(seed, kStream + index);
+  Random random(seed, kScriptStream + index);
   SceneOptions scene;
   // Scenes of two kinds with the same seed have nothing else in common.
   scene.seed = seed ^ (index << 56);

@@ -9,8 +9,7 @@
 namespace stopngo {
 namespace {
 
-constexpr std::uint64_t kStream = 0x5a;  // of random numbers: the shake's
-constexpr double kJolt_s = 0.45;         // after which a jolt has lost a half
+constexpr double kJolt_s = 0.45;  // after which a jolt has lost a half
 constexpr double kJitterHz = 30;
 constexpr double kRoadHz = 6;
 
@@ -21,7 +20,7 @@ double Noise(double at, std::uint32_t seed) {
 }  // namespace
 
 Shake::Shake(const CameraOptions& options, std::uint64_t seed) : options_(options), seed_(0) {
-  Random random(seed, kStream);
+  Random random(seed, kShakeStream);
   rock_hz_ = random.Uniform(1.2, 2.2);  // the body on its springs
   idle_hz_ = random.Uniform(22, 28);    // four cylinders, two ignitions a turn, at 660 to 840 turns a minute
   seed_ = static_cast<std::uint32_t>(random.Next());

@@ -14,8 +14,6 @@
 namespace stopngo {
 namespace {
 
-constexpr std::uint64_t kStream = 0x7e;  // of random numbers: the vehicle's
-
 /// Digits of a number plate, 3 × 5 cells, the upper row in the highest bits.
 constexpr std::array<std::uint16_t, 10> kDigits{0x7b6f, 0x2c97, 0x73e7, 0x73cf, 0x5bc9,
                                                 0x79cf, 0x79ef, 0x7249, 0x7bef, 0x7bcf};
@@ -104,7 +102,7 @@ void PaintPlate(Texture& texture, double low, Random& random) {
 
 Vehicle BuildVehicle(const VehicleOptions& options, double texels_per_metre, double most_texels,
                      std::uint64_t seed) {
-  Random random(seed, kStream);
+  Random random(seed, kPaintStream);
   const VehicleVariant& variant = VariantOf(DrawKind(options, random));
   const VehicleLook& look = variant.look;
   const double half_width = random.Uniform(variant.least_half, variant.most_half);

@@ -133,9 +133,9 @@ class Blades {
 };
 
 /// Drops on the glass, each a small lens that shows the street upside down: bright below, dark above.
-class Windscreen : public ScreenEffect {
+class WetGlass : public ScreenEffect {
  public:
-  Windscreen(const Stage& stage, bool wiped, double most, Random& random) : stage_(stage) {
+  WetGlass(const Stage& stage, bool wiped, double most, Random& random) : stage_(stage) {
     if (wiped) {
       blades_.emplace(stage, random);
     }
@@ -238,11 +238,11 @@ class Falling : public ScreenEffect {
 }  // namespace
 
 std::unique_ptr<ScreenEffect> MakeWipers(const Stage& stage, Random& random) {
-  return std::make_unique<Windscreen>(stage, true, 150, random);
+  return std::make_unique<WetGlass>(stage, true, 150, random);
 }
 
 std::unique_ptr<ScreenEffect> MakeDrops(const Stage& stage, Random& random) {
-  return std::make_unique<Windscreen>(stage, false, 200, random);
+  return std::make_unique<WetGlass>(stage, false, 200, random);
 }
 
 std::unique_ptr<ScreenEffect> MakeRain(const Stage& stage, Random& random) {

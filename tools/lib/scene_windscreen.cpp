@@ -8,19 +8,13 @@
 #include "scene_random.h"
 
 namespace stopngo {
-namespace {
-
-constexpr std::uint64_t kStream = 0x91;  // of random numbers: the windscreen's
-
-}  // namespace
-
 Windscreen::Windscreen(const WindscreenOptions& options, const Light& light, const PicturePart& frame,
                        std::uint64_t seed)
     : ambient_(light.ambient) {
   if (options.bonnet <= 0 && options.reflections <= 0 && options.dirt <= 0) {
     return;
   }
-  Random random(seed, kStream);
+  Random random(seed, kWindscreenStream);
   seed_ = static_cast<std::uint32_t>(random.Next());
   bonnet_tone_ = static_cast<float>(random.Uniform(24, 170));
   const std::size_t pixels = static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height);

@@ -15,8 +15,6 @@ constexpr float kNowhere = 1e9F;
 constexpr float kLampGap = 28;  // between street lamps
 constexpr float kCeiling = 5.2F;
 
-constexpr std::uint64_t kStream = 0x30;  // of random numbers: the world's
-
 }  // namespace
 
 World::Profile World::ProfileOf(WorldOptions::Style style, Random& random) {
@@ -54,7 +52,7 @@ World::World(const WorldOptions& options, const Light& light, double camera_heig
       stop_line_(static_cast<float>(stop_line_m)),
       end_(static_cast<float>(options.street_end_m + travel_m)),
       reach_(150) {
-  Random random(seed, kStream);
+  Random random(seed, kWorldStream);
   seed_ = static_cast<std::uint32_t>(random.Next());
   profile_ = ProfileOf(options.style, random);
   sun_edge_ = static_cast<float>(random.Uniform(-6, 14));

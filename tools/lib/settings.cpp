@@ -92,7 +92,7 @@ bool GivenAsOption(const CLI::App& app, const std::string& name) {
   return given(("--" + name).c_str());
 }
 
-toml::table ParsedFile(const std::string& path) {
+toml::table ParsedToml(const std::string& path) {
   // The parser's own message for a file that is not there names neither the file nor the reason.
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -144,7 +144,7 @@ void SettingsOptions::CompleteWithoutWeights() {
 
 void SettingsOptions::ReadConfiguration() {
   if (config_.empty()) return;
-  const toml::table table = ParsedFile(config_);
+  const toml::table table = ParsedToml(config_);
   for (const auto& [key, node] : table) {
     const std::string name(key.str());
     const std::string where = config_ + ":" + std::to_string(key.source().begin.line) + ": " + name + ": ";

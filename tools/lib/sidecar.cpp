@@ -32,7 +32,7 @@ std::string ReasonOf(const Json::parse_error& fault) {
   return reason == std::string::npos ? text : text.substr(reason + 2);
 }
 
-Json ParsedFile(const std::string& path) {
+Json ParsedJson(const std::string& path) {
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored)) throw Failure(path + ": a folder, not a JSON file");
   errno = 0;
@@ -56,7 +56,7 @@ Json ParsedFile(const std::string& path) {
 /// Takes the entries out of a file's object; every fault names the file and the entry.
 class Reader {
  public:
-  explicit Reader(const std::string& path) : path_(path), object_(ParsedFile(path)) {
+  explicit Reader(const std::string& path) : path_(path), object_(ParsedJson(path)) {
     if (!object_.is_object()) throw Failure(path + ": an object is expected");
   }
 

@@ -13,12 +13,12 @@
 namespace stopngo {
 namespace {
 
-constexpr std::uint64_t kStream = 0x91;  // of random numbers: the starting point's
+constexpr std::uint64_t kStartStream = 0x91;  // of random numbers: the starting point's
 
 /// Small weights into the hidden nodes leave them in the steep part of the logistic; output weights of
 /// both signs give each node a task of its own from the start.
 std::vector<double> StartingPoint(const AlarmLoss& loss, std::size_t hiddens, std::uint64_t seed) {
-  Random random(seed, kStream);
+  Random random(seed, kStartStream);
   std::vector<double> parameters(loss.Parameters(), 0.0);
   const std::size_t weights = parameters.size() - 2 * hiddens - 1;
   for (std::size_t i = 0; i < weights; i++) parameters[i] = random.Uniform(-0.15, 0.15);

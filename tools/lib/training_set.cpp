@@ -13,7 +13,7 @@
 namespace stopngo {
 namespace {
 
-constexpr std::uint64_t kStream = 0x4c;  // of random numbers: the looks'
+constexpr std::uint64_t kLookStream = 0x4c;  // of random numbers: the looks'
 
 // Half a block and more: the edges of what moves then fall everywhere in the blocks, and a region that a
 // user has set a little off is no surprise.
@@ -143,7 +143,7 @@ std::vector<FeatureTrack> CollectTracks(const Module& module, const Settings& se
   InParallel(clips.size(), jobs, [&](std::size_t index) {
     const auto of_clip = std::span(tracks).subspan(index * count, count);
     try {
-      CollectLooks(module, settings, clips[index], Random(looks.seed + index, kStream), of_clip);
+      CollectLooks(module, settings, clips[index], Random(looks.seed + index, kLookStream), of_clip);
     } catch (const Failure& failure) {
       throw NamingClip(clips[index], failure);
     }

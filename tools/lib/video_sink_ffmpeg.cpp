@@ -1,9 +1,6 @@
 // video_sink_ffmpeg.cpp: writes video files through FFmpeg's libraries.
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/opt.h>
-#include <libswscale/swscale.h>
 }
 
 #include <algorithm>
@@ -16,33 +13,15 @@ extern "C" {
 #include <string>
 
 #include "failure.h"
+#include "ffmpeg.h"
 #include "output_file.h"
 #include "video_sink_parts.h"
 
 namespace stopngo {
 namespace {
 
-struct Delete {
-  void operator()(AVFormatContext* format) const {
-    if (format->pb != nullptr) avio_closep(&format->pb);
-    avformat_free_context(format);
-  }
-  void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-  void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
-};
-template <typename Handle>
-using Owned = std::unique_ptr<Handle, Delete>;
-
 /// What every player shows and every encoder of the list below takes.
 constexpr AVPixelFormat kEncoded = AV_PIX_FMT_YUV420P;
-
-std::string Reason(int error) {
-  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-  av_strerror(error, text.data(), text.size());
-  return text.data();
-}
 
 const AVOutputFormat* FormatByEnding(const std::string& path) {
   const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
@@ -119,7 +98,7 @@ class FfmpegSink : public VideoSink {
   }
 
   void Must(int result) const {
-    if (result < 0) throw Failure(options_.path + ": " + Reason(result));
+    if (result < 0) throw Failure(options_.path + ": " + FfmpegError(result));
   }
 
   void OpenEncoder(const AVOutputFormat* format) {
@@ -204,11 +183,11 @@ class FfmpegSink : public VideoSink {
 
   SinkOptions options_;
   OutputFile file_;  // outlives the handles below: it is removed once they are closed
-  Owned<AVFormatContext> format_;
-  Owned<AVCodecContext> codec_;
-  Owned<AVFrame> frame_;
-  Owned<AVPacket> packet_;
-  Owned<SwsContext> scaler_;
+  FfmpegOwned<AVFormatContext> format_;
+  FfmpegOwned<AVCodecContext> codec_;
+  FfmpegOwned<AVFrame> frame_;
+  FfmpegOwned<AVPacket> packet_;
+  FfmpegOwned<SwsContext> scaler_;
   AVStream* stream_ = nullptr;  ///< the format's own
   std::int64_t frames_ = 0;
 };

@@ -1,0 +1,45 @@
+// ffmpeg.h: what the readers and writers through FFmpeg's libraries share. Only used with FFmpeg.
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libswscale/swscale.h>
+}
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace stopngo {
+
+struct FfmpegDeleter {
+  void operator()(AVFormatContext* format) const {
+    if (format->iformat != nullptr) {
+      avformat_close_input(&format);
+      return;
+    }
+    if (format->pb != nullptr) avio_closep(&format->pb);
+    avformat_free_context(format);
+  }
+  void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+  void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+/// An object of the libraries, opened for reading or for writing, and freed as it has to be.
+template <typename Handle>
+using FfmpegOwned = std::unique_ptr<Handle, FfmpegDeleter>;
+
+/// What a negative result of the libraries says.
+inline std::string FfmpegError(int result) {
+  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+  av_strerror(result, text.data(), text.size());
+  return text.data();
+}
+
+/// swscale's vector code reads and writes whole vectors past the last pixel: so many bytes are kept free.
+inline constexpr std::size_t kScalerPadding = 64;
+
+}  // namespace stopngo
