@@ -74,10 +74,10 @@ struct ClipSet {
   }
 
  private:
-  // A pipe would be empty when its SHA-256 is taken.
+  // A pipe has no name to train from again, and is empty when its SHA-256 is taken.
   static void RefuseReadOnce(const std::string& path) {
-    std::error_code none;
-    if (std::filesystem::is_fifo(path, none)) {
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(path, ignored)) {
       throw Failure(path + ": a manifest whose SHA-256 goes into the sidecar has to be a file, not a pipe");
     }
   }

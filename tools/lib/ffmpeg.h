@@ -39,6 +39,9 @@ inline std::string FfmpegError(int result) {
   return text.data();
 }
 
+/// For swscale: the same pixels on every machine, so that a decision can be reproduced on another one.
+inline constexpr int kExactScaling = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT;
+
 /// swscale's vector code reads and writes whole vectors past the last pixel: so many bytes are kept free.
 inline constexpr std::size_t kScalerPadding = 64;
 

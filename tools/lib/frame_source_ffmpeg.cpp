@@ -235,9 +235,9 @@ class FfmpegSource : public FrameSource {
   // name of a method the library would set up the conversion anew for every frame.
   void ConvertToGrey(std::vector<std::uint8_t>& pixels) {
     const auto format = static_cast<AVPixelFormat>(frame_->format);
-    converter_.reset(sws_getCachedContext(
-        converter_.release(), frame_->width, frame_->height, format, frame_->width, frame_->height,
-        AV_PIX_FMT_GRAY8, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr));
+    converter_.reset(sws_getCachedContext(converter_.release(), frame_->width, frame_->height, format,
+                                          frame_->width, frame_->height, AV_PIX_FMT_GRAY8, kExactScaling,
+                                          nullptr, nullptr, nullptr));
     if (!converter_) Fail(std::string("frames of the pixel format ") + av_get_pix_fmt_name(format));
     pixels.reserve(pixels.size() + kScalerPadding);
     std::uint8_t* const target[4] = {pixels.data()};

@@ -9,7 +9,7 @@ namespace {
 
 /// The frame nearest to a time; of two that are equally near the earlier, as with recordings.
 std::int64_t Nearest(double time_s, double fps) {
-  constexpr double kTie = 1e-6;
+  constexpr double kTie = 1e-6;  // frames
   return static_cast<std::int64_t>(std::ceil(time_s * fps - 0.5 - kTie));
 }
 

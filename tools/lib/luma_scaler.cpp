@@ -4,12 +4,6 @@
 #include "frame_source_parts.h"
 
 namespace stopngo {
-namespace {
-
-// The same pixels on every machine, so that a decision can be reproduced on another one.
-constexpr int kFlags = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_BITEXACT;
-
-}  // namespace
 
 LumaScaler::LumaScaler(int width, int height) : width_(width), height_(height) {}
 LumaScaler::~LumaScaler() { sws_freeContext(context_); }
@@ -17,7 +11,7 @@ LumaScaler::~LumaScaler() { sws_freeContext(context_); }
 void LumaScaler::Scale(LumaFrame& frame) {
   // Grey to grey: swscale takes both for full range, and so converts no range.
   context_ = sws_getCachedContext(context_, frame.width, frame.height, AV_PIX_FMT_GRAY8, width_, height_,
-                                  AV_PIX_FMT_GRAY8, kFlags, nullptr, nullptr, nullptr);
+                                  AV_PIX_FMT_GRAY8, kExactScaling, nullptr, nullptr, nullptr);
   if (context_ == nullptr) {
     throw Failure("frames of " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
                   " cannot be scaled to " + std::to_string(width_) + " x " + std::to_string(height_));
