@@ -66,6 +66,7 @@ class Evaluation {
                     ExitCode::kUsage);
     }
     RefuseOverwriting(std::vector{arguments.curve, picture}, options_.Files());
+    CatchInterruption();
     curve_table_.emplace(arguments.curve);
     curve_plot_.emplace(picture);
   }
@@ -78,7 +79,6 @@ class Evaluation {
         settings.back().threshold = threshold;
       }
     }
-    if (curve_table_) CatchInterruption();  // which leaves time to remove the unfinished files
     runs_ = RunClips(clips_, {"eval", settings, !arguments_.baselines.empty(), options_.jobs});
     RunBaselines();
     if (curve_table_) WriteCurveFiles(settings);

@@ -162,10 +162,10 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
 /// One recording on its way through the module onto pictures.
 class Rendering {
  public:
-  Rendering(const RenderArguments& arguments, Outputs outputs)
+  Rendering(const RenderArguments& arguments, Outputs outputs, std::unique_ptr<FrameSource> frames)
       : arguments_(arguments),
         outputs_(std::move(outputs)),
-        frames_(OpenSource(ForSettings(arguments.source, arguments.settings))),
+        frames_(std::move(frames)),
         detector_(module_, arguments.settings, frames_->Info()),
         overlay_(Info(), ProbeSampledArea(module_, arguments.settings, Info()), arguments.history_s),
         still_(outputs_.still, arguments.still_at, Info().fps > 0 ? 0.5 / Info().fps : 0) {
@@ -175,7 +175,6 @@ class Rendering {
   }
 
   void Run() {
-    CatchInterruption();
     RenderFrames();
     if (still_.Missing()) {
       throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
@@ -248,7 +247,10 @@ class Rendering {
 
 void Render(RenderArguments& arguments) {
   arguments.options.Complete();
-  Rendering rendering(arguments, OutputsOf(arguments));
+  Outputs outputs = OutputsOf(arguments);
+  auto frames = OpenSource(ForSettings(arguments.source, arguments.settings));
+  CatchInterruption();
+  Rendering rendering(arguments, std::move(outputs), std::move(frames));
   rendering.Run();
   if (arguments.output == "-") {
     std::cerr << rendering.Tell() << '\n';  // standard output is the video

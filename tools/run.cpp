@@ -57,11 +57,11 @@ void Run::operator()() {
   const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source, settings));
   const Module module;
   Detector detector(module, settings, frames->Info());
+  CatchInterruption();
   const auto trace_file = OpenOutput(trace);
   const auto debug_file = OpenOutput(settings.debug_fb);
   if (trace_file) WriteTraceHeader(trace_file->Stream());
   RunReport report(json);
-  CatchInterruption();
   {
     // The module's own lines and a progress bar would write over each other.
     std::optional<Progress> progress;

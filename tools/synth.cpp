@@ -176,7 +176,6 @@ std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_jso
 }
 
 void Render(const Scene& scene, const SceneOptions& options, VideoSink& sink) {
-  CatchInterruption();
   Progress progress("Rendering", scene.Frames());
   std::vector<std::uint8_t> luma(static_cast<std::size_t>(options.width) *
                                  static_cast<std::size_t>(options.height));
@@ -205,6 +204,7 @@ void Synth(SynthArguments arguments) {
   const bool to_stdout = arguments.output == "-";
   if (arguments.labels.empty() && !to_stdout) arguments.labels = arguments.output + ".labels.tsv";
 
+  CatchInterruption();
   // Outputs are opened before the work, so that one that cannot be written is told at once.
   const auto sink =
       OpenSink({arguments.output, options.width, options.height, options.fps, PixelFormat::kGray});
