@@ -1,0 +1,172 @@
+// detector.cpp: one detector running in the module, as a device's host would drive it.
+#include "host/detector.h"
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "decision.h"
+#include "host/check.h"
+#include "host/failure.h"
+#include "host/setting_table.h"
+#include "host/stdout_guard.h"
+#include "vel_stopngo_ctx.h"
+
+namespace stopngo {
+namespace {
+
+// A framebuffer of more than this many columns or rows is a slip of the keyboard.
+constexpr int kFramebufferLimit = 16384;
+
+// What the callback said during one write.
+struct Report {
+  bool came = false;
+  int decision = 0;
+};
+
+int TakeDecision(void* param, int flag) {
+  *static_cast<Report*>(param) = {true, flag};
+  return 0;
+}
+
+}  // namespace
+
+struct Detector::State {
+  State(const Module& module, const FrameFormat& given)
+      : operations(module.Operations()),
+        score(module.Routine<decltype(Classify_Feature_)>("Classify_Feature_")),
+        context(std::make_unique<VEL_STOPNGO_CTX>()),
+        frames(given) {
+    operations.open(context.get());
+  }
+  ~State() { operations.close(context.get()); }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+
+  template <typename Value>
+  void Control(VEL_CTRL_STOPNGO code, Value value) {
+    operations.control(context.get(), code, value, VEL_CTRL_STOPNGO_END);
+  }
+  void SendInternal(VEL_CTRL_STOPNGO code, const Settings& settings);
+  void SendPath(VEL_CTRL_STOPNGO code, const Settings& settings);
+  void MakeFramebuffer(const Settings& settings);
+
+  const VEL_STOPNGO_OPERATION& operations;
+  decltype(Classify_Feature_)* score;
+  std::unique_ptr<VEL_STOPNGO_CTX> context;
+  FrameFormat frames;
+  std::vector<char> framebuffer;
+  Report report;
+};
+
+void Detector::State::SendInternal(VEL_CTRL_STOPNGO code, const Settings& settings) {
+  if (code == VEL_CTRL_STOPNGO_UPDATE_PARAMS) {
+    int unused = 0;
+    Control(code, &unused);
+  } else if (code == VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK) {
+    Control(code, &TakeDecision);
+  } else if (code == VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS) {
+    Control(code, static_cast<void*>(&report));
+  } else if (code == VEL_CTRL_STOPNGO_LOAD_CLASSIFY && !settings.weights.empty()) {
+    int result = -1;
+    Control(code, &result);
+    if (result != 0) throw Failure(settings.weights + ": the module could not read the weights");
+  }
+}
+
+void Detector::State::SendPath(VEL_CTRL_STOPNGO code, const Settings& settings) {
+  if (code == VEL_CTRL_STOPNGO_DEBUG_FB && !settings.debug_fb.empty()) MakeFramebuffer(settings);
+  if (code == VEL_CTRL_STOPNGO_SET_CLASSIFY_PATH && !settings.weights.empty()) {
+    CheckWeights(settings.weights, *context);
+    Control(code, settings.weights.c_str());
+  }
+}
+
+void Detector::State::MakeFramebuffer(const Settings& settings) {
+  const auto usable = [](int length) { return length >= 1 && length <= kFramebufferLimit; };
+  if (!usable(settings.lcd_width) || !usable(settings.lcd_height)) {
+    throw Failure("--lcd-width and --lcd-height: a framebuffer has 1 to " +
+                      std::to_string(kFramebufferLimit) + " columns and rows",
+                  ExitCode::kUsage);
+  }
+  constexpr std::size_t kBytesAPixel = 4;
+  framebuffer.assign(kBytesAPixel * settings.lcd_width * settings.lcd_height, 0);
+  Control(VEL_CTRL_STOPNGO_DEBUG_FB, framebuffer.data());
+}
+
+Detector::Detector(const Module& module, const Settings& settings, const FrameFormat& frames)
+    : state_(std::make_unique<State>(module, frames)) {
+  if (settings.weights.empty() && !settings.no_weights) {
+    throw Failure(
+        "no weights: give a file with --weights, or --no-weights to run with a score of 0.5 on every frame",
+        ExitCode::kUsage);
+  }
+  // Loading prints its line whatever the log level; here it is one of the log's.
+  const StdoutGuard guard(settings.log > 0 ? ModuleLines::kMessages : ModuleLines::kDropped);
+  State& state = *state_;
+  for (const Setting& setting : SettingTable()) {
+    if (setting.code == VEL_CTRL_STOPNGO_END) continue;
+    struct Sender {
+      State& state;
+      const Settings& settings;
+      VEL_CTRL_STOPNGO code;
+
+      void operator()(Internal) const { state.SendInternal(code, settings); }
+      void operator()(int Settings::*field) const { state.Control(code, settings.*field); }
+      void operator()(std::optional<int> Settings::*field) const {
+        state.Control(code, (settings.*field).value_or(state.frames.width));
+      }
+      void operator()(double Settings::*field) const { state.Control(code, settings.*field); }
+      void operator()(const RateField& number) const { state.Control(code, settings.*number.field); }
+      void operator()(FrameCount Settings::*field) const {
+        state.Control(code, (settings.*field).Frames(state.frames.fps));
+      }
+      void operator()(std::string Settings::*) const { state.SendPath(code, settings); }
+      void operator()(bool Settings::*field) const { state.Control(code, settings.*field ? 1 : 0); }
+      void operator()(const Choice& choice) const { state.Control(code, settings.*choice.field); }
+    };
+    std::visit(Sender{state, settings, setting.code}, setting.field);
+  }
+  CheckFrameSize(*state.context, frames);
+}
+
+Detector::~Detector() = default;
+
+FrameReport Detector::Write(LumaFrame& frame) {
+  State& state = *state_;
+  VEL_STOPNGO_CTX& context = *state.context;
+  if (frame.width != state.frames.width || frame.height != state.frames.height) {
+    throw Failure("frame " + std::to_string(frame.index) +
+                  ": not of the size that the detector was opened for");
+  }
+  FrameReport report;
+  report.index = frame.index;
+  report.time_s = frame.time_s;
+  // The write itself may end a hold or start one, so what it is going to do is read off before.
+  report.decided = context.FrameOld != nullptr;
+  report.analysed = report.decided && !InHold(context);
+  state.report = {};
+  off_t result = 0;
+  {
+    const StdoutGuard guard(context.Log > 0 ? ModuleLines::kMessages : ModuleLines::kNone);
+    const auto start = std::chrono::steady_clock::now();
+    result = state.operations.write(&context, frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
+    report.write_ns =
+        std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+  }
+  if (result != 0) {
+    throw Failure("frame " + std::to_string(frame.index) + ": the module refused it: " + MisfitOf(context));
+  }
+  if (report.analysed) {
+    report.score = state.score(context.Feature, context.Weight, context.Features_2, context.Hiddens);
+  }
+  report.alarm_counter = context.AlarmCounter[0];
+  report.hold_timer = context.AlarmCounter[1];
+  report.changed = state.report.came;
+  report.decision = report.changed ? state.report.decision : context.Flag;
+  return report;
+}
+
+const VEL_STOPNGO_CTX& Detector::Context() const { return *state_->context; }
+
+}  // namespace stopngo

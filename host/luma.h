@@ -1,0 +1,48 @@
+// luma.h: luma planes as they are handed to the module.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace stopngo {
+
+struct FrameSize {
+  int width = 0;
+  int height = 0;
+  bool operator==(const FrameSize&) const = default;
+};
+
+/// The frames that the module takes in full resolution. They stand for a working size of 800 × 480.
+inline constexpr std::array kOriginalSizes{FrameSize{1920, 1080}, FrameSize{1280, 720}};
+
+/// The full resolution that settings announce; nothing where frames are of the working size, as those of a
+/// working width that happens to be one of the two are.
+inline std::optional<FrameSize> OriginalSize(int original_width, int working_width) {
+  for (const FrameSize& size : kOriginalSizes) {
+    if (size.width == original_width && original_width != working_width) return size;
+  }
+  return std::nullopt;
+}
+
+inline bool IsOriginalSize(const FrameSize& size) { return std::ranges::count(kOriginalSizes, size) > 0; }
+
+/// One luma plane: width × height bytes, rows without padding.
+struct LumaFrame {
+  int width = 0;
+  int height = 0;
+  std::int64_t index = 0;  ///< frame number in the input, from 0
+  double time_s = 0;       ///< seconds from the first frame of the input
+  std::vector<std::uint8_t> pixels;
+};
+
+/// Frames that follow one another.
+struct FrameFormat {
+  int width = 0;
+  int height = 0;
+  double fps = 0;  ///< frames a second that are handed over
+};
+
+}  // namespace stopngo

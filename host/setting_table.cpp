@@ -1,0 +1,194 @@
+// setting_table.cpp: the one table of settings, which drives the options, the TOML keys and the calls of
+// the module's control.
+#include "host/setting_table.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kFilterNames[] = {"none", "median", "gaussian"};
+
+using S = Settings;
+constexpr std::array kTable = {
+    Setting{"input-width", VEL_CTRL_STOPNGO_INPUT_WIDTH, &S::input_width, "columns of a working-size frame"},
+    Setting{"input-height", VEL_CTRL_STOPNGO_INPUT_HEIGHT, &S::input_height, "rows of a working-size frame"},
+    Setting{
+        "original-size", VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, &S::original_size,
+        "width of the frames handed over (1920, 1280 or the input width); follows the frames when not given"},
+    Setting{"roi-x", VEL_CTRL_STOPNGO_ROI_X, &S::roi_x, "left column of the region of interest"},
+    Setting{"roi-y", VEL_CTRL_STOPNGO_ROI_Y, &S::roi_y, "top row of the region"},
+    Setting{"roi-width", VEL_CTRL_STOPNGO_ROI_WIDTH, &S::roi_width, "columns of the region"},
+    Setting{"roi-height", VEL_CTRL_STOPNGO_ROI_HEIGHT, &S::roi_height, "rows of the region"},
+    Setting{"scale", VEL_CTRL_STOPNGO_SET_SCALE, &S::scale,
+            "zoom into the region, in tenths: 2, 4, 5, 6, 7, 8 (with --original 2, 4, 6, 8); 0 is off", true},
+    Setting{"block-size", VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, &S::block_size, "side of a motion block, pixels",
+            true},
+    Setting{"features", VEL_CTRL_STOPNGO_SET_FEATURES_COUNT, &S::features, "features of one frame"},
+    Setting{"hiddens", VEL_CTRL_STOPNGO_SET_HIDDENS_COUNT, &S::hiddens, "hidden nodes of the perceptron"},
+    Setting{"time-beeping", VEL_CTRL_STOPNGO_SET_TIME_BEEPING, &S::time_beeping,
+            "how long after an alarm the decision stays 1: frames (25) or seconds (1.5s)", true},
+    Setting{"time-cooling", VEL_CTRL_STOPNGO_SET_TIME_COOLING, &S::time_cooling,
+            "how long after an alarm nothing is analysed: frames or seconds", true},
+    Setting{"time-leaving", VEL_CTRL_STOPNGO_SET_TIME_LEAVING, &S::time_leaving,
+            "count of high scores to be exceeded for an alarm: frames or seconds", true},
+    Setting{"frame-skip", VEL_CTRL_STOPNGO_SET_FRAME_SKIP, &S::frame_skip,
+            "how long the decision is held at 0 from the start: frames or seconds"},
+    Setting{"threshold", VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, &S::threshold,
+            "score to be exceeded, 0 to 1", true},
+    Setting{"gap-op", VEL_CTRL_STOPNGO_SET_GAP_OP, &S::gap_op, "taken off the alarm count on a low score",
+            true},
+    Setting{"filter", VEL_CTRL_STOPNGO_SET_FILTER, Choice{&S::filter, kFilterNames},
+            "smoothing of the region: none, median, gaussian, or 0 to 2", true},
+    Setting{"log", VEL_CTRL_STOPNGO_SET_LOG, &S::log, "above 0: the module's own lines, on standard error"},
+    Setting{"lcd-width", VEL_CTRL_STOPNGO_LCD_WIDTH, &S::lcd_width, "columns of the debug framebuffer"},
+    Setting{"lcd-height", VEL_CTRL_STOPNGO_LCD_HEIGHT, &S::lcd_height, "rows of the debug framebuffer"},
+    // The framebuffer itself is the tool's; the setting says where its picture goes at the end.
+    Setting{"debug-fb", VEL_CTRL_STOPNGO_DEBUG_FB, &S::debug_fb,
+            "PPM file that receives the debug framebuffer after the last frame"},
+    // Always sent, here and once: block grid, cell grid and feature layout follow the sizes above.
+    Setting{"", VEL_CTRL_STOPNGO_UPDATE_PARAMS, Internal{}, ""},
+    // The tool's own callback and its argument: every decision that is shown comes through them.
+    Setting{"", VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK, Internal{}, ""},
+    Setting{"", VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS, Internal{}, ""},
+    Setting{"weights", VEL_CTRL_STOPNGO_SET_CLASSIFY_PATH, &S::weights, "weights file of the perceptron"},
+    // Follows the path, and only where there is one.
+    Setting{"", VEL_CTRL_STOPNGO_LOAD_CLASSIFY, Internal{}, ""},
+    Setting{"no-weights", VEL_CTRL_STOPNGO_END, &S::no_weights, "run without weights: every score is 0.5"},
+    Setting{"rate", VEL_CTRL_STOPNGO_END, RateField{&S::rate},
+            "frames a second to hand over, the nearest ones; 0: all", true},
+};
+
+// The shortest text that reads back as the same number.
+std::string NumberText(double number) {
+  std::array<char, 32> text;
+  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
+template <typename Number>
+std::optional<Number> NumberOf(const std::string& text) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc{} || stop != end || text.empty()) return std::nullopt;
+  return number;
+}
+
+// The module's 32-bit fields are partly signed, partly unsigned, and take any bits.
+int IntegerOf(const std::string& text) {
+  const std::optional<std::int64_t> number = NumberOf<std::int64_t>(text);
+  if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
+      *number > std::numeric_limits<std::uint32_t>::max()) {
+    throw std::invalid_argument("'" + text + "' is no whole number from -2147483648 to 4294967295");
+  }
+  return static_cast<int>(*number);
+}
+
+double RealOf(const std::string& text) {
+  const std::optional<double> number = NumberOf<double>(text);
+  if (!number || !std::isfinite(*number)) throw std::invalid_argument("'" + text + "' is no number");
+  return *number;
+}
+
+double RateOf(const std::string& text) {
+  const double rate = RealOf(text);
+  if (rate != 0 && rate < kLowestRate) {
+    throw std::invalid_argument("'" + text + "' is neither 0 nor " + NumberText(kLowestRate) + " or more");
+  }
+  return rate;
+}
+
+FrameCount FrameCountOf(const std::string& text) {
+  if (!text.ends_with('s')) {
+    try {
+      return {static_cast<double>(IntegerOf(text)), false};
+    } catch (const std::invalid_argument&) {
+      throw std::invalid_argument("'" + text + "' is neither a number of frames (25) nor of seconds (1.5s)");
+    }
+  }
+  const std::optional<double> seconds = NumberOf<double>(text.substr(0, text.size() - 1));
+  // A year: beyond it the frames would not fit the module's counters at any rate worth having.
+  if (!seconds || !(*seconds >= 0 && *seconds <= 366 * 86400.0)) {
+    throw std::invalid_argument("'" + text + "' is no number of seconds");
+  }
+  return {*seconds, true};
+}
+
+int ChoiceOf(const std::string& text, const Choice& choice) {
+  std::string expected;
+  for (std::size_t i = 0; i < choice.names.size(); ++i) {
+    if (text == choice.names[i] || text == std::to_string(i)) return static_cast<int>(i);
+    expected += std::string(choice.names[i]) + ", ";
+  }
+  throw std::invalid_argument("'" + text + "' is none of " + expected + "0 to " +
+                              std::to_string(choice.names.size() - 1));
+}
+
+// One overload a kind of field: how its text is read, and how it is written.
+struct Reader {
+  Settings& settings;
+  const std::string& text;
+
+  void operator()(Internal) const {}
+  void operator()(int Settings::*field) const { settings.*field = IntegerOf(text); }
+  void operator()(std::optional<int> Settings::*field) const { settings.*field = IntegerOf(text); }
+  void operator()(double Settings::*field) const { settings.*field = RealOf(text); }
+  void operator()(const RateField& rate) const { settings.*rate.field = RateOf(text); }
+  void operator()(FrameCount Settings::*field) const { settings.*field = FrameCountOf(text); }
+  void operator()(std::string Settings::*field) const {
+    if (text.empty()) throw std::invalid_argument("a path is missing");
+    settings.*field = text;
+  }
+  void operator()(bool Settings::*field) const {
+    if (text != "true" && text != "false")
+      throw std::invalid_argument("'" + text + "' is neither true nor false");
+    settings.*field = text == "true";
+  }
+  void operator()(const Choice& choice) const { settings.*choice.field = ChoiceOf(text, choice); }
+};
+
+struct Writer {
+  const Settings& settings;
+
+  std::string operator()(Internal) const { return {}; }
+  std::string operator()(int Settings::*field) const { return std::to_string(settings.*field); }
+  std::string operator()(std::optional<int> Settings::*field) const {
+    return (settings.*field).has_value() ? std::to_string(*(settings.*field)) : std::string();
+  }
+  std::string operator()(double Settings::*field) const { return NumberText(settings.*field); }
+  std::string operator()(const RateField& rate) const { return NumberText(settings.*rate.field); }
+  std::string operator()(FrameCount Settings::*field) const {
+    const FrameCount& count = settings.*field;
+    return NumberText(count.value) + (count.seconds ? "s" : "");
+  }
+  std::string operator()(std::string Settings::*field) const { return settings.*field; }
+  std::string operator()(bool Settings::*field) const { return settings.*field ? "true" : "false"; }
+  std::string operator()(const Choice& choice) const { return choice.names[settings.*choice.field]; }
+};
+
+}  // namespace
+
+std::span<const Setting> SettingTable() { return kTable; }
+
+const Setting* FindSetting(std::string_view name) {
+  const auto* const row = std::find_if(kTable.begin(), kTable.end(), [&](const Setting& setting) {
+    return !name.empty() && name == setting.name;
+  });
+  return row == kTable.end() ? nullptr : row;
+}
+
+void SetFromText(Settings& settings, const Setting& setting, const std::string& text) {
+  std::visit(Reader{settings, text}, setting.field);
+}
+
+std::string TextOf(const Settings& settings, const Setting& setting) {
+  return std::visit(Writer{settings}, setting.field);
+}
+
+}  // namespace stopngo

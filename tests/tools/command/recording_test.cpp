@@ -1,0 +1,100 @@
+// recording_test.cpp: recordings as cameras leave them: joined from pieces, with gaps, upside down.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/failure.h"
+#include "host/file.h"
+#include "scene/scene.h"
+#include "support/command.h"
+#include "video/frame_source.h"
+
+namespace stopngo::test {
+namespace {
+
+class RecordingTest : public testing::Test {
+ protected:
+  /// A scene of two seconds, 50 frames.
+  [[nodiscard]] std::string Scene(const std::string& name) const {
+    EXPECT_EQ(Stopngo("synth " + folder_ / name + " --length 2 --size 320x192").exit_code, 0);
+    return folder_ / name;
+  }
+  static std::vector<LumaFrame> Frames(const std::string& path, double rate) {
+    SourceOptions options;
+    options.input = path;
+    options.width = 320;
+    options.height = 192;
+    options.rate = rate;
+    const auto source = OpenSource(options);
+    std::vector<LumaFrame> frames;
+    for (LumaFrame frame; source->Next(frame);) frames.push_back(frame);
+    return frames;
+  }
+  TemporaryFolder folder_;
+};
+
+// As a dashboard camera's files are joined: the clock of each piece starts anew.
+TEST_F(RecordingTest, ClockGoesOnWhereAPieceEnds) {
+  const std::string piece = ReadFile(Scene("piece.ts"));
+  const std::string joined = folder_.File("joined.ts", piece + piece + piece);
+  const std::vector<LumaFrame> all = Frames(joined, 0);
+  ASSERT_EQ(all.size(), 150U);
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    EXPECT_NEAR(all[i].time_s, static_cast<double>(i) / 25, 1e-3) << i;
+  }
+  EXPECT_EQ(Frames(joined, 5).size(), 30U);
+}
+
+/// An MP4 file with the numbers (16.16 fixed) that its track's header has for the axes of the picture.
+std::string Turned(std::string mp4, std::string_view xx, std::string_view xy, std::string_view yx,
+                   std::string_view yy) {
+  constexpr std::size_t kMatrix = 4 + 40;  // behind the box's name
+  const std::size_t matrix = mp4.find("tkhd") + kMatrix;
+  mp4.replace(matrix, 4, xx).replace(matrix + 4, 4, xy);
+  return mp4.replace(matrix + 12, 4, yx).replace(matrix + 16, 4, yy);
+}
+
+TEST_F(RecordingTest, PicturesAreTurnedAsTheRecordingSays) {
+  using namespace std::string_view_literals;
+  constexpr auto kOne = "\x00\x01\x00\x00"sv;
+  constexpr auto kMinusOne = "\xff\xff\x00\x00"sv;
+  constexpr auto kZero = "\x00\x00\x00\x00"sv;
+  const std::string upright = Scene("upright.mp4");
+  const std::string mp4 = ReadFile(upright);
+  const std::string turned = folder_.File("turned.mp4", Turned(mp4, kMinusOne, kZero, kZero, kMinusOne));
+  std::vector<LumaFrame> frames = Frames(upright, 5);
+  const std::vector<LumaFrame> upside_down = Frames(turned, 5);
+  ASSERT_EQ(upside_down.size(), frames.size());
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    std::reverse(frames[i].pixels.begin(), frames[i].pixels.end());
+    EXPECT_TRUE(upside_down[i].pixels == frames[i].pixels) << i;
+  }
+  for (const std::string& other :
+       {Turned(mp4, kZero, kOne, kMinusOne, kZero), Turned(mp4, kMinusOne, kZero, kZero, kOne)}) {
+    EXPECT_THROW(Frames(folder_.File("other.mp4", other), 5), Failure);
+  }
+}
+
+// A video has to show a moment when the recording did.
+TEST_F(RecordingTest, RenderedVideosKeepTheTimesBehindAGap) {
+  constexpr std::size_t kPacket = 188;
+  const std::string piece = ReadFile(Scene("piece.ts"));
+  const std::size_t third = piece.size() / kPacket / 3 * kPacket;
+  const std::string gap = folder_.File("gap.ts", piece.substr(0, third) + piece.substr(2 * third));
+  const std::vector<LumaFrame> frames = Frames(gap, 0);
+  ASSERT_LT(frames.size(), 50U);
+  const std::string video = folder_ / "seen.y4m";
+  const CommandResult result = Stopngo("render " + gap + " " + video + " --no-weights --rate 0");
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  constexpr std::size_t kPicture = 6 + 3 * 800 * 480;
+  const std::size_t pictures = ReadFile(video).size() / kPicture;
+  EXPECT_EQ(pictures, std::llround(frames.back().time_s * 25) + 1);
+}
+
+}  // namespace
+}  // namespace stopngo::test

@@ -1,0 +1,465 @@
+// run_test.cpp: stopngo run, from the command line to the summary and the files it leaves.
+#include <gtest/gtest.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "command/settings_options.h"
+#include "host/detector.h"
+#include "host/failure.h"
+#include "host/file.h"
+#include "host/module.h"
+#include "host/settings.h"
+#include "support/command.h"
+#include "vel_stopngo_ctx.h"
+
+namespace stopngo::test {
+namespace {
+
+constexpr int kWidth = 800;
+constexpr int kHeight = 480;
+constexpr int kDefaultWeights = 2593;
+
+// A texture that moves two pixels down and one to the right a frame, so that scores vary.
+std::string Plane(int frame) {
+  std::string plane(std::size_t{kWidth} * kHeight, '\0');
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      const auto u = static_cast<unsigned>(x - frame + 1000) / 5;
+      const auto v = static_cast<unsigned>(y - 2 * frame + 1000) / 5;
+      const unsigned mixed = (u * 2654435761U) ^ (v * 2246822519U);
+      plane[std::size_t{kWidth} * y + x] = static_cast<char>(mixed >> 13);
+    }
+  }
+  return plane;
+}
+
+std::string RawVideo(int frames) {
+  std::string video;
+  for (int i = 0; i < frames; ++i) video += Plane(i);
+  return video;
+}
+
+std::string Y4m(int frames, const std::string& layout, std::size_t chroma_bytes) {
+  std::string video = "YUV4MPEG2 W800 H480 F25:1 Ip " + layout + "\n";
+  for (int i = 0; i < frames; ++i) video += "FRAME\n" + Plane(i) + std::string(chroma_bytes, '\x55');
+  return video;
+}
+
+// Weights that let the score swing: small integers, all exact.
+std::string Weights(int numbers = kDefaultWeights) {
+  std::string bytes;
+  for (int i = 0; i < numbers; ++i) {
+    const float weight = static_cast<float>(i * 7919 % 13 - 6) / 4;
+    bytes.append(reinterpret_cast<const char*>(&weight), sizeof weight);
+  }
+  return bytes;
+}
+
+using Row = std::map<std::string, std::string>;
+
+std::vector<Row> ReadTrace(const std::string& path) {
+  std::istringstream lines(ReadFile(path));
+  std::vector<std::string> names;
+  std::vector<Row> rows;
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream cells(line);
+    Row row;
+    std::size_t column = 0;
+    for (std::string cell; std::getline(cells, cell, '\t'); ++column) {
+      if (rows.empty() && column == names.size()) names.push_back(cell);
+      row[names.at(column)] = cell;
+    }
+    rows.push_back(row);
+  }
+  rows.erase(rows.begin());
+  return rows;
+}
+
+std::vector<std::string> Column(const std::vector<Row>& rows, const std::string& name) {
+  std::vector<std::string> column;
+  column.reserve(rows.size());
+  for (const Row& row : rows) column.push_back(row.at(name));
+  return column;
+}
+
+std::vector<nlohmann::json> JsonLines(const std::string& text) {
+  std::vector<nlohmann::json> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(nlohmann::json::parse(line));
+  return lines;
+}
+
+// Every frame, as most cases count them.
+const std::string kRaw = "run - --raw 800x480 --rate 0 ";
+
+// What every refusal looks like: its exit code, one sentence with the words asked for, no results.
+void ExpectRefusal(const CommandResult& result, int exit_code, const std::vector<std::string>& words) {
+  EXPECT_EQ(result.exit_code, exit_code) << result.err;
+  EXPECT_EQ(result.err.rfind("stopngo: ", 0), 0U) << result.err;
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  for (const std::string& word : words) EXPECT_NE(result.err.find(word), std::string::npos) << result.err;
+  EXPECT_EQ(result.out, "");
+}
+
+TEST(RunTest, EveryFormOfAnInputGivesTheSameTrace) {
+  constexpr int kCount = 12;
+  constexpr std::size_t kQuarter = std::size_t{400} * 240;
+  const TemporaryFolder folder;
+  const std::string weights = " --weights " + folder.File("w.bin", Weights());
+  const std::string raw = RawVideo(kCount);
+  const std::string mono = folder.File("mono.y4m", Y4m(kCount, "Cmono", 0));
+  struct Form {
+    std::string arguments;
+    std::string input;
+  };
+  std::vector<Form> forms = {
+      {kRaw, raw},
+      {"run --rate 0 --raw 800x480 " + folder.File("v.raw", raw), ""},
+      {"run --rate 0 " + mono, ""},
+      {"run --rate 0 -", Y4m(kCount, "", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C420paldv XCOLORRANGE=FULL", 2 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C422", 4 * kQuarter)},
+      {"run --rate 0 -", Y4m(kCount, "C444", 8 * kQuarter)},
+  };
+#if STOPNGO_WITH_FFMPEG
+  forms.push_back({"run --rate 0 --format yuv4mpegpipe " + mono, ""});
+#endif
+  std::vector<std::vector<Row>> traces;
+  const std::string path = folder / "t.tsv";
+  const std::string options = weights + " --trace " + path;
+  for (const Form& form : forms) {
+    const CommandResult result = Stopngo(form.arguments + options, form.input);
+    ASSERT_EQ(result.exit_code, 0) << form.arguments << ": " << result.err;
+    traces.push_back(ReadTrace(path));
+    for (Row& row : traces.back()) row.erase("write_ns");
+    EXPECT_EQ(traces.back(), traces.front()) << form.arguments;
+  }
+  ASSERT_EQ(traces.front().size(), std::size_t{kCount});
+  const std::vector<std::string> scores = Column(traces.front(), "score_bits");
+  EXPECT_NE(scores.at(1), scores.at(2)) << "the scores do not follow the picture";
+}
+
+TEST(RunTest, DecisionsTraceAndSummaryAgree) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "t.tsv";
+  // At 10 frames a second: 5 frames of beeping within 10 of cooling.
+  const CommandResult result = Stopngo(
+      kRaw + "--raw-fps 10 --no-weights --json --log 1 --time-beeping 0.5s --time-cooling 1s --trace " + path,
+      RawVideo(20));
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  EXPECT_NE(result.err.find("[Stop&Go] result:0.5"), std::string::npos) << "the module's lines are messages";
+
+  // Frame 1 is the first that is scored; the fourth score above the threshold passes the count of 3.
+  const std::vector<nlohmann::json> lines = JsonLines(result.out);
+  ASSERT_EQ(lines.size(), 5U);
+  const std::vector<std::pair<int, int>> expected = {{4, 1}, {10, 2}, {15, 0}, {18, 1}};
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_EQ(lines[i].at("type"), "decision");
+    EXPECT_EQ(lines[i].at("frame"), expected[i].first);
+    EXPECT_EQ(lines[i].at("decision"), expected[i].second);
+    EXPECT_DOUBLE_EQ(lines[i].at("time").get<double>(), expected[i].first / 10.0);
+  }
+
+  const std::vector<Row> rows = ReadTrace(path);
+  ASSERT_EQ(rows.size(), 20U);
+  std::map<std::string, int> frames_by_decision;
+  for (std::size_t i = 1; i < rows.size(); ++i) {
+    const bool hold = (i > 4 && i < 15) || i > 18;
+    EXPECT_EQ(rows[i].at("analysed"), hold ? "0" : "1") << i;
+    EXPECT_EQ(rows[i].at("score"), hold ? "0" : "0.5") << i;
+    EXPECT_EQ(rows[i].at("score_bits"), hold ? "00000000" : "3f000000") << i;
+    ++frames_by_decision[rows[i].at("decision")];
+  }
+  EXPECT_EQ(rows[3].at("alarm_counter"), "3");
+  EXPECT_EQ(rows[14].at("hold_timer"), "10");
+
+  const nlohmann::json& summary = lines.back();
+  EXPECT_EQ(summary.at("type"), "summary");
+  EXPECT_EQ(summary.at("frames"), 20);
+  EXPECT_EQ(summary.at("decided"), 19);
+  EXPECT_EQ(summary.at("analysed"), 8);
+  EXPECT_EQ(summary.at("decisions").at("none"), frames_by_decision["0"]);
+  EXPECT_EQ(summary.at("decisions").at("alarm"), frames_by_decision["1"]);
+  EXPECT_EQ(summary.at("decisions").at("cooling"), frames_by_decision["2"]);
+  EXPECT_EQ(summary.at("changes"), nlohmann::json::parse(R"({"none": 1, "alarm": 2, "cooling": 1})"));
+  std::vector<double> times;
+  for (const std::string& time : Column(rows, "write_ns")) times.push_back(std::stod(time));
+  std::sort(times.begin(), times.end());
+  EXPECT_NEAR(summary.at("write_ns").at("p50").get<double>(), times.at(9), 1);
+  EXPECT_NEAR(summary.at("write_ns").at("p95").get<double>(), times.at(18), 1);
+  EXPECT_NEAR(summary.at("write_ns").at("max").get<double>(), times.at(19), 1);
+}
+
+TEST(RunTest, RateTakesTheNearestFrames) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "t.tsv";
+  const auto frames = [&](const std::string& arguments) {
+    const CommandResult result =
+        Stopngo("run - --raw 800x480 --no-weights --trace " + path + arguments, RawVideo(9));
+    EXPECT_EQ(result.exit_code, 0) << result.err;
+    return Column(ReadTrace(path), "frame");
+  };
+  using Frames = std::vector<std::string>;
+  EXPECT_EQ(frames(" --raw-fps 30 --rate 10"), (Frames{"0", "3", "6"}));
+  EXPECT_EQ(frames(" --raw-fps 30 --rate 12"), (Frames{"0", "2", "5", "7"}));
+  EXPECT_EQ(frames(" --raw-fps 25 --rate 10"), (Frames{"0", "2", "5", "7"}));
+  EXPECT_EQ(frames(" --raw-fps 25 --rate 25").size(), 9U);
+  EXPECT_EQ(frames(" --raw-fps 25 --rate 0").size(), 9U);
+  EXPECT_EQ(frames(" --raw-fps 5 --rate 8").size(), 9U) << "all there are";
+  EXPECT_EQ(frames(" --raw-fps 12"), (Frames{"0", "2", "4", "6", "8"})) << "6 a second unless told otherwise";
+  EXPECT_EQ(frames(" --raw-fps 25 --rate 0.1"), (Frames{"0"}));
+  // Times in seconds count the frames that are handed over.
+  frames(" --raw-fps 30 --rate 10 --time-cooling 1.2s");
+  EXPECT_EQ(ReadTrace(path).front().at("hold_timer"), "12");
+}
+
+// Opens a detector as run does, from a command line.
+VEL_STOPNGO_CTX ContextFor(const std::vector<std::string>& arguments) {
+  CLI::App app;
+  Settings settings;
+  SettingsOptions options(app, settings);
+  std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+  app.parse(reversed);
+  options.Complete();
+  const FrameFormat source{settings.input_width, settings.input_height, 20};
+  const Module module(STOPNGO_MODULE_FILE);
+  return Detector(module, settings, source).Context();
+}
+
+TEST(RunTest, EverySettingReachesTheModule) {
+  const TemporaryFolder folder;
+  const std::string config = folder.File("all.toml", R"(
+no-weights = true
+input-width = 640
+input-height = 360
+original-size = 641
+roi-x = 4294967295
+roi-y = -2147483648
+roi-width = 200
+roi-height = 130
+scale = 4
+block-size = 9
+features = 40
+hiddens = 7
+time-beeping = "1.5s"
+time-cooling = 33
+time-leaving = "0.26s"
+frame-skip = 9
+threshold = 0.55
+gap-op = -3
+filter = "gaussian"
+log = -1
+lcd-width = 1024
+lcd-height = 600
+)");
+  const VEL_STOPNGO_CTX context = ContextFor({"--config", config, "--roi-height", "120"});
+  EXPECT_EQ(context.EndXInput, 640U);
+  EXPECT_EQ(context.EndYInput, 360U);
+  EXPECT_EQ(context.originalSize, 641);
+  EXPECT_EQ(context.ROI_X, 4294967295U);
+  EXPECT_EQ(context.ROI_Y, 2147483648U);
+  EXPECT_EQ(context.EndX, 200U);
+  EXPECT_EQ(context.EndY, 120U) << "an option wins over the file";
+  EXPECT_EQ(context.Scale, 4);
+  EXPECT_EQ(context.BlockSize, 9U);
+  EXPECT_EQ(context.Features, 40U);
+  EXPECT_EQ(context.Hiddens, 7U);
+  EXPECT_EQ(context.TimeBeeping, 30);
+  EXPECT_EQ(context.TimeCooling, 33);
+  EXPECT_EQ(context.TimeLeaving, 5);
+  EXPECT_EQ(context.FrameSkip, 9);
+  EXPECT_EQ(context.Classifiy, 0.55F);
+  EXPECT_EQ(context.GapOp, -3);
+  EXPECT_EQ(context.Filter, 2);
+  EXPECT_EQ(context.Log, -1);
+  EXPECT_EQ(context.debug_fb_width, 1024U);
+  EXPECT_EQ(context.debug_fb_height, 600U);
+  // Derived from the sizes above, and the hold expired at the new cooling time.
+  EXPECT_EQ(context.NumX, 20U);
+  EXPECT_EQ(context.NumY, 11U);
+  EXPECT_EQ(context.Features_2, 80U);
+  EXPECT_EQ(context.AlarmCounter[1], 33);
+}
+
+TEST(RunTest, WeightsAreCheckedAgainstTheNetwork) {
+  const TemporaryFolder folder;
+  const std::string good = folder.File("good.bin", Weights());
+  const VEL_STOPNGO_CTX context = ContextFor({"--weights", good});
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(context.Weight), Weights().size()), Weights());
+  // Paths in the file start at its folder; either weights option takes the file's out of force.
+  const std::string config = folder.File("w.toml", "weights = \"good.bin\"\n");
+  EXPECT_EQ(ContextFor({"--config", config}).classify_path, good);
+  EXPECT_STREQ(ContextFor({"--config", config, "--no-weights"}).classify_path, "");
+  // The counts in force decide, not the defaults: (2 x 8 + 2) x 4 + 1 numbers.
+  const std::string small = folder.File("small.bin", Weights(73));
+  EXPECT_EQ(ContextFor({"--weights", small, "--features", "8", "--hiddens", "4"}).Features_2, 16U);
+
+  const std::string input = RawVideo(1);
+  const auto refused = [&](const std::string& options, int code, const std::vector<std::string>& words) {
+    ExpectRefusal(Stopngo(kRaw + options, input), code, words);
+  };
+  refused("--weights " + good + " --no-weights", 2, {"--no-weights"});
+  refused("--weights " + folder / "gone.bin", 1, {"gone.bin"});
+  refused("--weights " + folder.File("long.bin", Weights() + "more"), 1, {"long.bin", "10372", "10376"});
+  refused("--weights " + folder.File("short.bin", Weights(2592)), 1, {"short.bin", "10372", "10368"});
+  refused("--weights " + good + " --hiddens 17", 2, {"2755", "2600"});
+  refused("--weights " + folder.File(std::string(130, 'w'), Weights()), 1, {"127"});
+}
+
+TEST(RunTest, DebugPictureShowsTheRegion) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "fb.ppm";
+  const CommandResult result =
+      Stopngo(kRaw + "--no-weights --lcd-width 300 --lcd-height 200 --debug-fb " + path, RawVideo(3));
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  const std::string header = "P6\n300 200\n255\n";
+  const std::string picture = ReadFile(path);
+  ASSERT_EQ(picture.size(), header.size() + 300 * 200 * 3);
+  EXPECT_EQ(picture.substr(0, header.size()), header);
+  const std::string last = Plane(2);
+  const auto pixel = [&](int x, int y) { return picture.substr(header.size() + 3 * (300 * y + x), 3); };
+  for (const auto& [x, y] : {std::pair{0, 0}, std::pair{219, 0}, std::pair{100, 71}, std::pair{219, 139}}) {
+    EXPECT_EQ(pixel(x, y), std::string(3, last[std::size_t{kWidth} * (260 + y) + 290 + x])) << x << ' ' << y;
+  }
+  EXPECT_EQ(pixel(220, 0), std::string(3, '\0'));
+  EXPECT_EQ(pixel(0, 140), std::string(3, '\0'));
+}
+
+TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
+  const TemporaryFolder folder;
+  const std::string video = RawVideo(3);
+  const std::string outputs =
+      " --no-weights --trace " + folder / "t.tsv" + " --debug-fb " + folder / "fb.ppm ";
+  int configs = 0;
+  const auto config = [&](const std::string& text) {
+    return kRaw + "--config " + folder.File("c" + std::to_string(++configs) + ".toml", text);
+  };
+  struct Case {
+    std::string arguments;
+    int exit_code;
+    std::vector<std::string> words;
+  };
+  const std::vector<Case> cases = {
+      {"", 2, {}},
+      {"run", 2, {"INPUT"}},
+      {kRaw + "--bogus", 2, {"--bogus"}},
+      {kRaw + "--roi-x 1.5", 2, {"--roi-x", "1.5"}},
+      {kRaw + "--gap-op 4294967296", 2, {"--gap-op", "4294967296"}},
+      {kRaw + "--time-cooling 2m" + outputs, 2, {"--time-cooling", "2m"}},
+      {kRaw + "--filter blur" + outputs, 2, {"--filter", "gaussian"}},
+      {"run - --raw 800" + outputs, 2, {"--raw", "800"}},
+      {kRaw + "--raw-fps 0" + outputs, 2, {"--raw-fps"}},
+      {"run - --raw 800x480 --rate -1" + outputs, 2, {"--rate"}},
+      {"run - --raw 800x480 --rate 1e-300" + outputs, 2, {"--rate"}},
+      {kRaw + "--input-width 0" + outputs, 2, {"--input-width"}},
+      {kRaw + "--original-size 1280" + outputs, 2, {"1280 x 720", "800 x 480", "--original-size"}},
+      {kRaw + "--lcd-width 0" + outputs, 2, {"--lcd-width"}},
+      {"run " + folder / "gone.mp4" + outputs, 1, {"gone.mp4", "No such file"}},
+      {"run " + folder.File("text.mp4", "no video") + outputs, 1, {"text.mp4"}},
+      {"run - " + outputs, 1, {"standard input", "not Y4M"}},
+      {kRaw + "--original" + outputs, 1, {"800 x 480", "1920 x 1080"}},
+      {kRaw + "--roi-y 400" + outputs, 1, {"frame 0", "220 x 140", "800 x 480", "--roi-y"}},
+      {"run - --rate 0 --raw 800x500 --input-height 500" + outputs, 1, {"frame 2 is cut short"}},
+      {kRaw + "--no-weights --trace " + folder / "none/t.tsv", 1, {"none/t.tsv"}},
+      {kRaw + "--no-weights --trace /dev/full", 1, {"/dev/full"}},
+      {kRaw + "--config " + folder / "gone.toml", 1, {"gone.toml"}},
+      {config("rate = 5\n\nbogus = 1\n"), 1, {"c1.toml:3", "bogus"}},
+      {config("roi-x = [1]\n"), 1, {"c2.toml:1", "roi-x"}},
+      {config("rate = 5\nroi-x = 4294967296\n"), 1, {"c3.toml:2", "roi-x", "4294967296"}},
+      {config("weights = 3\n"), 1, {"c4.toml:1", "weights"}},
+      {config("rate = \n"), 1, {"c5.toml:1"}},
+  };
+  const std::size_t files = folder.Files();
+  for (const Case& bad : cases) {
+    SCOPED_TRACE(bad.arguments);
+    ExpectRefusal(Stopngo(bad.arguments, video), bad.exit_code, bad.words);
+    EXPECT_EQ(folder.Files(), files);
+  }
+}
+
+// A pipe holds less than a frame: when three have gone through, the run has long begun.
+TEST(RunTest, InterruptionEndsTheRunAsTheEndOfTheInputDoes) {
+  const TemporaryFolder folder;
+  const std::string three = folder.File("three.raw", RawVideo(3));
+  const std::string pipe = folder / "pipe";
+  const std::string trace = folder / "t.tsv";
+  const std::string run = STOPNGO_PROGRAM " run - --rate 0 --raw 800x480 --no-weights --trace " + trace;
+  const CommandResult result = Shell("mkfifo " + pipe + "; " + run + " <" + pipe + " & exec 3>" + pipe +
+                                     "; cat " + three + " >&3; kill -INT $!; for i in $(seq 40); do cat " +
+                                     three + " >&3 2>/dev/null; done; exec 3>&-; wait $!; " + "echo code $?");
+  EXPECT_NE(result.out.find("code 0"), std::string::npos) << result.out << result.err;
+  const std::string lines = ReadFile(trace);
+  const auto frames = std::count(lines.begin(), lines.end(), '\n') - 1;
+  EXPECT_GE(frames, 3);
+  EXPECT_LT(frames, 100) << "all were read";
+  EXPECT_NE(result.out.find(std::to_string(frames) + " frames"), std::string::npos) << result.out;
+}
+
+TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
+  const TemporaryFolder folder;
+  const std::string video = folder.File("v.raw", RawVideo(12));
+  const std::string trace = folder / "t.tsv";
+  const std::string run = "run --rate 0 --raw 800x480 --no-weights " + video + " --trace " + trace;
+  ExpectRefusal(Stopngo(run + " >/dev/full"), 1, {"standard output"});
+  ExpectRefusal(Stopngo("--help >/dev/full"), 1, {"standard output"});
+  EXPECT_EQ(folder.Files(), 1U);
+  // A reader that leaves, as head does, is no fault to talk about; an unfinished file goes all the same.
+  const std::string pipe = folder / "pipe";
+  const auto unread = [&pipe](const std::string& arguments) {
+    return Shell("exec 3<>" + pipe + " 4>" + pipe + " 3<&-; " STOPNGO_PROGRAM " " + arguments + " >&4");
+  };
+  ASSERT_EQ(Shell("mkfifo " + pipe).exit_code, 0);
+  const CommandResult left = unread(run);
+  EXPECT_EQ(left.exit_code, 1);
+  EXPECT_EQ(left.err, "");
+  EXPECT_FALSE(std::filesystem::exists(trace + ".part"));
+  ExpectRefusal(unread("run --no-weights gone.y4m"), 1, {"gone.y4m"});
+}
+
+#if STOPNGO_WITH_FFMPEG
+TEST(RunTest, VideosAreScaledWithoutTouchingTheirRange) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "fb.ppm";
+  const std::string run =
+      "run - --rate 0 --format yuv4mpegpipe --no-weights --lcd-width 220 --lcd-height 140 --debug-fb " + path;
+  for (const std::string range : {"LIMITED", "FULL"}) {
+    const std::string header = "YUV4MPEG2 W400 H240 F25:1 C420jpeg XCOLORRANGE=" + range + "\n";
+    for (const char level : {'\0', '\x10', '\xeb', '\xff'}) {
+      const std::string frame =
+          "FRAME\n" + std::string(400 * 240, level) + std::string(2 * 200 * 120, '\x80');
+      std::string video = header;
+      video.append(frame).append(frame);
+      const CommandResult result = Stopngo(run, video);
+      ASSERT_EQ(result.exit_code, 0) << result.err;
+      const std::string picture = ReadFile(path);
+      EXPECT_EQ(picture.substr(picture.size() - 220 * 140 * 3), std::string(220 * 140 * 3, level)) << range;
+    }
+  }
+}
+
+TEST(RunTest, OriginalFramesAreHandedOverAsTheyAre) {
+  const TemporaryFolder folder;
+  const auto source = [](const std::string& size) {
+    return "run --rate 0 --format lavfi testsrc=size=" + size + ":rate=30:duration=0.5 --no-weights --log 1 ";
+  };
+  for (const char* const size : {"1920x1080", "1280x720"}) {
+    const CommandResult result = Stopngo(source(size) + "--original --trace " + folder / "t.tsv");
+    ASSERT_EQ(result.exit_code, 0) << result.err;
+    EXPECT_EQ(result.err.rfind("[Stop&Go] org:" + std::string(size).substr(0, 4), 0), 0U) << result.err;
+    EXPECT_EQ(ReadTrace(folder / "t.tsv").size(), 15U);
+  }
+  const CommandResult scaled = Stopngo(source("1920x1080"));
+  EXPECT_EQ(scaled.err.rfind("[Stop&Go] org:800", 0), 0U) << scaled.err;
+  ExpectRefusal(Stopngo(source("640x480") + "--original"), 1, {"640 x 480", "1280 x 720"});
+}
+#endif
+
+}  // namespace
+}  // namespace stopngo::test

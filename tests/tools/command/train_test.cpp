@@ -1,0 +1,174 @@
+// train_test.cpp: stopngo train, from manifests to weights, sidecar and report.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "clips/clip.h"
+#include "clips/region.h"
+#include "host/detector.h"
+#include "host/file.h"
+#include "host/module.h"
+#include "host/settings.h"
+#include "support/command.h"
+#include "train/report.h"
+#include "train/training_set.h"
+#include "vel_stopngo_ctx.h"
+#include "video/frame_source.h"
+
+namespace stopngo::test {
+namespace {
+
+const std::string kSmall = " --looks 2 --seeds 2 --iterations 4 --rate 5 ";
+
+class TrainTest : public testing::Test {
+ protected:
+  [[nodiscard]] std::string Manifest(const std::string& name, const std::vector<std::string>& clips) const {
+    std::string text = "clip\tregion\trate\tlabels\n";
+    for (const std::string& clip : clips) text += clip + "\t-\t-\t-\n";
+    return folder_.File(name, text);
+  }
+  TemporaryFolder folder_;
+};
+
+TEST_F(TrainTest, WritesTheSameBytesWithAnyNumberOfThreads) {
+  const std::string clips = Manifest("clips.tsv", {"synth:departure:1-2", "synth:standing:1"});
+  const std::string others = Manifest("others.tsv", {"synth:departure:3", "synth:standing:2"});
+  const std::string weights = folder_ / "w.bin";
+  const std::string report = folder_ / "curves.png";
+  const std::string arguments = "train " + clips + " --validation " + others + " --test " + others + kSmall +
+                                "-o " + weights + " --report " + report;
+  const CommandResult one = Stopngo(arguments + " --jobs 1");
+  ASSERT_EQ(one.exit_code, 0) << one.err;
+  const std::string bytes = ReadFile(weights);
+  const std::string sidecar = ReadFile(weights + ".json");
+  EXPECT_EQ(bytes.size(), 10372U);
+  EXPECT_EQ(ReadFile(report).substr(1, 3), "PNG");
+  EXPECT_EQ(folder_.Files(), 5U) << "nothing else is left behind";
+
+  // The weights that a configuration names are about to be replaced, not read.
+  const std::string config = " --config " + folder_.File("car.toml", "weights = \"w.bin\"\n");
+  const CommandResult three = Stopngo(arguments + config + " --jobs 3");
+  EXPECT_EQ(three.out, one.out);
+  EXPECT_TRUE(ReadFile(weights) == bytes);
+  EXPECT_EQ(ReadFile(weights + ".json"), sidecar);
+  EXPECT_EQ(Stopngo("weights " + weights).exit_code, 0);
+
+  const auto json = nlohmann::json::parse(sidecar);
+  EXPECT_EQ(json["training"]["clips"], 3);
+  EXPECT_EQ(json["training"]["seeds"].size(), 2U);
+  EXPECT_EQ(json["settings"]["rate"], 5);
+  EXPECT_EQ(json["figures"]["test"]["all"], json["figures"]["validation"]) << "the same clips and weights";
+}
+
+TEST_F(TrainTest, EveryFifthClipIsKeptApart) {
+  const std::string clips = Manifest("clips.tsv", {"synth:standing:1", "synth:departure:1-4"});
+  const std::string weights = folder_ / "w.bin";
+  const CommandResult result =
+      Stopngo("train " + clips + " --looks 1 --seeds 1 --iterations 2 -o " + weights);
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  const auto json = nlohmann::json::parse(ReadFile(weights + ".json"));
+  EXPECT_EQ(json["training"]["clips"], 4);
+  EXPECT_EQ(json["training"]["validation_clips"], 1);
+  EXPECT_EQ(json["figures"]["validation"]["departures"], 1);
+}
+
+TEST_F(TrainTest, RefusesBeforeItBegins) {
+  const std::string clips = Manifest("clips.tsv", {"synth:departure:1-20000"});
+  const std::string few = Manifest("few.tsv", {"synth:departure:1-4"});
+  const std::string still = Manifest("still.tsv", {"synth:standing:1"});
+  const std::string pipe = folder_ / "pipe";
+  ASSERT_EQ(Shell("mkfifo " + pipe).exit_code, 0);
+  const std::string occupied = folder_ / "occupied";
+  std::filesystem::create_directory(occupied + ".json");
+  const std::string nowhere = folder_ / "no/w.bin";
+  const std::string weights = " -o " + (folder_ / "w.bin");
+  struct Case {
+    std::string arguments;
+    std::string word;
+  };
+  // So many clips take an hour: what is not refused at once runs into the test's time limit.
+  const std::vector<Case> cases{
+      {clips + " -o " + nowhere, nowhere},
+      {clips + weights + " --report " + nowhere, nowhere},
+      {few + weights, "five"},
+      {folder_ / "none.tsv" + weights, "none.tsv"},
+      {pipe + weights, "not a pipe"},
+      {clips + weights + " --looks 0", "--looks"},
+      {clips + weights + " --decay -1", "--decay"},
+      {clips + weights + " --threshold 1", "--threshold"},
+      {clips + weights + " --threshold -1", "--threshold"},
+      {clips + weights + " --hiddens 0", "--hiddens"},
+      {clips + weights + " --features 4000000000", "--features"},
+      {clips + weights + " --rate 0 --time-leaving 0.5s", "--time-leaving"},
+      {clips + weights + " --original-size 1280", "--original-size"},
+      {clips + weights + " --weights none.bin", "--weights"},
+      {clips + weights + " --report " + folder_ / "./w.bin", "is an output already"},
+      {clips + weights + " --report " + folder_ / "w.bin.json", "is an output already"},
+      {clips + weights + " --validation " + still, "no departure"},
+      {clips + weights + " --validation " + few + " --time-leaving 1000", "run of 1001"},
+      {clips + " -o " + occupied, occupied + ".json"},
+      {clips, "--output"},
+  };
+  const std::size_t files = folder_.Files();
+  for (const Case& refused : cases) {
+    const CommandResult result = Stopngo("train " + refused.arguments);
+    EXPECT_NE(result.exit_code, 0) << refused.arguments;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    EXPECT_NE(result.err.find(refused.word), std::string::npos) << result.err;
+    EXPECT_EQ(folder_.Files(), files) << refused.arguments;
+  }
+}
+
+// Nothing to be seen may not mean that nothing is drawn, or for ever.
+TEST(LearningCurves, AreDrawnWhateverTheLossIs) {
+  for (const double loss : {0.0, 1e-300, 1.0, 1e30}) {
+    Training training;
+    for (int iteration = 1; iteration <= 3; iteration++) training.curve.push_back({iteration, loss, loss});
+    std::ostringstream picture;
+    WriteLearningCurves(picture, std::vector{training, Training{}});
+    EXPECT_EQ(picture.str().substr(1, 3), "PNG") << loss;
+  }
+}
+
+// What a network is trained on has to be what it will be shown.
+TEST(CollectTracks, FirstLookIsTheModulesOwnFramePath) {
+  const TemporaryFolder folder;
+  Clip clip;
+  clip.name = clip.kind = "recording";
+  clip.source = folder / "clip.y4m";
+  clip.region = Region{290, 260, 220, 140};
+  clip.labels = {{0, 4, Activity::kStill}, {4, 8, Activity::kLeadDeparts}};
+  ASSERT_EQ(Stopngo("synth " + folder / "clip.y4m" + " --length 8 --departure 4").exit_code, 0);
+  const Module module(STOPNGO_MODULE_FILE);
+  Settings settings;
+  settings.no_weights = true;
+  settings.threshold = 2;  // never reached: an alarm would hold the analysis
+  const auto tracks = CollectTracks(module, settings, std::span(&clip, 1), {3, 1}, 1, [] {});
+  ASSERT_EQ(tracks.size(), 3U);
+
+  const OpenedClip opened = OpenClip(clip, settings.rate, 0);
+  Detector detector(module, settings, opened.frames->Info());
+  std::vector<std::int8_t> expected;
+  LumaFrame frame;
+  while (opened.frames->Next(frame)) {
+    if (!detector.Write(frame).analysed) continue;
+    const auto* const histogram = detector.Context().MotionChunk;
+    expected.insert(expected.end(), histogram, histogram + detector.Context().Features);
+  }
+  EXPECT_TRUE(tracks[0].histograms == expected);
+  EXPECT_FALSE(tracks[1].histograms == expected) << "other looks differ";
+  EXPECT_EQ(tracks[1].Frames(), tracks[0].Frames()) << "up to three looks share their frames";
+  ASSERT_EQ(tracks[0].departures.size(), 1U);
+  EXPECT_EQ(tracks[1].departures[0].begin, tracks[0].departures[0].begin);
+}
+
+}  // namespace
+}  // namespace stopngo::test

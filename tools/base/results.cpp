@@ -1,0 +1,36 @@
+// results.cpp: a subcommand's results, line by line on standard output.
+#include "base/results.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "host/failure.h"
+#include "host/system_error.h"
+
+namespace stopngo {
+
+void WriteResult(std::string_view line) {
+  // On one terminal a progress bar may stand where the line is going to be.
+  if (isatty(STDOUT_FILENO) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
+  errno = 0;
+  const bool written = std::fwrite(line.data(), 1, line.size(), stdout) == line.size();
+  if (!written || std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0) {
+    FailOutput();
+  }
+}
+
+std::string JsonLine(const nlohmann::ordered_json& object) {
+  return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+void FailOutput() {
+  const std::string reason = LastSystemError();
+  pollfd output{STDOUT_FILENO, POLLOUT, 0};
+  if (poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0) throw NobodyReads();
+  throw Failure("standard output: " + reason);
+}
+
+}  // namespace stopngo

@@ -1,0 +1,74 @@
+// clip.cpp: opens labelled clips, recorded or rendered.
+#include "clips/clip.h"
+
+#include <algorithm>
+#include <mutex>
+
+#include "clips/scene_source.h"
+#include "host/settings.h"
+#include "host/text.h"
+#include "scene/scene.h"
+
+namespace stopngo {
+namespace {
+
+OpenedClip OpenRecording(const Clip& clip, double rate) {
+  // FFmpeg's registers of formats and devices are filled on opening.
+  static std::mutex opening;
+  const std::lock_guard lock(opening);
+  SourceOptions options;
+  options.input = std::get<std::string>(clip.source);
+  options.width = kPictureWidth;
+  options.height = kPictureHeight;
+  options.rate = rate;
+  return {OpenSource(options), clip.region.value_or(RegionOf(Settings())), clip.labels};
+}
+
+/// A region with a margin around it, as far as the picture goes.
+SceneWindow Around(const Region& region, int margin) {
+  const int left = std::max(0, region.x - margin);
+  const int top = std::max(0, region.y - margin);
+  const int right = std::min(kPictureWidth, region.x + region.width + margin);
+  const int bottom = std::min(kPictureHeight, region.y + region.height + margin);
+  return {left, top, right - left, bottom - top};
+}
+
+OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
+  const auto& drawn = std::get<DrawnScene>(clip.source);
+  SceneOptions options = DrawScene(drawn.kind, drawn.seed);
+  options.width = kPictureWidth;
+  options.height = kPictureHeight;
+  const Region region = clip.region ? *clip.region : SuggestedRegion(options);
+  const SceneWindow window = Around(region, margin);
+  auto scene = std::make_unique<Scene>(options, window);
+  std::vector<LabelSpan> labels = scene->Labels();
+  SceneFrames frames{clip.name,     std::move(scene), window.width,
+                     window.height, options.fps,      std::min(rate, options.fps)};
+  return {OpenSceneFrames(std::move(frames)),
+          {region.x - window.x, region.y - window.y, region.width, region.height},
+          std::move(labels)};
+}
+
+}  // namespace
+
+OpenedClip OpenClip(const Clip& clip, double rate, int margin) {
+  const double handed_over = clip.rate.value_or(rate);
+  return clip.IsScene() ? OpenScene(clip, handed_over, margin) : OpenRecording(clip, handed_over);
+}
+
+void CheckEnd(const OpenedClip& clip, double last_s) {
+  constexpr double kRounding_s = 1;  // of times that people write
+  if (clip.labels.empty()) return;
+  const double end_s = last_s + 1 / clip.frames->Info().fps;
+  const double labelled_s = clip.labels.back().end_s;
+  if (labelled_s <= end_s + kRounding_s) return;
+  throw Failure(Print("the last label ends at %.6g s, the clip at %.6g s", labelled_s, end_s));
+}
+
+Failure NamingClip(const Clip& clip, const Failure& failure) {
+  const std::string reason = failure.what();
+  const bool named = reason.find(clip.name) != std::string::npos;
+  return Failure(named ? reason : clip.name + ": " + reason, failure.Code());
+}
+
+}  // namespace stopngo

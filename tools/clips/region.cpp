@@ -1,0 +1,79 @@
+// region.cpp: where in a picture a detector looks.
+#include "clips/region.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "scene/lane/lane.h"
+#include "scene/motion/ego_path.h"
+
+namespace stopngo {
+namespace {
+
+/// When the region is placed: at the beginning, or, when we are still under way then, when we have come
+/// nearest to the vehicle ahead.
+double NearestTime(const SceneOptions& options, const LaneVehicle& lead) {
+  if (options.ego.speed == 0) return 0;
+  constexpr double kStep_s = 0.25;
+  const EgoPath path(options.ego, options.ego_turning, options.length_s);
+  double nearest = 1e9;
+  double at_s = 0;
+  for (int i = 0; i * kStep_s < options.length_s; i++) {
+    const double time_s = i * kStep_s;
+    Camera camera;
+    path.Place(camera, time_s);
+    const VehicleState state = lead.At(time_s);
+    const double ahead = PlaceOf(camera, state.x, state.z).ahead;
+    if (ahead < nearest) {
+      nearest = ahead;
+      at_s = time_s;
+    }
+  }
+  return at_s;
+}
+
+}  // namespace
+
+Region RegionOf(const Settings& settings) {
+  return {settings.roi_x, settings.roi_y, settings.roi_width, settings.roi_height};
+}
+
+Settings Placed(Settings settings, const Region& region, int frame_width, int frame_height) {
+  settings.input_width = frame_width;
+  settings.input_height = frame_height;
+  settings.roi_x = region.x;
+  settings.roi_y = region.y;
+  settings.roi_width = region.width;
+  settings.roi_height = region.height;
+  return settings;
+}
+
+Region SuggestedRegion(const SceneOptions& options) {
+  Region region = RegionOf(Settings());
+  if (options.lead_present) {
+    // Few texels do: all that counts is how high and wide the vehicle is.
+    const LaneVehicle lead(options.lead, 4, 1e4, options.seed);
+    const double time_s = NearestTime(options, lead);
+    Camera camera = WaitingCamera(options);
+    EgoPath(options.ego, options.ego_turning, options.length_s).Place(camera, time_s);
+    const VehicleView view(lead.Look(), camera, lead.At(time_s), options.light);
+    const double across = static_cast<double>(kPictureWidth) / options.width;
+    const double down = static_cast<double>(kPictureHeight) / options.height;
+    // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.
+    const auto place = [&options](int at, int length, double low, double high, double share) {
+      if (!options.region.aimed && at >= low && at + length <= high) {
+        return at;
+      }
+      return static_cast<int>(std::lround(low + (high - low) * share)) - length / 2;
+    };
+    region.x = place(region.x, region.width, view.Left() * across, view.Right() * across,
+                     0.5 + options.region.across);
+    region.y = place(region.y, region.height, view.Top() * down, view.Bottom() * down,
+                     options.region.aimed ? 1 - options.region.up : 0.5);
+  }
+  region.x = std::clamp(region.x + options.region.shift_x, 0, kPictureWidth - region.width);
+  region.y = std::clamp(region.y + options.region.shift_y, 0, kPictureHeight - region.height);
+  return region;
+}
+
+}  // namespace stopngo

@@ -1,0 +1,28 @@
+// region.h: where in a picture a detector looks.
+#pragma once
+
+#include "host/settings.h"
+#include "scene/recipe/recipe.h"
+
+namespace stopngo {
+
+/// The picture that regions of clips refer to, pixels: the module's working size.
+inline constexpr int kPictureWidth = 800;
+inline constexpr int kPictureHeight = 480;
+
+/// Columns and rows, pixels.
+struct Region {
+  int x, y, width, height;
+};
+
+/// The region that settings have; that of the defaults is where a forward camera sees the vehicle ahead.
+Region RegionOf(const Settings& settings);
+
+/// The settings with their region in frames of a size.
+Settings Placed(Settings settings, const Region& region, int frame_width, int frame_height);
+
+/// Where to look for the vehicle ahead of a scene while it stands, in a picture of 800 × 480: unless the scene's
+/// options aim it, the default region, moved onto the vehicle's rear when it does not lie on it.
+Region SuggestedRegion(const SceneOptions& options);
+
+}  // namespace stopngo

@@ -1,0 +1,292 @@
+// render.cpp: stopngo render: writes a recording with what the module saw drawn on it.
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/interruption.h"
+#include "base/output_file.h"
+#include "base/progress.h"
+#include "base/results.h"
+#include "command/settings_options.h"
+#include "command/source_options.h"
+#include "command/subcommands.h"
+#include "host/detector.h"
+#include "host/failure.h"
+#include "host/settings.h"
+#include "host/system_error.h"
+#include "overlay/debug_picture.h"
+#include "overlay/overlay.h"
+#include "overlay/sampled_area.h"
+#include "vel_stopngo_ctx.h"
+#include "video/sink.h"
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kRenderFooter =
+    R"(Drawn are the region of interest with a motion vector a block and the borders of the cells, the sums of
+every cell, score, alarm counter, hold timer and decision, and the scores of the last seconds. During a
+hold the module analyses nothing, and no vectors are drawn.
+
+Examples:
+  stopngo render drive.mp4 seen.mp4 --weights weights.bin
+  stopngo render drive.mp4 alarm.png --config car.toml
+  stopngo render drive.mp4 seen.mp4 --still moment.png --still-at 14.5 --weights weights.bin
+  stopngo render full.mp4 seen.mkv --original --rate 10 --no-weights)";
+
+struct RenderArguments {
+  explicit RenderArguments(CLI::App& app) : options(app, settings) {}
+
+  Settings settings;
+  SettingsOptions options;
+  SourceOptions source;
+  std::string output;
+  std::string still;
+  std::optional<double> still_at;  ///< seconds; unset: at the first alarm
+  double history_s = 10;
+  bool json = false;
+};
+
+bool IsPng(const std::string& path) { return std::filesystem::path(path).extension() == ".png"; }
+
+/// The paths that are written; at least one of them is set.
+struct Outputs {
+  std::string video;
+  std::string still;
+};
+
+Outputs OutputsOf(const RenderArguments& arguments) {
+  const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
+  const bool picture_only = IsPng(arguments.output);
+  if (picture_only && !arguments.still.empty()) {
+    refuse("--still: " + arguments.output + " is the still picture already");
+  }
+  if (arguments.still_at && !picture_only && arguments.still.empty()) {
+    refuse("--still-at: needs --still FILE, or an output that ends in .png");
+  }
+  Outputs outputs{arguments.output, arguments.still};
+  if (picture_only) std::swap(outputs.video, outputs.still);
+  std::vector<std::string> inputs = arguments.options.Files();
+  inputs.push_back(arguments.source.input);
+  RefuseOverwriting(std::vector{outputs.video, outputs.still, arguments.settings.debug_fb}, inputs);
+  return outputs;
+}
+
+/// The still picture, from the moment that it is for.
+class Still {
+ public:
+  /// at_s: its time; unset: the first alarm. half_frame_s: how far from it the nearest frame may lie.
+  Still(const std::string& path, std::optional<double> at_s, double half_frame_s)
+      : path_(path), at_s_(at_s), half_frame_s_(half_frame_s) {
+    // Opened before the work, so that a path that cannot be written is told at once.
+    if (!path.empty()) file_.emplace(path);
+  }
+
+  [[nodiscard]] bool Wants(const FrameReport& report) const {
+    if (!Missing()) return false;
+    return at_s_ ? report.time_s > *at_s_ - half_frame_s_ : report.decision == 1;
+  }
+  /// Whether the last frame has to do, for want of an alarm.
+  [[nodiscard]] bool WantsLast() const { return Missing() && !at_s_; }
+  [[nodiscard]] std::optional<double> TakenAt() const { return taken_s_; }
+
+  void Take(const Canvas& picture, double time_s) {
+    errno = 0;
+    // Flushed: a full disk has to be noticed before the video takes its final name.
+    if (!picture.WritePng(file_->Stream()) || !file_->Stream().flush())
+      throw Failure(path_ + ": " + LastSystemError());
+    taken_s_ = time_s;
+  }
+
+  [[nodiscard]] bool Missing() const { return file_ && !taken_s_; }
+  void Commit() {
+    if (file_) file_->Commit();
+  }
+
+ private:
+  std::string path_;
+  std::optional<double> at_s_;
+  double half_frame_s_;
+  std::optional<OutputFile> file_;
+  std::optional<double> taken_s_;
+};
+
+struct Counts {
+  long long frames = 0;
+  long long alarms = 0;
+  std::optional<double> first_alarm_s;
+
+  void Add(const FrameReport& report) {
+    ++frames;
+    if (!report.changed || report.decision != 1) return;
+    ++alarms;
+    if (!first_alarm_s) first_alarm_s = report.time_s;
+  }
+};
+
+std::string Seconds(double time_s) {
+  const double hundredths = std::round(time_s * 100);
+  std::string text = std::to_string(static_cast<long long>(hundredths));
+  // At least one digit before the point and two behind it.
+  if (text.size() < 3) text.insert(0, 3 - text.size(), '0');
+  return text.insert(text.size() - 2, ".") + " s";
+}
+
+std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
+                    std::optional<double> still_s) {
+  if (arguments.json) {
+    nlohmann::ordered_json line{{"input", arguments.source.input}};
+    if (!outputs.video.empty()) line["output"] = outputs.video;
+    line["frames"] = counts.frames;
+    line["alarms"] = counts.alarms;
+    if (counts.first_alarm_s) line["first_alarm_s"] = *counts.first_alarm_s;
+    if (still_s) line["still"] = {{"file", outputs.still}, {"time_s", *still_s}};
+    return JsonLine(line);
+  }
+  std::string text = outputs.video.empty() ? arguments.source.input : outputs.video;
+  text += ": " + std::to_string(counts.frames) + " frames, " + std::to_string(counts.alarms) +
+          (counts.alarms == 1 ? " alarm" : " alarms");
+  if (counts.first_alarm_s) text += ", the first at " + Seconds(*counts.first_alarm_s);
+  if (still_s) text += "; " + outputs.still + " shows " + Seconds(*still_s);
+  return text;
+}
+
+/// One recording on its way through the module onto pictures.
+class Rendering {
+ public:
+  Rendering(const RenderArguments& arguments, Outputs outputs, std::unique_ptr<FrameSource> frames)
+      : arguments_(arguments),
+        outputs_(std::move(outputs)),
+        frames_(std::move(frames)),
+        detector_(module_, arguments.settings, frames_->Info()),
+        overlay_(Info(), ProbeSampledArea(module_, arguments.settings, Info()), arguments.history_s),
+        still_(outputs_.still, arguments.still_at, Info().fps > 0 ? 0.5 / Info().fps : 0) {
+    if (!arguments.settings.debug_fb.empty()) debug_.emplace(arguments.settings.debug_fb);
+    if (outputs_.video.empty()) return;
+    sink_ = OpenSink({outputs_.video, Info().width, Info().height, Info().fps, PixelFormat::kBgrx});
+  }
+
+  void Run() {
+    RenderFrames();
+    if (still_.Missing()) {
+      throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
+    }
+    if (debug_) WriteDebugPicture(debug_->Stream(), detector_.Context());
+    if (sink_) sink_->Finish();
+    still_.Commit();
+    if (debug_) debug_->Commit();
+  }
+
+  [[nodiscard]] std::string Tell() const { return Summary(arguments_, outputs_, counts_, still_.TakenAt()); }
+
+ private:
+  [[nodiscard]] const SourceInfo& Info() const { return frames_->Info(); }
+
+  void RenderFrames() {
+    std::optional<Progress> progress;
+    // The module's own lines and a progress bar would write over each other.
+    if (arguments_.settings.log <= 0) progress.emplace("render", Info().frames);
+    LumaFrame frame;
+    LumaFrame next;
+    FrameReport report;
+    while (!Interrupted() && frames_->Next(next)) {
+      // The last frame has to outlast the attempt to read another one.
+      std::swap(frame, next);
+      report = detector_.Write(frame);
+      counts_.Add(report);
+      overlay_.Record(report);
+      const bool still_wanted = still_.Wants(report);
+      if (sink_) FillGap(report.time_s);
+      if (sink_ || still_wanted) overlay_.Draw(frame, report, detector_.Context());
+      if (still_wanted) still_.Take(overlay_.Picture(), report.time_s);
+      if (sink_) WritePicture();
+      if (progress) progress->Step();
+    }
+    if (counts_.frames == 0) throw Failure(arguments_.source.input + ": holds no frames");
+    if (!still_.WantsLast()) return;
+    overlay_.Draw(frame, report, detector_.Context());
+    still_.Take(overlay_.Picture(), report.time_s);
+  }
+
+  void WritePicture() {
+    sink_->Write(overlay_.Picture().Pixels());
+    ++pictures_;
+  }
+
+  /// The last picture again for as long as the recording has none, so that the video keeps its times.
+  void FillGap(double time_s) {
+    constexpr double kLongest_s = 600;  // beyond it a clock was set, and nothing is missing
+    const double fps = Info().fps;
+    const double missing = std::round((time_s - left_out_s_) * fps) - static_cast<double>(pictures_);
+    if (missing > kLongest_s * fps) left_out_s_ += missing / fps;
+    if (pictures_ == 0 || missing > kLongest_s * fps) return;
+    for (double filled = 0; filled < missing; ++filled) WritePicture();
+  }
+
+  const RenderArguments& arguments_;
+  Outputs outputs_;
+  std::unique_ptr<FrameSource> frames_;
+  Module module_;
+  Detector detector_;
+  Overlay overlay_;
+  Still still_;
+  std::optional<OutputFile> debug_;  ///< receives the debug framebuffer, where --debug-fb asks for it
+  std::unique_ptr<VideoSink> sink_;  ///< none when only a still picture is wanted
+  Counts counts_;
+  std::int64_t pictures_ = 0;  ///< written to the sink
+  double left_out_s_ = 0;      ///< of the recording's time
+};
+
+void Render(RenderArguments& arguments) {
+  arguments.options.Complete();
+  Outputs outputs = OutputsOf(arguments);
+  auto frames = OpenSource(ForSettings(arguments.source, arguments.settings));
+  CatchInterruption();
+  Rendering rendering(arguments, std::move(outputs), std::move(frames));
+  rendering.Run();
+  if (arguments.output == "-") {
+    std::cerr << rendering.Tell() << '\n';  // standard output is the video
+  } else {
+    WriteResult(rendering.Tell());
+  }
+}
+
+}  // namespace
+
+std::function<void()> AddRender(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("render", "Draw what the module sees on a recording");
+  command.footer(kRenderFooter);
+  const auto arguments = std::make_shared<RenderArguments>(command);
+  AddSourceOptions(command, arguments->source);
+  command
+      .add_option(
+          "OUT", arguments->output,
+          "video file (.mp4, .mkv, .y4m), - for Y4M on standard output, or a .png for a still picture "
+          "alone")
+      ->required();
+  command
+      .add_option("--still", arguments->still,
+                  "also write a still picture: the first alarm, else the last frame")
+      ->type_name("FILE.png");
+  command.add_option("--still-at", arguments->still_at, "the still picture is of this time instead")
+      ->type_name("SECONDS")
+      ->check(CLI::NonNegativeNumber);
+  command.add_option("--history", arguments->history_s, "seconds that the strip of scores covers")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1.0, 3600.0))
+      ->capture_default_str();
+  command.add_flag("--json", arguments->json, "the summary as one line of JSON");
+  return [arguments] { Render(*arguments); };
+}
+
+}  // namespace stopngo

@@ -1,0 +1,99 @@
+// run.cpp: stopngo run: replays a recording or a camera through the module and tells its decisions.
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/interruption.h"
+#include "base/output_file.h"
+#include "base/progress.h"
+#include "command/run_report.h"
+#include "command/settings_options.h"
+#include "command/source_options.h"
+#include "command/subcommands.h"
+#include "host/detector.h"
+#include "host/failure.h"
+#include "host/settings.h"
+#include "overlay/debug_picture.h"
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kRunFooter =
+    R"(A camera runs until it is interrupted (Ctrl-C), which ends with the summary too.
+Settings may stand in a TOML file under the names of their options:
+  time-cooling = "2s"
+  weights = "weights.bin"    # from the file's own folder
+
+Examples:
+  stopngo run drive.mp4 --weights weights.bin
+  stopngo run drive.mp4 --config car.toml --rate 10 --trace frames.tsv
+  stopngo run /dev/video0 --original --weights weights.bin --json
+  stopngo run - --raw 800x480 --raw-fps 30 --no-weights < luma.raw)";
+
+struct Run {
+  explicit Run(CLI::App& app) : options(app, settings) {}
+
+  void operator()();
+
+  Settings settings;
+  SettingsOptions options;
+  SourceOptions source;
+  std::string trace;
+  bool json = false;
+};
+
+// Before the first frame, so that a run of hours does not end at a path that cannot be written.
+std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
+  return path.empty() ? nullptr : std::make_unique<OutputFile>(path);
+}
+
+void Run::operator()() {
+  options.Complete();
+  std::vector<std::string> inputs = options.Files();
+  inputs.push_back(source.input);
+  RefuseOverwriting(std::vector{trace, settings.debug_fb}, inputs);
+  const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source, settings));
+  const Module module;
+  Detector detector(module, settings, frames->Info());
+  CatchInterruption();
+  const auto trace_file = OpenOutput(trace);
+  const auto debug_file = OpenOutput(settings.debug_fb);
+  if (trace_file) WriteTraceHeader(trace_file->Stream());
+  RunReport report(json);
+  {
+    // The module's own lines and a progress bar would write over each other.
+    std::optional<Progress> progress;
+    if (settings.log <= 0) progress.emplace("run", frames->Info().frames);
+    LumaFrame frame;
+    while (!Interrupted() && frames->Next(frame)) {
+      const FrameReport written = detector.Write(frame);
+      report.Add(written);
+      if (trace_file) WriteTraceLine(trace_file->Stream(), written);
+      if (progress) progress->Step();
+    }
+  }
+  if (trace_file) trace_file->Commit();
+  if (debug_file) {
+    WriteDebugPicture(debug_file->Stream(), detector.Context());
+    debug_file->Commit();
+  }
+  report.Summarize();
+}
+
+}  // namespace
+
+std::function<void()> AddRun(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("run", "Run the detector over a recording or a camera");
+  command.footer(kRunFooter);
+  const auto run = std::make_shared<Run>(command);
+  AddSourceOptions(command, run->source);
+  command.add_option("--trace", run->trace, "tab-separated file that receives a line a frame")
+      ->type_name("FILE");
+  command.add_flag("--json", run->json, "JSON Lines: an object a decision, the summary last");
+  return [run] { (*run)(); };
+}
+
+}  // namespace stopngo

@@ -1,0 +1,95 @@
+// run_report.cpp: what stopngo run tells: decision changes, the summary, the trace of every frame.
+#include "command/run_report.h"
+
+#include <bit>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "base/results.h"
+#include "host/text.h"
+
+namespace stopngo {
+namespace {
+
+// Keys keep the order in which they are given: a line is read by people, too.
+using Json = nlohmann::ordered_json;
+
+constexpr std::array kDecisionNames = {"none", "alarm", "cooling"};
+
+struct Quantile {
+  const char* name;
+  double share;
+};
+constexpr std::array kQuantiles = {Quantile{"p50", 0.50}, Quantile{"p95", 0.95}, Quantile{"p99", 0.99},
+                                   Quantile{"max", 1.0}};
+
+long long Printable(std::int64_t number) { return number; }
+
+}  // namespace
+
+void RunReport::Add(const FrameReport& frame) {
+  ++frames_;
+  decided_ += frame.decided ? 1 : 0;
+  analysed_ += frame.analysed ? 1 : 0;
+  latency_.Add(frame.write_ns);
+  Kind& kind = kinds_.at(static_cast<std::size_t>(frame.decision));
+  kind.frames += frame.decided ? 1 : 0;
+  if (!frame.changed) return;
+  ++kind.changes;
+  TellChange(frame);
+}
+
+void RunReport::TellChange(const FrameReport& frame) const {
+  const char* const name = kDecisionNames.at(static_cast<std::size_t>(frame.decision));
+  if (json_) {
+    const Json line = {{"type", "decision"},
+                       {"frame", frame.index},
+                       {"time", frame.time_s},
+                       {"decision", frame.decision},
+                       {"name", name}};
+    WriteResult(JsonLine(line));
+  } else {
+    WriteResult(Print("%10.3f s  frame %6lld  decision %d (%s)", frame.time_s, Printable(frame.index),
+                      frame.decision, name));
+  }
+}
+
+void RunReport::Summarize() const {
+  if (json_) {
+    Json line = {{"type", "summary"}, {"frames", frames_}, {"decided", decided_}, {"analysed", analysed_}};
+    for (std::size_t i = 0; i < kinds_.size(); ++i) {
+      line["changes"][kDecisionNames.at(i)] = kinds_.at(i).changes;
+      line["decisions"][kDecisionNames.at(i)] = kinds_.at(i).frames;
+    }
+    for (const Quantile& quantile : kQuantiles) {
+      line["write_ns"][quantile.name] = latency_.Percentile(quantile.share);
+    }
+    WriteResult(JsonLine(line));
+    return;
+  }
+  WriteResult(Print("%lld frames, %lld decided, %lld analysed", Printable(frames_), Printable(decided_),
+                    Printable(analysed_)));
+  for (std::size_t i = 0; i < kinds_.size(); ++i) {
+    WriteResult(Print("decision %d (%s): reported %lld times, %lld frames", static_cast<int>(i),
+                      kDecisionNames.at(i), Printable(kinds_.at(i).changes), Printable(kinds_.at(i).frames)));
+  }
+  std::string times = "time of a write:";
+  for (const Quantile& quantile : kQuantiles) {
+    times += Print(" %s %.1f us", quantile.name, latency_.Percentile(quantile.share) / 1000);
+  }
+  WriteResult(times);
+}
+
+void WriteTraceHeader(std::ostream& trace) {
+  trace << "frame\ttime\tscore\tscore_bits\talarm_counter\thold_timer\tdecision\tanalysed\twrite_ns\n";
+}
+
+void WriteTraceLine(std::ostream& trace, const FrameReport& frame) {
+  // Nine digits give every single-precision score back exactly.
+  trace << Print("%lld\t%.6f\t%.9g\t%08x\t%d\t%d\t%d\t%d\t%.0f\n", Printable(frame.index), frame.time_s,
+                 static_cast<double>(frame.score), std::bit_cast<std::uint32_t>(frame.score),
+                 frame.alarm_counter, frame.hold_timer, frame.decision, frame.analysed ? 1 : 0,
+                 frame.write_ns);
+}
+
+}  // namespace stopngo

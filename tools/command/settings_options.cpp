@@ -1,0 +1,104 @@
+// settings_options.cpp: the settings as options of a subcommand.
+#include "command/settings_options.h"
+
+#include <CLI/CLI.hpp>
+#include <stdexcept>
+#include <variant>
+
+#include "host/default_weights.h"
+#include "host/failure.h"
+#include "host/setting_table.h"
+#include "host/settings_file.h"
+#include "host/sidecar.h"
+
+namespace stopngo {
+namespace {
+
+bool IsFlag(const Setting& setting) { return std::holds_alternative<bool Settings::*>(setting.field); }
+
+const char* TypeName(const Setting& setting) {
+  struct Names {
+    const char* operator()(Internal) const { return ""; }
+    const char* operator()(int Settings::*) const { return "N"; }
+    const char* operator()(std::optional<int> Settings::*) const { return "N"; }
+    const char* operator()(double Settings::*) const { return "NUMBER"; }
+    const char* operator()(const RateField&) const { return "NUMBER"; }
+    const char* operator()(FrameCount Settings::*) const { return "TIME"; }
+    const char* operator()(std::string Settings::*) const { return "FILE"; }
+    const char* operator()(bool Settings::*) const { return ""; }
+    const char* operator()(const Choice&) const { return "NAME"; }
+  };
+  return std::visit(Names{}, setting.field);
+}
+
+void AddOption(CLI::App& app, Settings& settings, const Setting& setting) {
+  const std::string option = std::string("--") + setting.name;
+  if (IsFlag(setting)) {
+    app.add_flag_callback(
+           option, [&settings, &setting] { SetFromText(settings, setting, "true"); }, setting.help)
+        ->group("Settings");
+    return;
+  }
+  const auto take = [&settings, &setting, option](const std::string& text) {
+    try {
+      SetFromText(settings, setting, text);
+    } catch (const std::invalid_argument& reason) {
+      throw CLI::ValidationError(option, reason.what());
+    }
+  };
+  app.add_option_function<std::string>(option, take, setting.help)
+      ->type_name(TypeName(setting))
+      ->default_str(TextOf(settings, setting))
+      ->group("Settings");
+}
+
+// With the weights settled on the command line, what the file says of them is out of force: either
+// option excludes the other.
+bool GivenAsOption(const CLI::App& app, const std::string& name) {
+  const auto given = [&app](const char* option) { return app.get_option(option)->count() > 0; };
+  if (name == "weights" || name == "no-weights") return given("--weights") || given("--no-weights");
+  return given(("--" + name).c_str());
+}
+
+}  // namespace
+
+SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings) : app_(app), settings_(settings) {
+  app.add_option("--config", config_, "TOML file with any of the settings below; options win over it")
+      ->type_name("FILE");
+  for (const Setting& setting : SettingTable()) {
+    if (*setting.name != '\0') AddOption(app, settings, setting);
+  }
+  app.get_option("--weights")->excludes(app.get_option("--no-weights"));
+}
+
+void SettingsOptions::CompleteWithoutWeights() {
+  for (const char* const option : {"--weights", "--no-weights"}) {
+    if (app_.get_option(option)->count() > 0) {
+      throw Failure(std::string(option) + ": no weights are read here", ExitCode::kUsage);
+    }
+  }
+  ReadConfiguration();
+  settings_.weights.clear();
+  settings_.no_weights = false;
+}
+
+void SettingsOptions::ReadConfiguration() {
+  if (config_.empty()) return;
+  configured_ = ReadSettingsFile(config_, settings_,
+                                 [this](const std::string& name) { return GivenAsOption(app_, name); });
+}
+
+void SettingsOptions::Complete() {
+  ReadConfiguration();
+  if (settings_.no_weights) {
+    if (settings_.weights.empty()) return;
+    throw Failure(config_ + ": weights and no-weights exclude each other");
+  }
+  if (settings_.weights.empty()) settings_.weights = FindDefaultWeights().value_or("");
+  if (settings_.weights.empty()) return;
+  TakeSidecar(settings_, [this](const std::string& name) {
+    return configured_.contains(name) || GivenAsOption(app_, name);
+  });
+}
+
+}  // namespace stopngo

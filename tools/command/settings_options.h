@@ -1,0 +1,41 @@
+// settings_options.h: the settings as options of a subcommand.
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/settings.h"
+
+namespace CLI {
+class App;
+}
+
+namespace stopngo {
+
+/// Adds an option for every setting to a subcommand, and --config FILE for the TOML file. Call a Complete
+/// after parsing. What an option gives wins over the file, the file over the sidecar of the weights, and
+/// that over the defaults.
+class SettingsOptions {
+ public:
+  SettingsOptions(CLI::App& app, Settings& settings);
+  /// Reads the file, settles the weights (the default ones where none are named) and takes their
+  /// sidecar's settings. Throws Failure: naming file, line and key when the file is unreadable, malformed,
+  /// or has a key or a value that is not known; and when a sidecar does not match its weights.
+  void Complete();
+  /// For a subcommand that reads no weights: takes the file alone, without what it says of weights, and
+  /// refuses options that name some.
+  void CompleteWithoutWeights();
+  /// The files that the settings came from: configuration and weights, either may be empty.
+  [[nodiscard]] std::vector<std::string> Files() const { return {config_, settings_.weights}; }
+
+ private:
+  void ReadConfiguration();
+
+  CLI::App& app_;
+  Settings& settings_;
+  std::string config_;
+  std::set<std::string> configured_;  ///< names of the settings that the file gave
+};
+
+}  // namespace stopngo

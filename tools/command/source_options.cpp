@@ -1,0 +1,56 @@
+// source_options.cpp: the options of every subcommand that reads frames.
+#include "command/source_options.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+namespace stopngo {
+namespace {
+
+// Reads "800x480"; the whole text has to fit.
+void TakeRawSize(const std::string& text, SourceOptions& options) {
+  const char* const end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), end, options.raw_width);
+  const bool cross = width.ec == std::errc{} && width.ptr != end && *width.ptr == 'x';
+  const auto height = std::from_chars(cross ? width.ptr + 1 : end, end, options.raw_height);
+  if (!cross || height.ec != std::errc{} || height.ptr != end || options.raw_width < 1 ||
+      options.raw_height < 1) {
+    throw CLI::ValidationError("--raw", "'" + text + "' is no size such as 800x480");
+  }
+}
+
+}  // namespace
+
+void AddSourceOptions(CLI::App& app, SourceOptions& options) {
+  app.add_option(
+         "INPUT", options.input,
+         "video file, image sequence (such as img%04d.png), camera (such as /dev/video0), or - for Y4M on "
+         "standard input")
+      ->required();
+  app.add_option("--format", options.format, "FFmpeg's name of the input's format, such as v4l2 or lavfi")
+      ->type_name("NAME");
+  app.add_flag("--original", options.original, "hand 1920x1080 and 1280x720 frames over as they are");
+  app.add_option_function<std::string>(
+         "--raw", [&options](const std::string& text) { TakeRawSize(text, options); },
+         "the input is raw luma: planes of this size, one after the other")
+      ->type_name("WxH");
+  app.add_option("--raw-fps", options.raw_fps, "frames a second of raw luma")
+      ->type_name("NUMBER")
+      ->capture_default_str()
+      ->check([](const std::string& text) {
+        double fps = 0;
+        const bool usable = CLI::detail::lexical_cast(text, fps) && fps > 0 && std::isfinite(fps);
+        return usable ? std::string() : "'" + text + "' is no number above 0";
+      });
+}
+
+SourceOptions ForSettings(SourceOptions options, const Settings& settings) {
+  options.width = settings.input_width;
+  options.height = settings.input_height;
+  options.rate = settings.rate;
+  return options;
+}
+
+}  // namespace stopngo

@@ -1,0 +1,268 @@
+// synth.cpp: stopngo synth: renders a scene in which the vehicle ahead departs, with its labels.
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "base/interruption.h"
+#include "base/output_file.h"
+#include "base/progress.h"
+#include "base/results.h"
+#include "clips/region.h"
+#include "command/subcommands.h"
+#include "host/failure.h"
+#include "host/system_error.h"
+#include "scene/scene.h"
+#include "scene/script/script.h"
+#include "video/sink.h"
+
+namespace stopngo {
+namespace {
+
+/// What is given on the command line overrides what a kind draws.
+struct SynthArguments {
+  std::string size = "800x480";
+  std::string seed = "1";
+  std::string kind;
+  std::optional<double> fps, length_s, departure_s, distance_m, acceleration, vibration, noise;
+  std::string output;
+  std::string labels;
+  bool list_kinds = false;
+  bool json = false;
+};
+
+constexpr double kDeparture_s = 5;  // unless told otherwise
+constexpr double kAcceleration = 1.2;
+
+std::string Text(double value) {
+  std::array<char, 512> digits{};  // the largest double has 309
+  const auto result =
+      std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
+  return {digits.data(), result.ptr};
+}
+
+void ParseSize(const std::string& text, SceneOptions& scene) {
+  const char* const end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), end, scene.width);
+  const bool separated = width.ec == std::errc{} && width.ptr != end && *width.ptr == 'x';
+  if (separated) {
+    const auto height = std::from_chars(width.ptr + 1, end, scene.height);
+    if (height.ec == std::errc{} && height.ptr == end) return;
+  }
+  throw Failure("--size: " + text + " is not WIDTHxHEIGHT, such as 800x480", ExitCode::kUsage);
+}
+
+// Not left to the command line's parser, which wraps -1 around to the largest seed.
+void ParseSeed(const std::string& text, SceneOptions& scene) {
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, scene.seed);
+  if (result.ec == std::errc{} && result.ptr == end) return;
+  throw Failure("--seed: " + text + " is not a whole number from 0 to 2^64 - 1", ExitCode::kUsage);
+}
+
+/// What a street, a camera and a vehicle can be like.
+void CheckRanges(const SceneOptions& scene, const SynthArguments& arguments) {
+  struct Range {
+    const char* option;
+    double value, least, most;
+    const char* unit;
+  };
+  const std::array<Range, 9> ranges{{
+      {"--size", static_cast<double>(scene.width), 64, 3840, "pixels of width"},
+      {"--size", static_cast<double>(scene.height), 48, 2160, "pixels of height"},
+      {"--rate", scene.fps, 1, 240, "frames a second"},
+      {"--length", scene.length_s, 0.1, 3600, "seconds"},
+      {"--departure", arguments.departure_s.value_or(0), 0, 1e6, "seconds"},
+      {"--distance", scene.lead.distance_m, 2, 1000, "metres"},
+      {"--acceleration", arguments.acceleration.value_or(kAcceleration), 0.1, 10, "m/s²"},
+      {"--vibration", scene.camera.vibration, 0, 8, "pixels"},
+      {"--noise", scene.sensor.noise, 0, 60, "grey levels"},
+  }};
+  for (const Range& range : ranges) {
+    if (range.value >= range.least && range.value <= range.most) continue;
+    throw Failure(std::string(range.option) + ": " + Text(range.value) +
+                      " is out of range: " + Text(range.least) + " to " + Text(range.most) + " " + range.unit,
+                  ExitCode::kUsage);
+  }
+}
+
+SceneKind KindOf(const std::string& name) {
+  std::string names;
+  for (const SceneKindName& kind : SceneKinds()) {
+    if (kind.name == name) return kind.kind;
+    names += std::string(names.empty() ? "" : ", ") + kind.name;
+  }
+  throw Failure("--kind: " + name + " is none of " + names, ExitCode::kUsage);
+}
+
+/// Without a kind: a car that leaves a street by day, as described by the options alone.
+SceneOptions MakeOptions(const SynthArguments& arguments) {
+  SceneOptions scene;
+  ParseSeed(arguments.seed, scene);
+  if (!arguments.kind.empty()) scene = DrawScene(KindOf(arguments.kind), scene.seed);
+  ParseSize(arguments.size, scene);
+  scene.fps = arguments.fps.value_or(scene.fps);
+  scene.length_s = arguments.length_s.value_or(scene.length_s);
+  scene.lead.distance_m = arguments.distance_m.value_or(scene.lead.distance_m);
+  scene.camera.vibration = arguments.vibration.value_or(scene.camera.vibration);
+  scene.sensor.noise = arguments.noise.value_or(scene.sensor.noise);
+  CheckRanges(scene, arguments);
+  if (arguments.kind.empty() || arguments.departure_s || arguments.acceleration) {
+    LeaveAt(scene.lead, arguments.departure_s.value_or(kDeparture_s),
+            arguments.acceleration.value_or(kAcceleration));
+  }
+  // A vehicle that never leaves keeps its brakes on.
+  if (arguments.departure_s.value_or(0) >= scene.length_s) scene.lead.brake_switches_s.clear();
+  return scene;
+}
+
+nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOptions& options,
+                                const Scene& scene) {
+  const Region region = SuggestedRegion(options);
+  std::uint64_t seed = 0;
+  std::from_chars(arguments.seed.data(), arguments.seed.data() + arguments.seed.size(), seed);
+  return {{"kind", arguments.kind.empty() ? "plain" : arguments.kind},
+          {"seed", seed},
+          {"width", options.width},
+          {"height", options.height},
+          {"fps", options.fps},
+          {"frames", scene.Frames()},
+          {"length_s", options.length_s},
+          {"distance_m", options.lead.distance_m},
+          {"vibration", options.camera.vibration},
+          {"noise", options.sensor.noise},
+          {"roi", {region.x, region.y, region.width, region.height}}};
+}
+
+// Flushed at once: a full disk has to be noticed before the video takes its final name.
+void WriteLabels(const std::string& path, std::ostream& out, const std::vector<LabelSpan>& labels,
+                 const nlohmann::ordered_json& scene) {
+  errno = 0;
+  out << "# " << scene.dump() << "\nstart_s\tend_s\tlabel\n";
+  for (const LabelSpan& label : labels) {
+    out << Text(label.start_s) << '\t' << Text(label.end_s) << '\t' << NameOf(label.activity) << '\n';
+  }
+  out.flush();
+  if (!out) throw Failure(path + ": " + LastSystemError());
+}
+
+std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_json& scene,
+                    const std::vector<LabelSpan>& labels) {
+  if (arguments.json) {
+    nlohmann::ordered_json line{{"output", arguments.output}};
+    if (!arguments.labels.empty()) line["labels_file"] = arguments.labels;
+    line.update(scene);
+    for (const LabelSpan& label : labels) {
+      line["labels"].push_back(
+          {{"start_s", label.start_s}, {"end_s", label.end_s}, {"label", NameOf(label.activity)}});
+    }
+    return JsonLine(line);
+  }
+  std::string text = arguments.output + ": " + scene["frames"].dump() + " frames of " + arguments.size +
+                     " at " + Text(scene["fps"]) + " a second, region " + scene["roi"].dump();
+  for (const LabelSpan& label : labels) {
+    text += ", " + std::string(NameOf(label.activity)) + " " + Text(label.start_s) + "–" + Text(label.end_s) +
+            " s";
+  }
+  return text;
+}
+
+void Render(Scene& scene, const SceneOptions& options, VideoSink& sink) {
+  Progress progress("Rendering", scene.Frames());
+  std::vector<std::uint8_t> luma(static_cast<std::size_t>(options.width) *
+                                 static_cast<std::size_t>(options.height));
+  for (std::int64_t frame = 0; frame < scene.Frames(); frame++) {
+    if (Interrupted()) throw Failure("interrupted");
+    scene.Render(frame, luma);
+    sink.Write(luma);
+    progress.Step();
+  }
+}
+
+void ListKinds() {
+  std::string text;
+  for (const SceneKindName& kind : SceneKinds()) {
+    std::string name = kind.name;
+    name.resize(14, ' ');
+    text += std::string(text.empty() ? "" : "\n") + name + kind.help;
+  }
+  WriteResult(text);
+}
+
+void Synth(SynthArguments arguments) {
+  if (arguments.list_kinds) return ListKinds();
+  if (arguments.output.empty()) throw Failure("output is required", ExitCode::kUsage);
+  const SceneOptions options = MakeOptions(arguments);
+  const bool to_stdout = arguments.output == "-";
+  if (arguments.labels.empty() && !to_stdout) arguments.labels = arguments.output + ".labels.tsv";
+
+  CatchInterruption();
+  // Outputs are opened before the work, so that one that cannot be written is told at once.
+  const auto sink =
+      OpenSink({arguments.output, options.width, options.height, options.fps, PixelFormat::kGray});
+  std::optional<OutputFile> labels_file;
+  if (!arguments.labels.empty()) labels_file.emplace(arguments.labels);
+
+  Scene scene(options);
+  const std::vector<LabelSpan> labels = scene.Labels();
+  const nlohmann::ordered_json description = Describe(arguments, options, scene);
+  Render(scene, options, *sink);
+  if (labels_file) WriteLabels(arguments.labels, labels_file->Stream(), labels, description);
+  sink->Finish();
+  if (labels_file) labels_file->Commit();
+
+  const std::string summary = Summary(arguments, description, labels);
+  if (to_stdout) {
+    std::cerr << summary << '\n';  // standard output is the video
+  } else {
+    WriteResult(summary);
+  }
+}
+
+}  // namespace
+
+std::function<void()> AddSynth(CLI::App& app) {
+  auto arguments = std::make_shared<SynthArguments>();
+  CLI::App* synth = app.add_subcommand(
+      "synth", "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels");
+  synth->add_option("output", arguments->output,
+                    "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)");
+  synth->add_option("--kind", arguments->kind,
+                    "Draw everything that is not given here from the seed, for a scene of this kind");
+  synth->add_flag("--list-kinds", arguments->list_kinds, "Tell the kinds of scenes");
+  synth->add_option("--size", arguments->size, "Picture size, WIDTHxHEIGHT")->capture_default_str();
+  synth->add_option("--rate", arguments->fps, "Frames a second (25)");
+  synth->add_option("--length", arguments->length_s, "Length in seconds (12)");
+  synth->add_option("--departure", arguments->departure_s,
+                    "Second at which the vehicle starts; past the length: never (5)");
+  synth
+      ->add_option("--seed", arguments->seed,
+                   "Chooses street, vehicle, noise and shake; the same gives the same bytes")
+      ->capture_default_str();
+  synth->add_option("--distance", arguments->distance_m, "Metres to the vehicle's rear while it waits (5)");
+  synth->add_option("--acceleration", arguments->acceleration,
+                    "Of the vehicle, m/s², reached after 0.8 s (1.2)");
+  synth->add_option("--vibration", arguments->vibration, "Largest shake of the picture, pixels (0.4)");
+  synth->add_option("--noise", arguments->noise, "Standard deviation of the sensor noise, grey levels (2)");
+  synth->add_option("--labels", arguments->labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
+  synth->add_flag("--json", arguments->json, "Describe the clip as one line of JSON");
+  synth->footer(
+      "Examples:\n"
+      "  stopngo synth clip.y4m\n"
+      "  stopngo synth clip.mp4 --seed 7 --departure 4 --acceleration 0.6\n"
+      "  stopngo synth waiting.mkv --length 30 --departure 30 --vibration 1\n"
+      "  stopngo synth night.mp4 --kind mixed --seed 12\n"
+      "  stopngo synth - --seed 3 | stopngo run -");
+  return [arguments] { Synth(*arguments); };
+}
+
+}  // namespace stopngo

@@ -1,0 +1,325 @@
+// train.cpp: stopngo train: makes a weights file from labelled clips.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "base/memory_file.h"
+#include "base/output_file.h"
+#include "base/parallel.h"
+#include "base/progress.h"
+#include "base/results.h"
+#include "classification.h"
+#include "clips/manifest.h"
+#include "command/settings_options.h"
+#include "command/subcommands.h"
+#include "evaluate/evaluation.h"
+#include "evaluate/figures.h"
+#include "host/failure.h"
+#include "host/file.h"
+#include "host/module.h"
+#include "host/settings.h"
+#include "host/sha256.h"
+#include "host/sidecar.h"
+#include "host/weights_file.h"
+#include "train/alarm_loss.h"
+#include "train/calibration.h"
+#include "train/report.h"
+#include "train/trainer.h"
+#include "train/training_set.h"
+#include "vel_stopngo_ctx.h"
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kTrainFooter =
+    R"(Without --validation every fifth clip is kept apart: training ends when it gets no better on those,
+and on those the threshold is placed. The same manifests and options give the same bytes.
+
+Examples:
+  stopngo train scenes.tsv -o weights.bin
+  stopngo train scenes.tsv drives.tsv --validation other.tsv --rate 6 -o weights.bin --report curves.png)";
+
+constexpr std::size_t kValidationPart = 5;
+
+/// A choice of the training that is an option and goes into the sidecar under the same name.
+struct TrainingOptions {
+  int looks = 6;
+  int seeds = 3;
+  std::uint64_t seed = 1;
+  double false_alarms_per_hour = 0.5;
+  LossOptions loss;
+  TrainerOptions trainer;
+};
+
+/// Clips, and the manifests that name them.
+struct ClipSet {
+  std::vector<std::string> manifests;
+  std::vector<Clip> clips;
+  nlohmann::ordered_json files = nlohmann::ordered_json::array();  ///< the manifests as they were read
+
+  void Read(const Settings& settings) {
+    for (const std::string& path : manifests) RefuseReadOnce(path);
+    clips = ReadManifests(manifests, settings);
+    for (const std::string& path : manifests) {
+      files.push_back(
+          {{"file", std::filesystem::path(path).filename().string()}, {"sha256", Sha256(ReadFile(path))}});
+    }
+  }
+
+ private:
+  // A pipe has no name to train from again, and is empty when its SHA-256 is taken.
+  static void RefuseReadOnce(const std::string& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(path, ignored)) {
+      throw Failure(path + ": a manifest whose SHA-256 goes into the sidecar has to be a file, not a pipe");
+    }
+  }
+};
+
+class TrainCommand {
+ public:
+  explicit TrainCommand(CLI::App& app);
+  void operator()();
+
+ private:
+  void RefuseSettings() const;
+  void ReadClips();
+  void RefuseUnwritable() const;
+  void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
+  [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
+  [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
+  [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
+                                                  const char* title, int looks) const;
+  [[nodiscard]] std::vector<Training> TrainSeeds(const std::vector<FeatureTrack>& tracks,
+                                                 const std::vector<FeatureTrack>& unseen) const;
+
+  Settings settings_;
+  SettingsOptions options_;
+  TrainingOptions training_;
+  ClipSet clips_, validation_, test_;
+  std::string output_, report_;
+  int jobs_ = HardwareJobs();
+};
+
+TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
+  app.footer(kTrainFooter);
+  app.add_option("manifest", clips_.manifests, "clips to train on")->required()->type_name("MANIFEST");
+  app.add_option("-o,--output", output_, "weights file; its sidecar gets .json behind the name")
+      ->required()
+      ->type_name("FILE");
+  app.add_option("--validation", validation_.manifests, "clips that tell when to stop")
+      ->type_name("MANIFEST");
+  app.add_option("--test", test_.manifests, "clips that the figures in the sidecar are taken on")
+      ->type_name("MANIFEST");
+  app.add_option("--report", report_, "learning curves as a PNG picture")->type_name("FILE");
+  app.add_option("--jobs", jobs_, "threads")
+      ->capture_default_str()
+      ->check(CLI::Range(1, 256))
+      ->type_name("N");
+  const auto number = [&app](const char* name, auto& value, const char* help, auto low, auto high) {
+    app.add_option(name, value, help)
+        ->capture_default_str()
+        ->check(CLI::Range(low, high))
+        ->type_name("N")
+        ->group("Training");
+  };
+  number("--looks", training_.looks, "tracks from each clip: the first as it stands, others varied", 1, 64);
+  number("--seeds", training_.seeds, "starting points, of which the best on validation wins", 1, 64);
+  number("--seed", training_.seed, "the first of them, and of how clips are varied", std::uint64_t{0},
+         std::uint64_t{1} << 62);
+  number("--iterations", training_.trainer.iterations, "at most, from each starting point", 1, 100000);
+  number("--patience", training_.trainer.patience, "iterations without progress on validation", 1, 100000);
+  number("--decay", training_.loss.decay, "of the weights' squares", 0.0, 1.0);
+  number("--margin", training_.loss.margin, "by which scores should clear the threshold, in log odds", 0.0,
+         10.0);
+  number("--false-alarm-weight", training_.loss.false_alarm_weight,
+         "of false alarms, against that of missed departures", 0.0, 1e6);
+  number("--false-alarms-per-hour", training_.false_alarms_per_hour,
+         "limit on validation that the output's bias is moved for", 0.0, 1e6);
+}
+
+// What the module and the other commands may take, but no network can be made for.
+void TrainCommand::RefuseSettings() const {
+  const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
+  if (!(settings_.threshold > 0 && settings_.threshold < 1)) {
+    refuse("--threshold: scores lie between 0 and 1, and so has what they are to exceed");
+  }
+  if (settings_.rate <= 0 && settings_.time_leaving.seconds) {
+    refuse("--time-leaving: how many frames the seconds are takes a --rate above 0");
+  }
+  const auto features = static_cast<std::uint32_t>(settings_.features);
+  const auto hiddens = static_cast<std::uint32_t>(settings_.hiddens);
+  if (features == 0 || hiddens == 0 ||
+      NetworkLength(2 * std::uint64_t{features}, hiddens) > kWeightCapacity) {
+    refuse("--features, --hiddens: the module has room for 1 to " + std::to_string(kWeightCapacity) +
+           " weights");
+  }
+}
+
+void TrainCommand::ReadClips() {
+  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_);
+  if (validation_.manifests.empty()) {
+    std::vector<Clip> kept;
+    for (std::size_t i = 0; i < clips_.clips.size(); i++) {
+      (i % kValidationPart == kValidationPart - 1 ? validation_.clips : kept)
+          .push_back(std::move(clips_.clips[i]));
+    }
+    clips_.clips = std::move(kept);
+  }
+  if (clips_.clips.empty() || validation_.clips.empty()) {
+    throw Failure("training needs clips, and others for validation: five at least");
+  }
+}
+
+// A training of hours is not to end at a folder that is not there.
+void TrainCommand::RefuseUnwritable() const {
+  const std::vector<std::string> outputs{output_, SidecarPath(output_), report_};
+  std::vector<std::string> inputs = options_.Files();
+  for (const ClipSet* const set : {&clips_, &validation_, &test_}) {
+    inputs.insert(inputs.end(), set->manifests.begin(), set->manifests.end());
+  }
+  RefuseOverwriting(outputs, inputs);
+  std::deque<OutputFile> writable;
+  for (const std::string& path : outputs) {
+    if (!path.empty()) writable.emplace_back(path);
+  }
+}
+
+// Nothing could be learnt from such clips, and no threshold be placed on them.
+void TrainCommand::RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks,
+                                           const std::string& which) const {
+  const std::size_t run = training_.loss.run;
+  for (const FeatureTrack& track : tracks) {
+    for (const DepartureWindow& departure : track.departures) {
+      if (departure.end >= run) return;
+    }
+  }
+  throw Failure("the " + which + " clips show no departure that a run of " + std::to_string(run) +
+                " scores could tell of");
+}
+
+std::vector<FeatureTrack> TrainCommand::Collect(const Module& module, const std::vector<Clip>& clips,
+                                                const char* title, int looks) const {
+  Progress progress(title, static_cast<std::int64_t>(clips.size()));
+  return CollectTracks(module, settings_, clips, {looks, training_.seed}, jobs_,
+                       [&progress] { progress.Step(); });
+}
+
+std::vector<Training> TrainCommand::TrainSeeds(const std::vector<FeatureTrack>& tracks,
+                                               const std::vector<FeatureTrack>& unseen) const {
+  const AlarmLoss loss(training_.loss, tracks, jobs_);
+  const AlarmLoss validation(training_.loss, unseen, jobs_);
+  std::vector<Training> trainings;
+  for (int i = 0; i < training_.seeds; i++) {
+    TrainerOptions trainer = training_.trainer;
+    trainer.seed = training_.seed + static_cast<std::uint64_t>(i);
+    Progress progress("training " + std::to_string(i + 1) + "/" + std::to_string(training_.seeds),
+                      trainer.iterations);
+    trainings.push_back(Train(loss, validation, training_.loss.hiddens, trainer,
+                              [&progress](const LearningPoint&) { progress.Step(); }));
+  }
+  return trainings;
+}
+
+const Training& BestOf(const std::vector<Training>& trainings) {
+  return *std::min_element(trainings.begin(), trainings.end(),
+                           [](const Training& a, const Training& b) { return a.validation < b.validation; });
+}
+
+nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& trainings) const {
+  nlohmann::ordered_json seeds = nlohmann::ordered_json::array();
+  for (std::size_t i = 0; i < trainings.size(); i++) {
+    seeds.push_back({{"seed", training_.seed + i},
+                     {"iterations", trainings[i].curve.size()},
+                     {"validation_loss", trainings[i].validation}});
+  }
+  return {{"manifests", clips_.files},
+          {"validation", validation_.files},
+          {"test", test_.files},
+          {"clips", clips_.clips.size()},
+          {"validation_clips", validation_.clips.size()},
+          {"looks", training_.looks},
+          {"iterations", training_.trainer.iterations},
+          {"patience", training_.trainer.patience},
+          {"decay", training_.loss.decay},
+          {"margin", training_.loss.margin},
+          {"false_alarm_weight", training_.loss.false_alarm_weight},
+          {"false_alarms_per_hour", training_.false_alarms_per_hour},
+          {"seeds", seeds}};
+}
+
+// By kind of clip.
+nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
+  const MemoryFile file;  // the output's path may be longer than the module takes
+  WriteFile(file.Path(), WeightsBytes(network));
+  Settings settings = settings_;
+  settings.weights = file.Path();
+  const std::vector<ClipRun> runs = RunClips(test_.clips, {"test clips", {&settings, 1}, false, jobs_});
+  nlohmann::ordered_json figures;
+  for (const NamedTally& kind : TallyKinds(test_.clips, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
+  figures["all"] = FigureJson(TallyAll(runs, 0));
+  return figures;
+}
+
+void TrainCommand::operator()() {
+  options_.CompleteWithoutWeights();
+  RefuseSettings();
+  training_.loss.run =
+      static_cast<std::size_t>(std::max(0, settings_.time_leaving.Frames(settings_.rate))) + 1;
+  training_.loss.hiddens = static_cast<std::size_t>(settings_.hiddens);
+  training_.loss.threshold = settings_.threshold;
+  ReadClips();
+  RefuseUnwritable();
+  const Module module;
+  const std::vector<FeatureTrack> unseen = Collect(module, validation_.clips, "validation clips", 1);
+  RefuseWithoutDepartures(unseen, "validation");
+  const std::vector<FeatureTrack> tracks = Collect(module, clips_.clips, "training clips", training_.looks);
+  RefuseWithoutDepartures(tracks, "training");
+  const std::vector<Training> trainings = TrainSeeds(tracks, unseen);
+
+  const std::size_t inputs = 2 * tracks.front().features;
+  Network network{inputs, training_.loss.hiddens,
+                  FileNumbers(BestOf(trainings).parameters, tracks.front().features, training_.loss.hiddens)};
+  const Calibration calibration =
+      Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_);
+  network.numbers.back() += static_cast<float>(calibration.shift);
+  const std::string bytes = WeightsBytes(network);
+  WriteFile(output_, bytes);
+  Sidecar sidecar{inputs, network.hiddens, Sha256(bytes), SidecarSettings(settings_)};
+  sidecar.training = Describe(trainings);
+  sidecar.figures = {{"validation", FigureJson(calibration.tally)}};
+  if (!test_.clips.empty()) sidecar.figures["test"] = TestFigures(network);
+  WriteFile(SidecarPath(output_), SidecarText(sidecar));
+  if (!report_.empty()) {
+    OutputFile report(report_);
+    WriteLearningCurves(report.Stream(), trainings);
+    report.Commit();
+  }
+  for (std::size_t i = 0; i < trainings.size(); i++) {
+    WriteResult("seed " + std::to_string(training_.seed + i) + ": " +
+                std::to_string(trainings[i].curve.size()) + " iterations, validation loss " +
+                std::to_string(trainings[i].validation));
+  }
+  WriteResult(output_ + ": on validation, " + FigureSentence(calibration.tally));
+}
+
+}  // namespace
+
+std::function<void()> AddTrain(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("train", "Make a weights file from labelled clips");
+  const auto train = std::make_shared<TrainCommand>(command);
+  return [train] { (*train)(); };
+}
+
+}  // namespace stopngo

@@ -1,0 +1,187 @@
+// tune.cpp: stopngo tune: searches the settings of the decision for a wanted rate of false alarms.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/results.h"
+#include "command/evaluation_options.h"
+#include "command/subcommands.h"
+#include "evaluate/evaluation.h"
+#include "evaluate/figures.h"
+#include "host/failure.h"
+#include "host/setting_table.h"
+#include "host/text.h"
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kTuneFooter =
+    R"(Tries every combination of the values below on the clips, and prints the one with the highest recall, then
+the shortest median time to alarm, that keeps within the wanted rate of false alarms: TOML for --config.
+
+Examples:
+  stopngo tune validate.tsv --weights weights.bin --false-alarms-per-hour 0.5 > car.toml
+  stopngo tune validate.tsv --weights weights.bin --try-threshold 0.5,0.6 --try-filter none)";
+
+constexpr std::size_t kRunnersUp = 9;
+
+/// A setting that is searched, and the values that it is given; see setting_table.h for their form.
+struct Dimension {
+  const char* setting;
+  std::vector<std::string> values;
+};
+
+struct TuneArguments {
+  explicit TuneArguments(CLI::App& app) : options(app) {}
+
+  EvaluationOptions options;
+  std::vector<Dimension> dimensions{
+      {"filter", {"none", "median", "gaussian"}},
+      {"threshold", {"0.2", "0.3", "0.4", "0.5", "0.6", "0.7", "0.8", "0.9"}},
+      {"time-leaving", {"1", "2", "3", "4", "5"}},
+      {"gap-op", {"1", "2", "3"}},
+  };
+};
+
+struct Candidate {
+  Settings settings;
+  Tally tally;
+};
+
+const Setting& SettingNamed(std::string_view name) {
+  const std::span<const Setting> table = SettingTable();
+  return *std::find_if(table.begin(), table.end(), [name](const Setting& row) { return name == row.name; });
+}
+
+/// Every combination of the values of the dimensions with the settings given.
+std::vector<Settings> Combinations(const Settings& settings, std::span<const Dimension> dimensions) {
+  std::vector<Settings> combinations{settings};
+  for (const Dimension& dimension : dimensions) {
+    std::vector<Settings> more;
+    for (const Settings& base : combinations) {
+      for (const std::string& value : dimension.values) {
+        more.push_back(base);
+        SetFromText(more.back(), SettingNamed(dimension.setting), value);
+      }
+    }
+    combinations = std::move(more);
+  }
+  return combinations;
+}
+
+/// A value as TOML has it: names in quotes, numbers as they are.
+std::string TomlValue(const std::string& text) {
+  const bool number = text.find_first_not_of("+-.0123456789e") == std::string::npos;
+  return number ? text : '"' + text + '"';
+}
+
+std::string InOneLine(const TuneArguments& arguments, const Settings& settings) {
+  std::string line;
+  for (const Dimension& dimension : arguments.dimensions) {
+    line += (line.empty() ? "" : ", ") + std::string(dimension.setting) + " = " +
+            TomlValue(TextOf(settings, SettingNamed(dimension.setting)));
+  }
+  return line;
+}
+
+class Search {
+ public:
+  explicit Search(TuneArguments& arguments)
+      : arguments_(arguments), options_(arguments.options), clips_(options_.Clips()) {}
+
+  void Run() {
+    // The first dimension changes what is analysed, not only what is decided: a pass over the clips each.
+    const std::span<const Dimension> dimensions(arguments_.dimensions);
+    const std::vector<Settings> passes = Combinations(options_.settings, dimensions.first(1));
+    for (std::size_t pass = 0; pass < passes.size(); ++pass) {
+      const std::vector<Settings> settings = Combinations(passes[pass], dimensions.subspan(1));
+      const std::string title = Print("tune %zu/%zu", pass + 1, passes.size());
+      const std::vector<ClipRun> runs = RunClips(clips_, {title, settings, false, options_.jobs});
+      for (std::size_t i = 0; i < settings.size(); ++i) {
+        candidates_.push_back({settings[i], TallyAll(runs, i)});
+      }
+    }
+    std::stable_sort(candidates_.begin(), candidates_.end(), [this](const Candidate& a, const Candidate& b) {
+      return Better(a.tally, b.tally, options_.false_per_hour);
+    });
+    candidates_.resize(std::min(candidates_.size(), 1 + kRunnersUp));
+    options_.json ? TellJson() : Tell();
+  }
+
+ private:
+  void Tell() const {
+    const Candidate& best = candidates_.front();
+    const bool reached = WithinLimit(best.tally, options_.false_per_hour);
+    WriteResult(
+        Print(reached ? "# best within %g false alarms an hour of standing, on %d clips"
+                      : "# nothing keeps within %g false alarms an hour of standing; nearest, on %d clips",
+              options_.false_per_hour, best.tally.clips));
+    WriteResult("# " + FigureSentence(best.tally));
+    for (const Dimension& dimension : arguments_.dimensions) TellSetting(best, dimension.setting);
+    TellSetting(best, "rate");
+    if (candidates_.size() > 1) WriteResult("# runners-up");
+    for (const Candidate& candidate : std::span(candidates_).subspan(1)) {
+      WriteResult("# " + InOneLine(arguments_, candidate.settings));
+      WriteResult("#   " + FigureSentence(candidate.tally));
+    }
+  }
+
+  static void TellSetting(const Candidate& candidate, const std::string& name) {
+    WriteResult(name + " = " + TomlValue(TextOf(candidate.settings, SettingNamed(name))));
+  }
+
+  void TellJson() const {
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+      nlohmann::ordered_json json{{"type", "setting"}, {"place", i + 1}};
+      for (const Dimension& dimension : arguments_.dimensions) {
+        json[dimension.setting] = TextOf(candidates_[i].settings, SettingNamed(dimension.setting));
+      }
+      json["within_limit"] = WithinLimit(candidates_[i].tally, options_.false_per_hour);
+      json.update(FigureJson(candidates_[i].tally));
+      WriteResult(JsonLine(json));
+    }
+  }
+
+  const TuneArguments& arguments_;
+  EvaluationOptions& options_;
+  std::vector<Clip> clips_;
+  std::vector<Candidate> candidates_;  ///< once searched: the best first
+};
+
+std::string FaultOf(const Dimension& dimension, const std::string& value) {
+  Settings unused;
+  try {
+    SetFromText(unused, SettingNamed(dimension.setting), value);
+  } catch (const std::invalid_argument& reason) {
+    return reason.what();
+  }
+  return {};
+}
+
+}  // namespace
+
+std::function<void()> AddTune(CLI::App& app) {
+  CLI::App& command = *app.add_subcommand("tune", "Search the decision's settings on labelled clips");
+  command.footer(kTuneFooter);
+  const auto arguments = std::make_shared<TuneArguments>(command);
+  for (Dimension& dimension : arguments->dimensions) {
+    command
+        .add_option("--try-" + std::string(dimension.setting), dimension.values,
+                    "values to try of --" + std::string(dimension.setting))
+        ->delimiter(',')
+        ->allow_extra_args(false)  // what follows is a manifest
+        ->type_name("VALUE,…")
+        ->capture_default_str()
+        ->check([&dimension](const std::string& value) { return FaultOf(dimension, value); });
+  }
+  return [arguments] { Search(*arguments).Run(); };
+}
+
+}  // namespace stopngo

@@ -1,0 +1,113 @@
+// evaluation.cpp: the real module over many labelled clips, with several settings side by side.
+#include "evaluate/evaluation.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "base/interruption.h"
+#include "base/parallel.h"
+#include "base/progress.h"
+#include "host/failure.h"
+
+namespace stopngo {
+namespace {
+
+/// The settings with the place of a clip's region in its frames.
+Settings SettingsFor(const OpenedClip& clip, const Settings& settings) {
+  const SourceInfo& info = clip.frames->Info();
+  return Placed(settings, clip.region, info.width, info.height);
+}
+
+/// Settings that analyse every frame: no score is ever above 1, and so no hold begins.
+Settings Watching(Settings settings) {
+  settings.weights.clear();
+  settings.no_weights = true;
+  settings.threshold = 2;
+  settings.log = 0;
+  return settings;
+}
+
+class ClipRunner {
+ public:
+  ClipRunner(const Module& module, const RunOptions& options, const Clip& clip)
+      : clip_(OpenClip(clip, options.settings.front().rate, 0)) {
+    const SourceInfo& info = clip_.frames->Info();
+    for (const Settings& settings : options.settings) {
+      detectors_.push_back(std::make_unique<Detector>(module, SettingsFor(clip_, settings), info));
+    }
+    if (options.signals) {
+      const Settings watching = Watching(SettingsFor(clip_, options.settings.front()));
+      watcher_ = std::make_unique<Detector>(module, watching, info);
+    }
+    run_.labels = clip_.labels;
+    run_.fps = info.fps;
+    run_.alarms.resize(detectors_.size());
+  }
+
+  ClipRun Run() {
+    LumaFrame frame;
+    double last_s = 0;
+    while (clip_.frames->Next(frame)) {
+      last_s = frame.time_s;
+      for (std::size_t i = 0; i < detectors_.size(); ++i) {
+        const FrameReport report = detectors_[i]->Write(frame);
+        if (report.changed && report.decision == 1) run_.alarms[i].push_back(report.time_s);
+      }
+      if (!watcher_ || !watcher_->Write(frame).analysed) continue;
+      run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
+    }
+    CheckEnd(clip_, last_s);
+    return std::move(run_);
+  }
+
+ private:
+  OpenedClip clip_;
+  std::vector<std::unique_ptr<Detector>> detectors_;
+  std::unique_ptr<Detector> watcher_;
+  ClipRun run_;
+};
+
+}  // namespace
+
+std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options) {
+  const Module module;
+  std::vector<ClipRun> runs(clips.size());
+  std::optional<Progress> progress;
+  // The module's own lines and a progress bar would write over each other.
+  if (options.settings.front().log <= 0) progress.emplace(options.title, std::ssize(clips));
+  std::mutex drawing;
+  InParallel(clips.size(), options.jobs, [&](std::size_t i) {
+    if (Interrupted()) throw Failure("interrupted");
+    try {
+      runs[i] = ClipRunner(module, options, clips[i]).Run();
+    } catch (const Failure& failure) {
+      throw NamingClip(clips[i], failure);
+    }
+    const std::lock_guard lock(drawing);
+    if (progress) progress->Step();
+  });
+  return runs;
+}
+
+std::vector<NamedTally> TallyKinds(std::span<const Clip> clips, std::span<const ClipRun> runs,
+                                   std::size_t setting) {
+  std::vector<NamedTally> kinds;
+  for (std::size_t i = 0; i < clips.size(); ++i) {
+    auto kind = std::find_if(kinds.begin(), kinds.end(),
+                             [&](const NamedTally& known) { return known.name == clips[i].kind; });
+    if (kind == kinds.end()) kind = kinds.insert(kinds.end(), {clips[i].kind, {}});
+    kind->tally.Add(Judge(runs[i].alarms[setting], runs[i].labels), runs[i].labels);
+  }
+  return kinds;
+}
+
+Tally TallyAll(std::span<const ClipRun> runs, std::size_t setting) {
+  Tally all;
+  for (const ClipRun& run : runs) all.Add(Judge(run.alarms[setting], run.labels), run.labels);
+  return all;
+}
+
+}  // namespace stopngo

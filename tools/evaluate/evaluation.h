@@ -1,0 +1,41 @@
+// evaluation.h: the real module over many labelled clips, with several settings side by side.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "clips/clip.h"
+#include "evaluate/baseline.h"
+#include "evaluate/tally.h"
+#include "host/detector.h"
+#include "host/settings.h"
+
+namespace stopngo {
+
+/// What the module said to a clip.
+struct ClipRun {
+  std::vector<LabelSpan> labels;
+  double fps = 0;                           ///< of the frames handed over
+  std::vector<std::vector<double>> alarms;  ///< a list a setting: when the decision changed to 1, seconds
+  std::vector<FrameSignals> signals;        ///< where they were asked for
+};
+
+struct RunOptions {
+  std::string title;  ///< of the progress bar
+  std::span<const Settings> settings;
+  bool signals = false;
+  int jobs = 1;
+};
+
+/// Runs a detector a setting over every clip, all of a clip's on the same frames. The runs come in the
+/// order of the clips, and are the same for any number of jobs. Throws Failure.
+std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options);
+
+/// By kind in the order of first appearance, of the setting with a number.
+std::vector<NamedTally> TallyKinds(std::span<const Clip> clips, std::span<const ClipRun> runs,
+                                   std::size_t setting);
+Tally TallyAll(std::span<const ClipRun> runs, std::size_t setting);
+
+}  // namespace stopngo

@@ -1,0 +1,91 @@
+// model.h: the parts of a scene, and how a frame is put together from them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/label.h"
+#include "scene/actors/actor.h"
+#include "scene/lane/lane.h"
+#include "scene/lens/coder.h"
+#include "scene/lens/sensor.h"
+#include "scene/lens/shake.h"
+#include "scene/lens/windscreen.h"
+#include "scene/motion/ego_path.h"
+#include "scene/paint/illumination.h"
+#include "scene/paint/layer.h"
+#include "scene/paint/sheet.h"
+#include "scene/recipe/kinds.h"
+#include "scene/recipe/recipe.h"
+#include "scene/space/offset.h"
+#include "scene/space/window.h"
+#include "scene/street/world.h"
+
+namespace stopngo {
+
+struct SceneModel {
+  SceneModel(const SceneOptions& options, const SceneWindow& window);
+
+  void Render(std::int64_t frame, std::span<std::uint8_t> luma);
+  /// Where our own vehicle is at a time, without the camera's shake.
+  [[nodiscard]] Camera Pose(double time_s) const;
+  [[nodiscard]] std::vector<LabelSpan> Labels(double length_s) const;
+
+  SceneOptions options;
+  SceneWindow window;
+  PicturePart part;
+  std::vector<LaneVehicle> lane;  ///< the one ahead first, when there is one
+
+ private:
+  /// What stands still seen from one place: kept from frame to frame.
+  struct Still {
+    Camera camera;
+    Layer street;
+    std::vector<std::optional<Cutout>> vehicles;  ///< as they are at the beginning
+    std::vector<std::optional<Cutout>> actors;    ///< those that never move
+  };
+  /// Something of a frame, to be drawn in order of distance.
+  struct Item {
+    double distance;
+    bool vehicle;  ///< else an actor
+    std::size_t index;
+  };
+
+  /// Adds up in light_ what the shutter lets in around a time.
+  void Gather(double time_s);
+  [[nodiscard]] int Instants(double time_s) const;
+  /// Fills light_ with what is seen at a time. open_s: how long the shutter stays open around it.
+  void Compose(double time_s, double open_s);
+  void DrawStreet(double time_s, double open_s, Offset shake);
+  [[nodiscard]] std::vector<Item> Items(double time_s, const Camera& camera) const;
+  void DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Offset shake);
+  void DrawActor(std::size_t index, double time_s, const Camera& shaken, Offset shake);
+  void DrawCutout(std::optional<Cutout>& cutout, Offset shake, const Layer::Paint& paint);
+  void FlushSheet();
+  void UpdateStill(double time_s, const Camera& camera);
+  [[nodiscard]] Stage MakeStage(double event_s) const;
+  [[nodiscard]] double Shown(std::int64_t frame, std::int64_t& index) const;
+
+  Camera camera_;
+  EgoPath path_;
+  World world_;
+  Shake shake_;
+  Windscreen windscreen_;
+  Sensor sensor_;
+  Coder coder_;
+  Illumination illumination_;
+  Actors actors_;
+  std::vector<std::unique_ptr<ScreenEffect>> overlays_;
+  std::vector<ActorKind> actor_kinds_;
+  std::unique_ptr<Still> still_;
+  bool resting_ = false;
+  Sheet sheet_;
+  bool sheet_used_ = false;
+  std::vector<float> light_;
+  std::vector<float> gathered_;
+};
+
+}  // namespace stopngo

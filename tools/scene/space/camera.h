@@ -1,0 +1,45 @@
+// camera.h: the pinhole camera of a scene: its lens, where it stands and where it looks.
+#pragma once
+
+#include <cmath>
+
+#include "base/exact_math.h"
+#include "scene/recipe/recipe.h"
+
+namespace stopngo {
+
+/// Coordinates: x to the right, height above the road and z ahead, in metres from the point below the
+/// lens of the camera while it waits at the beginning of the scene.
+struct Camera {
+  double height_m = 1.3;  ///< behind a car's windscreen
+  double focal = 0;       ///< pixels
+  double centre_x = 0;    ///< column that looks along the lens's axis
+  double horizon = 0;     ///< row at eye level
+  double x_m = 0;         ///< where our own vehicle has moved to
+  double z_m = 0;
+  double cosine = 1;  ///< of the angle by which it has turned, to the right
+  double sine = 0;
+};
+
+/// Where a point of the ground lies for a camera: metres along its axis, and across it.
+struct Place {
+  double across;
+  double ahead;
+};
+
+inline Place PlaceOf(const Camera& camera, double x, double z) {
+  const double dx = x - camera.x_m;
+  const double dz = z - camera.z_m;
+  return {camera.cosine * dx - camera.sine * dz, camera.cosine * dz + camera.sine * dx};
+}
+
+/// Turned to the right by an angle in turns, which is a small part of one.
+inline void Turn(Camera& camera, double turns) {
+  camera.sine = SineOfTurns(turns);
+  camera.cosine = std::sqrt(1 - camera.sine * camera.sine);
+}
+
+/// Of the whole picture while our own vehicle waits at the beginning.
+Camera WaitingCamera(const SceneOptions& options);
+
+}  // namespace stopngo

@@ -1,0 +1,14 @@
+// report.h: how a training went, as a picture.
+#pragma once
+
+#include <ostream>
+#include <span>
+
+#include "train/trainer.h"
+
+namespace stopngo {
+
+/// Both losses over the iterations, a colour a starting point. Throws Failure when out takes no more.
+void WriteLearningCurves(std::ostream& out, std::span<const Training> trainings);
+
+}  // namespace stopngo

@@ -1,0 +1,234 @@
+// plain_reader.cpp: reads Y4M and raw luma, from files and standard input, without any library.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+#include <string_view>
+
+#include "host/failure.h"
+#include "host/system_error.h"
+#include "video/readers.h"
+
+namespace stopngo {
+namespace {
+
+constexpr std::string_view kMagic = "YUV4MPEG2";
+constexpr std::string_view kFrameMagic = "FRAME";
+#if defined(STOPNGO_WITH_FFMPEG)
+constexpr const char* kNotY4m = "not Y4M (see --raw for raw luma, --format for anything else)";
+#else
+constexpr const char* kNotY4m = "not Y4M (see --raw for raw luma), and this program was built without FFmpeg";
+#endif
+// Header lines are some dozens of bytes long; a longer one is no header.
+constexpr std::size_t kMaximumLine = 4096;
+
+struct FileCloser {
+  void operator()(std::FILE* file) const {
+    if (file != stdin) std::fclose(file);
+  }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+File OpenFile(const std::string& path) {
+  errno = 0;
+  File file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
+  if (!file) throw Failure(path + ": " + LastSystemError());
+  return file;
+}
+
+std::string NameOf(const std::string& input) { return input == "-" ? "standard input" : input; }
+
+/// What both forms share: planes of one size, each at its place in time.
+class PlainSource : public FrameSource {
+ public:
+  explicit PlainSource(const SourceOptions& options)
+      : name_(NameOf(options.input)), file_(OpenFile(options.input)) {}
+
+  [[nodiscard]] const SourceInfo& Info() const override { return info_; }
+
+  bool Next(LumaFrame& frame) override {
+    if (!BeginFrame()) return false;
+    frame.width = info_.width;
+    frame.height = info_.height;
+    frame.index = index_;
+    frame.time_s = static_cast<double>(index_) / info_.fps;
+    frame.pixels.resize(PlaneBytes());
+    Read(frame.pixels);
+    chroma_.resize(chroma_bytes_);
+    Read(chroma_);
+    ++index_;
+    return true;
+  }
+
+ protected:
+  /// Reads what stands before a frame's pixels; false at the end of the input.
+  virtual bool BeginFrame() = 0;
+
+  [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
+
+  void Read(std::vector<std::uint8_t>& bytes) {
+    if (std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size()) return;
+    FailOnReadError();
+    Fail("frame " + std::to_string(index_) + " is cut short");
+  }
+
+  void FailOnReadError() const {
+    if (std::ferror(file_.get()) != 0) Fail(LastSystemError());
+  }
+
+  /// A line without its newline; false when the input ends before its first byte.
+  bool ReadLine(std::string& line) {
+    line.clear();
+    for (int byte = std::fgetc(file_.get()); byte != '\n'; byte = std::fgetc(file_.get())) {
+      if (byte == EOF) {
+        FailOnReadError();
+        if (line.empty()) return false;
+        Fail("ends within a header");
+      }
+      line.push_back(static_cast<char>(byte));
+      if (line.size() > kMaximumLine)
+        Fail("has a header of more than " + std::to_string(kMaximumLine) + " bytes");
+    }
+    return true;
+  }
+
+  bool AtEnd() {
+    const int byte = std::fgetc(file_.get());
+    if (byte == EOF) FailOnReadError();
+    return byte == EOF || std::ungetc(byte, file_.get()) == EOF;
+  }
+
+  [[nodiscard]] std::size_t PlaneBytes() const { return std::size_t{1} * info_.width * info_.height; }
+
+  /// header: bytes before the first frame and before each.
+  void Describe(const char* kind, std::size_t file_header, std::size_t frame_header) {
+    info_.description =
+        name_ + ": " + kind + ", " + std::to_string(info_.width) + " x " + std::to_string(info_.height);
+    std::error_code error;
+    const std::uint64_t bytes = std::filesystem::file_size(name_, error);
+    if (!error) {
+      info_.frames = static_cast<std::int64_t>((bytes - std::min<std::uint64_t>(bytes, file_header)) /
+                                               (frame_header + PlaneBytes() + chroma_bytes_));
+    }
+  }
+
+  std::string name_;
+  File file_;
+  SourceInfo info_;
+  std::size_t chroma_bytes_ = 0;  ///< after each plane, to be passed over
+  std::int64_t index_ = 0;
+
+ private:
+  std::vector<std::uint8_t> chroma_;  ///< read, not skipped: a pipe cannot be positioned
+};
+
+class RawSource : public PlainSource {
+ public:
+  explicit RawSource(const SourceOptions& options) : PlainSource(options) {
+    if (options.raw_width > kMaximumSide || options.raw_height > kMaximumSide) {
+      throw Failure("--raw: more than " + std::to_string(kMaximumSide) + " columns or rows",
+                    ExitCode::kUsage);
+    }
+    info_.width = options.raw_width;
+    info_.height = options.raw_height;
+    info_.fps = options.raw_fps;
+    Describe("raw luma", 0, 0);
+  }
+
+ private:
+  bool BeginFrame() override { return !AtEnd(); }
+};
+
+/// How many chroma samples a format has, as a divisor of the luma's columns and rows; 0: no chroma.
+struct ChromaLayout {
+  std::string_view name;
+  int across;
+  int down;
+};
+constexpr std::array kLayouts = {
+    ChromaLayout{"mono", 0, 0},     ChromaLayout{"420", 2, 2},      ChromaLayout{"420jpeg", 2, 2},
+    ChromaLayout{"420mpeg2", 2, 2}, ChromaLayout{"420paldv", 2, 2}, ChromaLayout{"422", 2, 1},
+    ChromaLayout{"444", 1, 1},
+};
+
+class Y4mSource : public PlainSource {
+ public:
+  explicit Y4mSource(const SourceOptions& options) : PlainSource(options) {
+    if (AtEnd()) Fail("is empty");
+    std::array<char, kMagic.size()> magic{};
+    const std::size_t read = std::fread(magic.data(), 1, magic.size(), file_.get());
+    std::string header;
+    if (std::string_view(magic.data(), read) != kMagic || !ReadLine(header)) Fail(kNotY4m);
+    info_.fps = kUnknownRate;
+    std::istringstream fields(header);
+    for (std::string field; fields >> field;) TakeField(field);
+    if (info_.width < 1 || info_.width > kMaximumSide || info_.height < 1 || info_.height > kMaximumSide) {
+      Fail("a Y4M header without a usable size");
+    }
+    TakeLayout();
+    constexpr std::size_t kNewline = 1;
+    Describe("Y4M", kMagic.size() + header.size() + kNewline, kFrameMagic.size() + kNewline);
+  }
+
+ private:
+  bool BeginFrame() override {
+    std::string line;
+    if (!ReadLine(line)) return false;
+    if (!line.starts_with(kFrameMagic)) Fail("frame " + std::to_string(index_) + " has no frame header");
+    return true;
+  }
+
+  int NumberOf(std::string_view text) const {
+    int number = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || stop != text.data() + text.size()) Fail("a damaged Y4M header");
+    return number;
+  }
+
+  void TakeField(const std::string& field) {
+    const std::string_view value = std::string_view(field).substr(1);
+    if (field[0] == 'W') info_.width = NumberOf(value);
+    if (field[0] == 'H') info_.height = NumberOf(value);
+    if (field[0] == 'C') layout_ = value;
+    if (field[0] == 'F') {
+      const std::size_t colon = std::min(value.find(':'), value.size() - 1);
+      const double over = NumberOf(value.substr(0, colon));
+      const double under = NumberOf(value.substr(colon + 1));
+      if (over > 0 && under > 0) info_.fps = over / under;
+    }
+  }
+
+  void TakeLayout() {
+    const auto* const layout = std::find_if(kLayouts.begin(), kLayouts.end(),
+                                            [this](const ChromaLayout& row) { return row.name == layout_; });
+    if (layout == kLayouts.end())
+      Fail("Y4M of the colour format " + layout_ +
+           ", which is not read (mono, 420, 422 and 444 of 8 bits are)");
+    if (layout->across == 0) return;
+    const auto chroma = [](int luma, int divisor) { return std::size_t{1} * (luma + divisor - 1) / divisor; };
+    chroma_bytes_ = 2 * chroma(info_.width, layout->across) * chroma(info_.height, layout->down);
+  }
+
+  std::string layout_ = "420jpeg";  ///< what a header without the field means
+};
+
+}  // namespace
+
+std::unique_ptr<FrameSource> OpenPlain(const SourceOptions& options) {
+  if (options.raw_width != 0) return std::make_unique<RawSource>(options);
+  return std::make_unique<Y4mSource>(options);
+}
+
+bool IsY4m(const std::string& path) {
+  std::error_code ignored;
+  // Devices and pipes are not opened for a look: what is read off them is gone.
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;
+  const File file = OpenFile(path);
+  std::array<char, kMagic.size()> start{};
+  const std::size_t read = std::fread(start.data(), 1, start.size(), file.get());
+  return std::string_view(start.data(), read) == kMagic;
+}
+
+}  // namespace stopngo

@@ -1,0 +1,37 @@
+// sink.h: where pictures go: Y4M, or through FFmpeg any video file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace stopngo {
+
+enum class PixelFormat {
+  kGray,  ///< one byte a pixel
+  kBgrx,  ///< four bytes a pixel, blue first: Cairo's RGB24 on a little-endian machine
+};
+
+struct SinkOptions {
+  std::string path;  ///< ".y4m" or "-" gives Y4M; anything else is FFmpeg's, by its ending
+  int width = 0;
+  int height = 0;
+  double fps = 25;
+  PixelFormat format = PixelFormat::kGray;
+};
+
+/// Writes to a temporary name beside the path; the file appears under its own name with Finish, and
+/// a sink that is destroyed without Finish leaves nothing behind.
+class VideoSink {
+ public:
+  virtual ~VideoSink() = default;
+  /// One picture, rows without padding. Throws Failure.
+  virtual void Write(std::span<const std::uint8_t> picture) = 0;
+  virtual void Finish() = 0;
+};
+
+/// Throws Failure naming the path and the reason.
+std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options);
+
+}  // namespace stopngo
