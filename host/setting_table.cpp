@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
+
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
@@ -65,41 +65,26 @@ constexpr std::array kTable = {
             "frames a second to hand over, the nearest ones; 0: all", true},
 };
 
-// The shortest text that reads back as the same number.
-std::string NumberText(double number) {
-  std::array<char, 32> text;
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
-}
-
-template <typename Number>
-std::optional<Number> NumberOf(const std::string& text) {
-  Number number{};
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc{} || stop != end || text.empty()) return std::nullopt;
-  return number;
-}
-
 // The module's 32-bit fields are partly signed, partly unsigned, and take any bits.
 int IntegerOf(const std::string& text) {
   const std::optional<std::int64_t> number = NumberOf<std::int64_t>(text);
   if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
       *number > std::numeric_limits<std::uint32_t>::max()) {
-    throw std::invalid_argument("'" + text + "' is no whole number from -2147483648 to 4294967295");
+    throw std::invalid_argument(Quoted(text) + " is no whole number from -2147483648 to 4294967295");
   }
   return static_cast<int>(*number);
 }
 
 double RealOf(const std::string& text) {
-  const std::optional<double> number = NumberOf<double>(text);
-  if (!number || !std::isfinite(*number)) throw std::invalid_argument("'" + text + "' is no number");
+  const std::optional<double> number = FiniteOf(text);
+  if (!number) throw std::invalid_argument(Quoted(text) + " is no number");
   return *number;
 }
 
 double RateOf(const std::string& text) {
   const double rate = RealOf(text);
   if (rate != 0 && rate < kLowestRate) {
-    throw std::invalid_argument("'" + text + "' is neither 0 nor " + NumberText(kLowestRate) + " or more");
+    throw std::invalid_argument(Quoted(text) + " is neither 0 nor " + NumberText(kLowestRate) + " or more");
   }
   return rate;
 }
@@ -109,13 +94,13 @@ FrameCount FrameCountOf(const std::string& text) {
     try {
       return {static_cast<double>(IntegerOf(text)), false};
     } catch (const std::invalid_argument&) {
-      throw std::invalid_argument("'" + text + "' is neither a number of frames (25) nor of seconds (1.5s)");
+      throw std::invalid_argument(Quoted(text) + " is neither a number of frames (25) nor of seconds (1.5s)");
     }
   }
-  const std::optional<double> seconds = NumberOf<double>(text.substr(0, text.size() - 1));
+  const std::optional<double> seconds = NumberOf<double>(std::string_view(text).substr(0, text.size() - 1));
   // A year: beyond it the frames would not fit the module's counters at any rate worth having.
   if (!seconds || !(*seconds >= 0 && *seconds <= 366 * 86400.0)) {
-    throw std::invalid_argument("'" + text + "' is no number of seconds");
+    throw std::invalid_argument(Quoted(text) + " is no number of seconds");
   }
   return {*seconds, true};
 }
@@ -126,7 +111,7 @@ int ChoiceOf(const std::string& text, const Choice& choice) {
     if (text == choice.names[i] || text == std::to_string(i)) return static_cast<int>(i);
     expected += std::string(choice.names[i]) + ", ";
   }
-  throw std::invalid_argument("'" + text + "' is none of " + expected + "0 to " +
+  throw std::invalid_argument(Quoted(text) + " is none of " + expected + "0 to " +
                               std::to_string(choice.names.size() - 1));
 }
 
@@ -147,7 +132,7 @@ struct Reader {
   }
   void operator()(bool Settings::*field) const {
     if (text != "true" && text != "false")
-      throw std::invalid_argument("'" + text + "' is neither true nor false");
+      throw std::invalid_argument(Quoted(text) + " is neither true nor false");
     settings.*field = text == "true";
   }
   void operator()(const Choice& choice) const { settings.*choice.field = ChoiceOf(text, choice); }

@@ -4,14 +4,13 @@
 #include <toml++/toml.h>
 
 #include <filesystem>
-#include <limits>
-#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <variant>
 
 #include "host/failure.h"
 #include "host/setting_table.h"
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
@@ -23,12 +22,7 @@ std::string TextOf(const toml::node& node) {
   if (const auto* text = node.as_string()) return text->get();
   if (const auto* number = node.as_integer()) return std::to_string(number->get());
   if (const auto* flag = node.as_boolean()) return flag->get() ? "true" : "false";
-  if (const auto* number = node.as_floating_point()) {
-    std::ostringstream text;
-    text.precision(std::numeric_limits<double>::max_digits10);
-    text << number->get();
-    return text.str();
-  }
+  if (const auto* number = node.as_floating_point()) return Print("%.17g", number->get());
   throw std::invalid_argument("a single value is expected");
 }
 

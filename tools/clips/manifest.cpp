@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +13,7 @@
 
 #include "host/failure.h"
 #include "host/system_error.h"
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
@@ -34,8 +33,6 @@ constexpr std::uint64_t kMostScenes = 1'000'000;
 
 using Cells = std::array<std::string_view, kColumns>;
 
-std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
-
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
   for (;;) {
@@ -54,20 +51,6 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 bool IsUnset(std::string_view cell) { return cell.empty() || cell == "-"; }
-
-template <typename Number>
-std::optional<Number> NumberOf(std::string_view text) {
-  Number number{};
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc{} || stop != end || text.empty()) return std::nullopt;
-  return number;
-}
-
-std::optional<double> FiniteOf(std::string_view text) {
-  const std::optional<double> number = NumberOf<double>(text);
-  return number && std::isfinite(*number) ? number : std::nullopt;
-}
 
 Region RegionOf(std::string_view text) {
   std::array<int, 4> numbers{};

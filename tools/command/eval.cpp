@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -13,7 +12,7 @@
 #include "base/output_file.h"
 #include "base/results.h"
 #include "command/evaluation_options.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "evaluate/curve.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
@@ -128,7 +127,7 @@ class Evaluation {
   template <typename Take>
   void ForEachEvent(Take take) const {
     for (std::size_t i = 0; i < clips_.size(); ++i) {
-      for (const Event& event : Judge(runs_[i].alarms.front(), runs_[i].labels)) take(clips_[i], event);
+      for (const Event& event : runs_[i].events.front()) take(clips_[i], event);
     }
   }
 
@@ -196,26 +195,34 @@ class Evaluation {
   std::vector<BaselineLine> lines_;
 };
 
-}  // namespace
+class EvalCommand : public Subcommand {
+ public:
+  explicit EvalCommand(CLI::App& app);
+  void Complete() override { evaluation_.emplace(arguments_); }
+  void Run() override { evaluation_->Run(); }
 
-std::function<void()> AddEval(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("eval", "Judge a detector on labelled clips");
-  command.footer(kEvalFooter);
-  const auto arguments = std::make_shared<EvalArguments>(command);
+ private:
+  EvalArguments arguments_;
+  std::optional<Evaluation> evaluation_;
+};
+
+EvalCommand::EvalCommand(CLI::App& app) : arguments_(app) {
+  app.footer(kEvalFooter);
   std::vector<std::string> names;
   for (const Baseline& baseline : Baselines()) names.emplace_back(baseline.name);
-  command
-      .add_option("--baseline", arguments->baselines,
-                  "also the best that a threshold on a simple figure could do: difference or flow")
+  app.add_option("--baseline", arguments_.baselines,
+                 "also the best that a threshold on a simple figure could do: difference or flow")
       ->type_name("NAME,…")
       ->delimiter(',')
       ->allow_extra_args(false)  // what follows is a manifest
       ->check(CLI::IsMember(names));
-  command
-      .add_option("--curve", arguments->curve,
-                  "tab-separated figures for thresholds from 0 to 1; and a plot of them, FILE.png")
+  app.add_option("--curve", arguments_.curve,
+                 "tab-separated figures for thresholds from 0 to 1; and a plot of them, FILE.png")
       ->type_name("FILE.tsv");
-  return [arguments] { Evaluation(*arguments).Run(); };
 }
+
+}  // namespace
+
+std::unique_ptr<Subcommand> DeclareEval(CLI::App& app) { return std::make_unique<EvalCommand>(app); }
 
 }  // namespace stopngo

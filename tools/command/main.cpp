@@ -1,15 +1,15 @@
 // main.cpp: the stopngo command: its subcommands, and how it ends.
 #include <CLI/CLI.hpp>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <functional>
 #include <iostream>
-#include <utility>
-#include <vector>
+#include <map>
+#include <memory>
 
 #include "base/results.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "host/failure.h"
 
 namespace stopngo {
@@ -19,17 +19,23 @@ constexpr int kDone = static_cast<int>(ExitCode::kDone);
 constexpr int kFailed = static_cast<int>(ExitCode::kFailed);
 constexpr int kUsage = static_cast<int>(ExitCode::kUsage);
 
-using Command = std::pair<const CLI::App*, std::function<void()>>;
+struct Entry {
+  const char* name;
+  const char* help;
+  std::unique_ptr<Subcommand> (*declare)(CLI::App& app);
+};
 
-std::vector<Command> AddCommands(CLI::App& app) {
-  std::vector<Command> commands;
-  for (auto* const add : {AddRun, AddSynth, AddRender, AddTrain, AddEval, AddTune, AddWeights}) {
-    std::function<void()> action = add(app);
-    const CLI::App* const added = app.get_subcommands([](const CLI::App*) { return true; }).back();
-    commands.emplace_back(added, std::move(action));
-  }
-  return commands;
-}
+constexpr std::array kSubcommands{
+    Entry{"run", "Run the detector over a recording or a camera", DeclareRun},
+    Entry{"synth",
+          "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels",
+          DeclareSynth},
+    Entry{"render", "Draw what the module sees on a recording", DeclareRender},
+    Entry{"train", "Make a weights file from labelled clips", DeclareTrain},
+    Entry{"eval", "Judge a detector on labelled clips", DeclareEval},
+    Entry{"tune", "Search the decision's settings on labelled clips", DeclareTune},
+    Entry{"weights", "Show and check a weights file", DeclareWeights},
+};
 
 // Help and version come as exceptions, too; everything else that parsing throws is wrong usage.
 int EndParsing(const CLI::App& app, const CLI::ParseError& end) {
@@ -44,15 +50,19 @@ int Execute(int argc, char** argv) {
   app.set_version_flag("--version", "stopngo " STOPNGO_VERSION);
   app.require_subcommand(1);
   app.footer("stopngo COMMAND --help tells the options of a command, with examples.");
-  const std::vector<Command> commands = AddCommands(app);
+  std::map<const CLI::App*, std::unique_ptr<Subcommand>> subcommands;
+  for (const Entry& entry : kSubcommands) {
+    CLI::App& part = *app.add_subcommand(entry.name, entry.help);
+    subcommands[&part] = entry.declare(part);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& end) {
     return EndParsing(app, end);
   }
-  for (const auto& [command, action] : commands) {
-    if (command->parsed()) action();
-  }
+  Subcommand& chosen = *subcommands.at(app.get_subcommands().front());
+  chosen.Complete();
+  chosen.Run();
   return kDone;
 }
 

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -19,7 +18,7 @@
 #include "base/results.h"
 #include "command/settings_options.h"
 #include "command/source_options.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "host/detector.h"
 #include "host/failure.h"
 #include "host/settings.h"
@@ -247,46 +246,54 @@ class Rendering {
   double left_out_s_ = 0;      ///< of the recording's time
 };
 
-void Render(RenderArguments& arguments) {
-  arguments.options.Complete();
-  Outputs outputs = OutputsOf(arguments);
-  auto frames = OpenSource(ForSettings(arguments.source, arguments.settings));
-  CatchInterruption();
-  Rendering rendering(arguments, std::move(outputs), std::move(frames));
-  rendering.Run();
-  if (arguments.output == "-") {
-    std::cerr << rendering.Tell() << '\n';  // standard output is the video
-  } else {
-    WriteResult(rendering.Tell());
+class RenderCommand : public Subcommand {
+ public:
+  explicit RenderCommand(CLI::App& app);
+
+  void Complete() override {
+    arguments_.options.Complete();
+    outputs_ = OutputsOf(arguments_);
   }
+
+  void Run() override {
+    auto frames = OpenSource(ForSettings(arguments_.source, arguments_.settings));
+    CatchInterruption();
+    Rendering rendering(arguments_, outputs_, std::move(frames));
+    rendering.Run();
+    if (arguments_.output == "-") {
+      std::cerr << rendering.Tell() << '\n';  // standard output is the video
+    } else {
+      WriteResult(rendering.Tell());
+    }
+  }
+
+ private:
+  RenderArguments arguments_;
+  Outputs outputs_;
+};
+
+RenderCommand::RenderCommand(CLI::App& app) : arguments_(app) {
+  app.footer(kRenderFooter);
+  AddSourceOptions(app, arguments_.source);
+  app.add_option("OUT", arguments_.output,
+                 "video file (.mp4, .mkv, .y4m), - for Y4M on standard output, or a .png for a still picture "
+                 "alone")
+      ->required();
+  app.add_option("--still", arguments_.still,
+                 "also write a still picture: the first alarm, else the last frame")
+      ->type_name("FILE.png");
+  app.add_option("--still-at", arguments_.still_at, "the still picture is of this time instead")
+      ->type_name("SECONDS")
+      ->check(CLI::NonNegativeNumber);
+  app.add_option("--history", arguments_.history_s, "seconds that the strip of scores covers")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1.0, 3600.0))
+      ->capture_default_str();
+  app.add_flag("--json", arguments_.json, "the summary as one line of JSON");
 }
 
 }  // namespace
 
-std::function<void()> AddRender(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("render", "Draw what the module sees on a recording");
-  command.footer(kRenderFooter);
-  const auto arguments = std::make_shared<RenderArguments>(command);
-  AddSourceOptions(command, arguments->source);
-  command
-      .add_option(
-          "OUT", arguments->output,
-          "video file (.mp4, .mkv, .y4m), - for Y4M on standard output, or a .png for a still picture "
-          "alone")
-      ->required();
-  command
-      .add_option("--still", arguments->still,
-                  "also write a still picture: the first alarm, else the last frame")
-      ->type_name("FILE.png");
-  command.add_option("--still-at", arguments->still_at, "the still picture is of this time instead")
-      ->type_name("SECONDS")
-      ->check(CLI::NonNegativeNumber);
-  command.add_option("--history", arguments->history_s, "seconds that the strip of scores covers")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(1.0, 3600.0))
-      ->capture_default_str();
-  command.add_flag("--json", arguments->json, "the summary as one line of JSON");
-  return [arguments] { Render(*arguments); };
-}
+std::unique_ptr<Subcommand> DeclareRender(CLI::App& app) { return std::make_unique<RenderCommand>(app); }
 
 }  // namespace stopngo

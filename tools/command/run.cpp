@@ -1,6 +1,5 @@
 // run.cpp: stopngo run: replays a recording or a camera through the module and tells its decisions.
 #include <CLI/CLI.hpp>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,7 +11,7 @@
 #include "command/run_report.h"
 #include "command/settings_options.h"
 #include "command/source_options.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "host/detector.h"
 #include "host/failure.h"
 #include "host/settings.h"
@@ -33,40 +32,52 @@ Examples:
   stopngo run /dev/video0 --original --weights weights.bin --json
   stopngo run - --raw 800x480 --raw-fps 30 --no-weights < luma.raw)";
 
-struct Run {
-  explicit Run(CLI::App& app) : options(app, settings) {}
+class RunCommand : public Subcommand {
+ public:
+  explicit RunCommand(CLI::App& app);
+  void Complete() override;
+  void Run() override;
 
-  void operator()();
-
-  Settings settings;
-  SettingsOptions options;
-  SourceOptions source;
-  std::string trace;
-  bool json = false;
+ private:
+  Settings settings_;
+  SettingsOptions options_;
+  SourceOptions source_;
+  std::string trace_;
+  bool json_ = false;
 };
+
+RunCommand::RunCommand(CLI::App& app) : options_(app, settings_) {
+  app.footer(kRunFooter);
+  AddSourceOptions(app, source_);
+  app.add_option("--trace", trace_, "tab-separated file that receives a line a frame")->type_name("FILE");
+  app.add_flag("--json", json_, "JSON Lines: an object a decision, the summary last");
+}
+
+void RunCommand::Complete() {
+  options_.Complete();
+  std::vector<std::string> inputs = options_.Files();
+  inputs.push_back(source_.input);
+  RefuseOverwriting(std::vector{trace_, settings_.debug_fb}, inputs);
+}
 
 // Before the first frame, so that a run of hours does not end at a path that cannot be written.
 std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
   return path.empty() ? nullptr : std::make_unique<OutputFile>(path);
 }
 
-void Run::operator()() {
-  options.Complete();
-  std::vector<std::string> inputs = options.Files();
-  inputs.push_back(source.input);
-  RefuseOverwriting(std::vector{trace, settings.debug_fb}, inputs);
-  const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source, settings));
+void RunCommand::Run() {
+  const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source_, settings_));
   const Module module;
-  Detector detector(module, settings, frames->Info());
+  Detector detector(module, settings_, frames->Info());
   CatchInterruption();
-  const auto trace_file = OpenOutput(trace);
-  const auto debug_file = OpenOutput(settings.debug_fb);
+  const auto trace_file = OpenOutput(trace_);
+  const auto debug_file = OpenOutput(settings_.debug_fb);
   if (trace_file) WriteTraceHeader(trace_file->Stream());
-  RunReport report(json);
+  RunReport report(json_);
   {
     // The module's own lines and a progress bar would write over each other.
     std::optional<Progress> progress;
-    if (settings.log <= 0) progress.emplace("run", frames->Info().frames);
+    if (settings_.log <= 0) progress.emplace("run", frames->Info().frames);
     LumaFrame frame;
     while (!Interrupted() && frames->Next(frame)) {
       const FrameReport written = detector.Write(frame);
@@ -85,15 +96,6 @@ void Run::operator()() {
 
 }  // namespace
 
-std::function<void()> AddRun(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("run", "Run the detector over a recording or a camera");
-  command.footer(kRunFooter);
-  const auto run = std::make_shared<Run>(command);
-  AddSourceOptions(command, run->source);
-  command.add_option("--trace", run->trace, "tab-separated file that receives a line a frame")
-      ->type_name("FILE");
-  command.add_flag("--json", run->json, "JSON Lines: an object a decision, the summary last");
-  return [run] { (*run)(); };
-}
+std::unique_ptr<Subcommand> DeclareRun(CLI::App& app) { return std::make_unique<RunCommand>(app); }
 
 }  // namespace stopngo

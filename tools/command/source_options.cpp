@@ -2,23 +2,22 @@
 #include "command/source_options.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <cmath>
+#include <optional>
 #include <string>
+
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
 
-// Reads "800x480"; the whole text has to fit.
 void TakeRawSize(const std::string& text, SourceOptions& options) {
-  const char* const end = text.data() + text.size();
-  const auto width = std::from_chars(text.data(), end, options.raw_width);
-  const bool cross = width.ec == std::errc{} && width.ptr != end && *width.ptr == 'x';
-  const auto height = std::from_chars(cross ? width.ptr + 1 : end, end, options.raw_height);
-  if (!cross || height.ec != std::errc{} || height.ptr != end || options.raw_width < 1 ||
-      options.raw_height < 1) {
-    throw CLI::ValidationError("--raw", "'" + text + "' is no size such as 800x480");
+  const std::optional<FrameSize> size = SizeOf(text);
+  if (!size || size->width < 1 || size->height < 1) {
+    throw CLI::ValidationError("--raw", Quoted(text) + " is no size such as 800x480");
   }
+  options.raw_width = size->width;
+  options.raw_height = size->height;
 }
 
 }  // namespace
@@ -41,8 +40,9 @@ void AddSourceOptions(CLI::App& app, SourceOptions& options) {
       ->capture_default_str()
       ->check([](const std::string& text) {
         double fps = 0;
+        // What the option itself will read.
         const bool usable = CLI::detail::lexical_cast(text, fps) && fps > 0 && std::isfinite(fps);
-        return usable ? std::string() : "'" + text + "' is no number above 0";
+        return usable ? std::string() : Quoted(text) + " is no number above 0";
       });
 }
 

@@ -1,15 +1,12 @@
 // synth.cpp: stopngo synth: renders a scene in which the vehicle ahead departs, with its labels.
 #include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <cstdint>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,9 +15,10 @@
 #include "base/progress.h"
 #include "base/results.h"
 #include "clips/region.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "host/failure.h"
 #include "host/system_error.h"
+#include "host/text.h"
 #include "scene/scene.h"
 #include "scene/script/script.h"
 #include "video/sink.h"
@@ -43,30 +41,18 @@ struct SynthArguments {
 constexpr double kDeparture_s = 5;  // unless told otherwise
 constexpr double kAcceleration = 1.2;
 
-std::string Text(double value) {
-  std::array<char, 512> digits{};  // the largest double has 309
-  const auto result =
-      std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
-  return {digits.data(), result.ptr};
-}
-
 void ParseSize(const std::string& text, SceneOptions& scene) {
-  const char* const end = text.data() + text.size();
-  const auto width = std::from_chars(text.data(), end, scene.width);
-  const bool separated = width.ec == std::errc{} && width.ptr != end && *width.ptr == 'x';
-  if (separated) {
-    const auto height = std::from_chars(width.ptr + 1, end, scene.height);
-    if (height.ec == std::errc{} && height.ptr == end) return;
-  }
-  throw Failure("--size: " + text + " is not WIDTHxHEIGHT, such as 800x480", ExitCode::kUsage);
+  const std::optional<FrameSize> size = SizeOf(text);
+  if (!size) throw Failure("--size: " + text + " is not WIDTHxHEIGHT, such as 800x480", ExitCode::kUsage);
+  scene.width = size->width;
+  scene.height = size->height;
 }
 
 // Not left to the command line's parser, which wraps -1 around to the largest seed.
 void ParseSeed(const std::string& text, SceneOptions& scene) {
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, scene.seed);
-  if (result.ec == std::errc{} && result.ptr == end) return;
-  throw Failure("--seed: " + text + " is not a whole number from 0 to 2^64 - 1", ExitCode::kUsage);
+  const auto seed = NumberOf<std::uint64_t>(text);
+  if (!seed) throw Failure("--seed: " + text + " is not a whole number from 0 to 2^64 - 1", ExitCode::kUsage);
+  scene.seed = *seed;
 }
 
 /// What a street, a camera and a vehicle can be like.
@@ -89,8 +75,8 @@ void CheckRanges(const SceneOptions& scene, const SynthArguments& arguments) {
   }};
   for (const Range& range : ranges) {
     if (range.value >= range.least && range.value <= range.most) continue;
-    throw Failure(std::string(range.option) + ": " + Text(range.value) +
-                      " is out of range: " + Text(range.least) + " to " + Text(range.most) + " " + range.unit,
+    throw Failure(std::string(range.option) + ": " + PlainText(range.value) + " is out of range: " +
+                      PlainText(range.least) + " to " + PlainText(range.most) + " " + range.unit,
                   ExitCode::kUsage);
   }
 }
@@ -128,10 +114,8 @@ SceneOptions MakeOptions(const SynthArguments& arguments) {
 nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOptions& options,
                                 const Scene& scene) {
   const Region region = SuggestedRegion(options);
-  std::uint64_t seed = 0;
-  std::from_chars(arguments.seed.data(), arguments.seed.data() + arguments.seed.size(), seed);
   return {{"kind", arguments.kind.empty() ? "plain" : arguments.kind},
-          {"seed", seed},
+          {"seed", NumberOf<std::uint64_t>(arguments.seed).value()},
           {"width", options.width},
           {"height", options.height},
           {"fps", options.fps},
@@ -149,7 +133,8 @@ void WriteLabels(const std::string& path, std::ostream& out, const std::vector<L
   errno = 0;
   out << "# " << scene.dump() << "\nstart_s\tend_s\tlabel\n";
   for (const LabelSpan& label : labels) {
-    out << Text(label.start_s) << '\t' << Text(label.end_s) << '\t' << NameOf(label.activity) << '\n';
+    out << PlainText(label.start_s) << '\t' << PlainText(label.end_s) << '\t' << NameOf(label.activity)
+        << '\n';
   }
   out.flush();
   if (!out) throw Failure(path + ": " + LastSystemError());
@@ -168,10 +153,10 @@ std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_jso
     return JsonLine(line);
   }
   std::string text = arguments.output + ": " + scene["frames"].dump() + " frames of " + arguments.size +
-                     " at " + Text(scene["fps"]) + " a second, region " + scene["roi"].dump();
+                     " at " + PlainText(scene["fps"]) + " a second, region " + scene["roi"].dump();
   for (const LabelSpan& label : labels) {
-    text += ", " + std::string(NameOf(label.activity)) + " " + Text(label.start_s) + "–" + Text(label.end_s) +
-            " s";
+    text += ", " + std::string(NameOf(label.activity)) + " " + PlainText(label.start_s) + "–" +
+            PlainText(label.end_s) + " s";
   }
   return text;
 }
@@ -198,30 +183,77 @@ void ListKinds() {
   WriteResult(text);
 }
 
-void Synth(SynthArguments arguments) {
-  if (arguments.list_kinds) return ListKinds();
-  if (arguments.output.empty()) throw Failure("output is required", ExitCode::kUsage);
-  const SceneOptions options = MakeOptions(arguments);
-  const bool to_stdout = arguments.output == "-";
-  if (arguments.labels.empty() && !to_stdout) arguments.labels = arguments.output + ".labels.tsv";
+class SynthCommand : public Subcommand {
+ public:
+  explicit SynthCommand(CLI::App& app);
+  void Complete() override;
+  void Run() override;
 
+ private:
+  [[nodiscard]] bool ToStandardOutput() const { return arguments_.output == "-"; }
+  void RenderAll();
+
+  SynthArguments arguments_;
+  SceneOptions options_;
+};
+
+SynthCommand::SynthCommand(CLI::App& app) {
+  app.add_option("output", arguments_.output,
+                 "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)");
+  app.add_option("--kind", arguments_.kind,
+                 "Draw everything that is not given here from the seed, for a scene of this kind");
+  app.add_flag("--list-kinds", arguments_.list_kinds, "Tell the kinds of scenes");
+  app.add_option("--size", arguments_.size, "Picture size, WIDTHxHEIGHT")->capture_default_str();
+  app.add_option("--rate", arguments_.fps, "Frames a second (25)");
+  app.add_option("--length", arguments_.length_s, "Length in seconds (12)");
+  app.add_option("--departure", arguments_.departure_s,
+                 "Second at which the vehicle starts; past the length: never (5)");
+  app.add_option("--seed", arguments_.seed,
+                 "Chooses street, vehicle, noise and shake; the same gives the same bytes")
+      ->capture_default_str();
+  app.add_option("--distance", arguments_.distance_m, "Metres to the vehicle's rear while it waits (5)");
+  app.add_option("--acceleration", arguments_.acceleration,
+                 "Of the vehicle, m/s², reached after 0.8 s (1.2)");
+  app.add_option("--vibration", arguments_.vibration, "Largest shake of the picture, pixels (0.4)");
+  app.add_option("--noise", arguments_.noise, "Standard deviation of the sensor noise, grey levels (2)");
+  app.add_option("--labels", arguments_.labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
+  app.add_flag("--json", arguments_.json, "Describe the clip as one line of JSON");
+  app.footer(
+      "Examples:\n"
+      "  stopngo synth clip.y4m\n"
+      "  stopngo synth clip.mp4 --seed 7 --departure 4 --acceleration 0.6\n"
+      "  stopngo synth waiting.mkv --length 30 --departure 30 --vibration 1\n"
+      "  stopngo synth night.mp4 --kind mixed --seed 12\n"
+      "  stopngo synth - --seed 3 | stopngo run -");
+}
+
+void SynthCommand::Complete() {
+  if (arguments_.list_kinds) return;
+  if (arguments_.output.empty()) throw Failure("output is required", ExitCode::kUsage);
+  options_ = MakeOptions(arguments_);
+  if (arguments_.labels.empty() && !ToStandardOutput()) arguments_.labels = arguments_.output + ".labels.tsv";
+}
+
+void SynthCommand::Run() { arguments_.list_kinds ? ListKinds() : RenderAll(); }
+
+void SynthCommand::RenderAll() {
   CatchInterruption();
   // Outputs are opened before the work, so that one that cannot be written is told at once.
   const auto sink =
-      OpenSink({arguments.output, options.width, options.height, options.fps, PixelFormat::kGray});
+      OpenSink({arguments_.output, options_.width, options_.height, options_.fps, PixelFormat::kGray});
   std::optional<OutputFile> labels_file;
-  if (!arguments.labels.empty()) labels_file.emplace(arguments.labels);
+  if (!arguments_.labels.empty()) labels_file.emplace(arguments_.labels);
 
-  Scene scene(options);
+  Scene scene(options_);
   const std::vector<LabelSpan> labels = scene.Labels();
-  const nlohmann::ordered_json description = Describe(arguments, options, scene);
-  Render(scene, options, *sink);
-  if (labels_file) WriteLabels(arguments.labels, labels_file->Stream(), labels, description);
+  const nlohmann::ordered_json description = Describe(arguments_, options_, scene);
+  Render(scene, options_, *sink);
+  if (labels_file) WriteLabels(arguments_.labels, labels_file->Stream(), labels, description);
   sink->Finish();
   if (labels_file) labels_file->Commit();
 
-  const std::string summary = Summary(arguments, description, labels);
-  if (to_stdout) {
+  const std::string summary = Summary(arguments_, description, labels);
+  if (ToStandardOutput()) {
     std::cerr << summary << '\n';  // standard output is the video
   } else {
     WriteResult(summary);
@@ -230,39 +262,6 @@ void Synth(SynthArguments arguments) {
 
 }  // namespace
 
-std::function<void()> AddSynth(CLI::App& app) {
-  auto arguments = std::make_shared<SynthArguments>();
-  CLI::App* synth = app.add_subcommand(
-      "synth", "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels");
-  synth->add_option("output", arguments->output,
-                    "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)");
-  synth->add_option("--kind", arguments->kind,
-                    "Draw everything that is not given here from the seed, for a scene of this kind");
-  synth->add_flag("--list-kinds", arguments->list_kinds, "Tell the kinds of scenes");
-  synth->add_option("--size", arguments->size, "Picture size, WIDTHxHEIGHT")->capture_default_str();
-  synth->add_option("--rate", arguments->fps, "Frames a second (25)");
-  synth->add_option("--length", arguments->length_s, "Length in seconds (12)");
-  synth->add_option("--departure", arguments->departure_s,
-                    "Second at which the vehicle starts; past the length: never (5)");
-  synth
-      ->add_option("--seed", arguments->seed,
-                   "Chooses street, vehicle, noise and shake; the same gives the same bytes")
-      ->capture_default_str();
-  synth->add_option("--distance", arguments->distance_m, "Metres to the vehicle's rear while it waits (5)");
-  synth->add_option("--acceleration", arguments->acceleration,
-                    "Of the vehicle, m/s², reached after 0.8 s (1.2)");
-  synth->add_option("--vibration", arguments->vibration, "Largest shake of the picture, pixels (0.4)");
-  synth->add_option("--noise", arguments->noise, "Standard deviation of the sensor noise, grey levels (2)");
-  synth->add_option("--labels", arguments->labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
-  synth->add_flag("--json", arguments->json, "Describe the clip as one line of JSON");
-  synth->footer(
-      "Examples:\n"
-      "  stopngo synth clip.y4m\n"
-      "  stopngo synth clip.mp4 --seed 7 --departure 4 --acceleration 0.6\n"
-      "  stopngo synth waiting.mkv --length 30 --departure 30 --vibration 1\n"
-      "  stopngo synth night.mp4 --kind mixed --seed 12\n"
-      "  stopngo synth - --seed 3 | stopngo run -");
-  return [arguments] { Synth(*arguments); };
-}
+std::unique_ptr<Subcommand> DeclareSynth(CLI::App& app) { return std::make_unique<SynthCommand>(app); }
 
 }  // namespace stopngo

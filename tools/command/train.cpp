@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -22,7 +21,7 @@
 #include "classification.h"
 #include "clips/manifest.h"
 #include "command/settings_options.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
 #include "host/failure.h"
@@ -87,10 +86,11 @@ struct ClipSet {
   }
 };
 
-class TrainCommand {
+class TrainCommand : public Subcommand {
  public:
   explicit TrainCommand(CLI::App& app);
-  void operator()();
+  void Complete() override;
+  void Run() override;
 
  private:
   void RefuseSettings() const;
@@ -272,7 +272,7 @@ nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
   return figures;
 }
 
-void TrainCommand::operator()() {
+void TrainCommand::Complete() {
   options_.CompleteWithoutWeights();
   RefuseSettings();
   training_.loss.run =
@@ -281,6 +281,9 @@ void TrainCommand::operator()() {
   training_.loss.threshold = settings_.threshold;
   ReadClips();
   RefuseUnwritable();
+}
+
+void TrainCommand::Run() {
   const Module module;
   const std::vector<FeatureTrack> unseen = Collect(module, validation_.clips, "validation clips", 1);
   RefuseWithoutDepartures(unseen, "validation");
@@ -316,10 +319,6 @@ void TrainCommand::operator()() {
 
 }  // namespace
 
-std::function<void()> AddTrain(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("train", "Make a weights file from labelled clips");
-  const auto train = std::make_shared<TrainCommand>(command);
-  return [train] { (*train)(); };
-}
+std::unique_ptr<Subcommand> DeclareTrain(CLI::App& app) { return std::make_unique<TrainCommand>(app); }
 
 }  // namespace stopngo

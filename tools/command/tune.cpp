@@ -1,9 +1,9 @@
 // tune.cpp: stopngo tune: searches the settings of the decision for a wanted rate of false alarms.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -12,7 +12,7 @@
 
 #include "base/results.h"
 #include "command/evaluation_options.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
 #include "host/failure.h"
@@ -165,23 +165,32 @@ std::string FaultOf(const Dimension& dimension, const std::string& value) {
   return {};
 }
 
-}  // namespace
+class TuneCommand : public Subcommand {
+ public:
+  explicit TuneCommand(CLI::App& app);
+  void Complete() override { search_.emplace(arguments_); }
+  void Run() override { search_->Run(); }
 
-std::function<void()> AddTune(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("tune", "Search the decision's settings on labelled clips");
-  command.footer(kTuneFooter);
-  const auto arguments = std::make_shared<TuneArguments>(command);
-  for (Dimension& dimension : arguments->dimensions) {
-    command
-        .add_option("--try-" + std::string(dimension.setting), dimension.values,
-                    "values to try of --" + std::string(dimension.setting))
+ private:
+  TuneArguments arguments_;
+  std::optional<Search> search_;
+};
+
+TuneCommand::TuneCommand(CLI::App& app) : arguments_(app) {
+  app.footer(kTuneFooter);
+  for (Dimension& dimension : arguments_.dimensions) {
+    app.add_option("--try-" + std::string(dimension.setting), dimension.values,
+                   "values to try of --" + std::string(dimension.setting))
         ->delimiter(',')
         ->allow_extra_args(false)  // what follows is a manifest
         ->type_name("VALUE,…")
         ->capture_default_str()
         ->check([&dimension](const std::string& value) { return FaultOf(dimension, value); });
   }
-  return [arguments] { Search(*arguments).Run(); };
 }
+
+}  // namespace
+
+std::unique_ptr<Subcommand> DeclareTune(CLI::App& app) { return std::make_unique<TuneCommand>(app); }
 
 }  // namespace stopngo

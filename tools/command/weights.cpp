@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -11,7 +10,7 @@
 
 #include "base/output_file.h"
 #include "base/results.h"
-#include "command/subcommands.h"
+#include "command/subcommand.h"
 #include "evaluate/network_figures.h"
 #include "evaluate/network_picture.h"
 #include "host/failure.h"
@@ -191,25 +190,34 @@ class Inspection {
   bool sidecar_matches_ = true;
 };
 
-}  // namespace
+class WeightsCommand : public Subcommand {
+ public:
+  explicit WeightsCommand(CLI::App& app);
+  void Complete() override { inspection_.emplace(arguments_); }
+  void Run() override { inspection_->Run(); }
 
-std::function<void()> AddWeights(CLI::App& app) {
-  CLI::App& command = *app.add_subcommand("weights", "Show and check a weights file");
-  command.footer(kWeightsFooter);
-  const auto arguments = std::make_shared<WeightsArguments>();
-  command.add_option("FILE", arguments->file, "weights file")->required();
-  command.add_option("--inputs", arguments->inputs, "inputs of the network, two frames' features")
+ private:
+  WeightsArguments arguments_;
+  std::optional<Inspection> inspection_;
+};
+
+WeightsCommand::WeightsCommand(CLI::App& app) {
+  app.footer(kWeightsFooter);
+  app.add_option("FILE", arguments_.file, "weights file")->required();
+  app.add_option("--inputs", arguments_.inputs, "inputs of the network, two frames' features")
       ->type_name("N");
-  command.add_option("--hiddens", arguments->hiddens, "its hidden nodes")->type_name("N");
-  command.add_option("--columns", arguments->columns, "cells in a row of the grid that the inputs look at")
+  app.add_option("--hiddens", arguments_.hiddens, "its hidden nodes")->type_name("N");
+  app.add_option("--columns", arguments_.columns, "cells in a row of the grid that the inputs look at")
       ->type_name("N")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
-  command
-      .add_option("--picture", arguments->picture, "PNG picture of the first layer, a panel a hidden node")
+  app.add_option("--picture", arguments_.picture, "PNG picture of the first layer, a panel a hidden node")
       ->type_name("FILE");
-  command.add_flag("--json", arguments->json, "one line of JSON");
-  return [arguments] { Inspection(*arguments).Run(); };
+  app.add_flag("--json", arguments_.json, "one line of JSON");
 }
+
+}  // namespace
+
+std::unique_ptr<Subcommand> DeclareWeights(CLI::App& app) { return std::make_unique<WeightsCommand>(app); }
 
 }  // namespace stopngo

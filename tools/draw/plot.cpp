@@ -2,29 +2,20 @@
 #include "draw/plot.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <sstream>
+
+#include "draw/axes.h"
+#include "draw/style.h"
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
 
 constexpr int kWidth = 860;
 constexpr int kHeight = 480;
-constexpr Colour kPaper = Colour::Hex(0xffffff);
-constexpr Colour kInk = Colour::Hex(0x222222);
-constexpr Colour kGrid = Colour::Hex(0xdddddd);
 constexpr double kText = 13;  // pixels
 
-// The colours of Okabe and Ito (2008), "Color Universal Design", without yellow, which is lost on white.
-constexpr std::array kColours{0x0072b2U, 0xd55e00U, 0x009e73U, 0xcc79a7U, 0x56b4e9U, 0xe69f00U};
-
-std::string Number(double value) {
-  std::ostringstream text;
-  text.precision(4);
-  text << (std::fabs(value) < 1e-12 ? 0.0 : value);
-  return text.str();
-}
+std::string Number(double value) { return Print("%.4g", std::fabs(value) < 1e-12 ? 0.0 : value); }
 
 /// Where an axis has its marks: at 1, 2 or 5 times a power of ten, or at each power.
 std::vector<double> Marks(const PlotAxis& axis) {
@@ -53,21 +44,19 @@ Point Place(const Plot& plot, const Box& area, Point value) {
           area.Bottom() - area.height * std::clamp(Share(plot.y, value.y), 0.0, 1.0)};
 }
 
+std::vector<AxisMark> Placed(const PlotAxis& axis, double from, double length) {
+  std::vector<AxisMark> marks;
+  for (const double mark : Marks(axis)) marks.push_back({from + length * Share(axis, mark), Number(mark)});
+  return marks;
+}
+
 void DrawAxes(Canvas& canvas, const Box& area, const Plot& plot) {
-  for (const double mark : Marks(plot.x)) {
-    const double x = area.x + area.width * Share(plot.x, mark);
-    canvas.Line({x, area.y}, {x, area.Bottom()}, kGrid, 1);
-    canvas.Text(Number(mark), {x, area.Bottom() + 18}, {kText, kInk, Align::kCentre});
-  }
-  for (const double mark : Marks(plot.y)) {
-    const double y = area.Bottom() - area.height * Share(plot.y, mark);
-    canvas.Line({area.x, y}, {area.Right(), y}, kGrid, 1);
-    canvas.Text(Number(mark), {area.x - 6, y + 4}, {kText, kInk, Align::kRight});
-  }
-  canvas.Outline(area, kInk, 1);
-  canvas.Text(plot.title, {area.x, area.y - 26}, {kText + 3, kInk, Align::kLeft, true});
-  canvas.Text(plot.x.title, {area.Right(), area.Bottom() + 38}, {kText, kInk, Align::kRight});
-  canvas.Text(plot.y.title, {area.x, area.y - 8}, {kText, kInk});
+  DrawGrid(
+      canvas, area, Placed(plot.x, area.x, area.width), Placed(plot.y, area.Bottom(), -area.height),
+      {.ink = style::kPlotInk, .grid = style::kPlotGrid, .text = kText, .below = 18, .beside = 6, .drop = 4});
+  canvas.Text(plot.title, {area.x, area.y - 26}, {kText + 3, style::kPlotInk, Align::kLeft, true});
+  canvas.Text(plot.x.title, {area.Right(), area.Bottom() + 38}, {kText, style::kPlotInk, Align::kRight});
+  canvas.Text(plot.y.title, {area.x, area.y - 8}, {kText, style::kPlotInk});
 }
 
 void DrawSeries(Canvas& canvas, const Box& area, const Plot& plot, const PlotSeries& series) {
@@ -80,10 +69,8 @@ void DrawSeries(Canvas& canvas, const Box& area, const Plot& plot, const PlotSer
 
 }  // namespace
 
-Colour PlotColour(std::size_t index) { return Colour::Hex(kColours[index % kColours.size()]); }
-
 void DrawPlot(Canvas& canvas, const Box& box, const Plot& plot) {
-  canvas.Fill(box, kPaper);
+  canvas.Fill(box, style::kPaper);
   const Box area{box.x + 64, box.y + 56, box.width - 250, box.height - 106};
   DrawAxes(canvas, area, plot);
   double y = area.y + 12;
@@ -91,7 +78,7 @@ void DrawPlot(Canvas& canvas, const Box& box, const Plot& plot) {
     DrawSeries(canvas, area, plot, series);
     if (series.name.empty()) continue;
     canvas.Line({area.Right() + 14, y - 4}, {area.Right() + 34, y - 4}, series.colour, 3);
-    canvas.Text(series.name, {area.Right() + 40, y}, {kText, kInk});
+    canvas.Text(series.name, {area.Right() + 40, y}, {kText, style::kPlotInk});
     y += 20;
   }
 }

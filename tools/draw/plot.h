@@ -30,8 +30,6 @@ struct Plot {
   std::vector<PlotSeries> series;
 };
 
-/// Colours that stay apart from one another, also for readers who do not see red and green.
-Colour PlotColour(std::size_t index);
 void DrawPlot(Canvas& canvas, const Box& box, const Plot& plot);
 /// False when out takes no more bytes.
 bool WritePlot(std::ostream& out, const Plot& plot);

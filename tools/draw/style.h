@@ -1,4 +1,4 @@
-// style.h: the colours of the overlay, each with one meaning.
+// style.h: every colour that is drawn with, each with one meaning.
 #pragma once
 
 #include <array>
@@ -13,6 +13,36 @@ inline constexpr Colour kText = Colour::Hex(0xF3F5F8);
 inline constexpr Colour kMuted = Colour::Hex(0xA9B2C0);
 inline constexpr Colour kBelow = Colour::Hex(0xC9D1DC);  ///< scores up to the threshold
 inline constexpr Colour kAbove = Colour::Hex(0xFFB454);  ///< scores above it, and the counter they feed
+
+inline constexpr Colour kRim = Colour::Hex(0x0A0D12, 0.55);      ///< around lines over the picture
+inline constexpr Colour kGridRim = Colour::Hex(0x0A0D12, 0.35);  ///< under the borders of cells
+inline constexpr Colour kGridLine = Colour::Hex(0xFFFFFF, 0.42);
+inline constexpr Colour kStillRim = Colour::Hex(0x0A0D12, 0.4);  ///< a block that did not move
+inline constexpr Colour kStill = Colour::Hex(0xFFFFFF, 0.6);
+inline constexpr Colour kThreshold = Colour::Hex(0x11151C);  ///< its mark across a bar
+inline constexpr Colour kCell = Colour::Hex(0xFFFFFF, 0.07);
+inline constexpr Colour kStrip = Colour::Hex(0xFFFFFF, 0.05);  ///< under the scores of the last seconds
+
+/// Plots on white.
+inline constexpr Colour kPaper = Colour::Hex(0xFFFFFF);
+inline constexpr Colour kPlotInk = Colour::Hex(0x222222);
+inline constexpr Colour kPlotGrid = Colour::Hex(0xDDDDDD);
+/// Of Okabe and Ito (2008), "Color Universal Design", which stay apart also for readers who do not see red and
+/// green; without yellow, which is lost on white.
+inline constexpr std::array kSeries{Colour::Hex(0x0072B2), Colour::Hex(0xD55E00), Colour::Hex(0x009E73),
+                                    Colour::Hex(0xCC79A7), Colour::Hex(0x56B4E9), Colour::Hex(0xE69F00)};
+inline constexpr Colour kCurveInk = Colour::Hex(0x1C2430);
+inline constexpr Colour kCurveGrid = Colour::Hex(0xD8DEE6);
+inline constexpr Colour kNetwork = Colour::Hex(0x1D6FD8);
+inline constexpr std::array kOtherDetectors{Colour::Hex(0xC2410C), Colour::Hex(0x15803D),
+                                            Colour::Hex(0x7E22CE)};
+
+/// A network's weights, on dark.
+inline constexpr Colour kDarkPaper = Colour::Hex(0x11151C);
+inline constexpr Colour kCard = Colour::Hex(0x1A202A);
+inline constexpr Colour kRaises = Colour::Hex(0xFFB454);
+inline constexpr Colour kLowers = Colour::Hex(0x4C9DFF);
+inline constexpr Colour kNotFinite = Colour::Hex(0xE5484D);
 
 /// By decision: 0 no alarm, 1 alarm, 2 cooling.
 struct Decision {

@@ -6,7 +6,10 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "draw/axes.h"
+#include "draw/style.h"
 #include "evaluate/figures.h"
 #include "host/text.h"
 
@@ -17,12 +20,6 @@ constexpr int kWidth = 900;
 constexpr int kHeight = 600;
 constexpr Box kPlot{80, 50, 780, 470};
 constexpr double kHeadroom = 24;  // above 100 %, for names of what lies there
-constexpr Colour kPaper = Colour::Hex(0xFFFFFF);
-constexpr Colour kInk = Colour::Hex(0x1C2430);
-constexpr Colour kGrid = Colour::Hex(0xD8DEE6);
-constexpr Colour kNetwork = Colour::Hex(0x1D6FD8);
-constexpr std::array kMarks{Colour::Hex(0xC2410C), Colour::Hex(0x15803D), Colour::Hex(0x7E22CE)};
-
 /// Rates run from none to hundreds: nearly even up to the first, by decades beyond.
 constexpr double kEven = 0.1;
 constexpr std::array kRates{0.0, 0.1, 0.3, 1.0, 3.0, 10.0, 30.0, 100.0, 300.0, 1000.0};
@@ -41,23 +38,19 @@ std::optional<Point> PlaceOf(const Tally& tally) {
 }
 
 void DrawAxes(Canvas& canvas) {
-  canvas.Fill({0, 0, kWidth, kHeight}, kPaper);
-  const TextStyle below{.size = 13, .colour = kInk, .align = Align::kCentre};
-  const TextStyle beside{.size = 13, .colour = kInk, .align = Align::kRight};
-  const TextStyle name{.size = 15, .colour = kInk, .align = Align::kCentre, .bold = true};
-  for (const double rate : kRates) {
-    canvas.Line({Across(rate), kPlot.y}, {Across(rate), kPlot.Bottom()}, kGrid, 1);
-    canvas.Text(Print("%g", rate), {Across(rate), kPlot.Bottom() + 20}, below);
-  }
-  for (int tenth = 0; tenth <= 10; ++tenth) {
-    const double recall = tenth / 10.0;
-    canvas.Line({kPlot.x, Down(recall)}, {kPlot.Right(), Down(recall)}, kGrid, 1);
-    canvas.Text(Print("%d %%", 10 * tenth), {kPlot.x - 8, Down(recall) + 5}, beside);
-  }
-  canvas.Outline(kPlot, kInk, 1);
+  canvas.Fill({0, 0, kWidth, kHeight}, style::kPaper);
+  const TextStyle name{.size = 15, .colour = style::kCurveInk, .align = Align::kCentre, .bold = true};
+  std::vector<AxisMark> rates;
+  for (const double rate : kRates) rates.push_back({Across(rate), Print("%g", rate)});
+  std::vector<AxisMark> recalls;
+  for (int tenth = 0; tenth <= 10; ++tenth)
+    recalls.push_back({Down(tenth / 10.0), Print("%d %%", 10 * tenth)});
+  DrawGrid(
+      canvas, kPlot, rates, recalls,
+      {.ink = style::kCurveInk, .grid = style::kCurveGrid, .text = 13, .below = 20, .beside = 8, .drop = 5});
   canvas.Text("false alarms per hour of standing", {kPlot.Centre().x, kPlot.Bottom() + 50}, name);
   canvas.Text("departures caught within 3 s", {kPlot.x, kPlot.y - 18},
-              {.size = 15, .colour = kInk, .bold = true});
+              {.size = 15, .colour = style::kCurveInk, .bold = true});
 }
 
 }  // namespace
@@ -77,14 +70,14 @@ Canvas DrawCurve(std::span<const CurvePoint> points, std::span<const NamedTally>
   for (const CurvePoint& point : points) {
     const std::optional<Point> place = PlaceOf(point.tally);
     if (!place) continue;
-    if (last) canvas.Line(*last, *place, kNetwork, 2);
-    canvas.Dot(*place, 3.5, kNetwork);
+    if (last) canvas.Line(*last, *place, style::kNetwork, 2);
+    canvas.Dot(*place, 3.5, style::kNetwork);
     // Thresholds that do much the same would write over each other.
     const double below = place->y + 20 < kPlot.Bottom() ? 15 : -8;
     const bool apart = !labelled || std::hypot(place->x - labelled->x, place->y - labelled->y) > 36;
     if (apart) {
       canvas.Text(Print("%g", point.threshold), {place->x + 6, place->y + below},
-                  {.size = 12, .colour = kNetwork});
+                  {.size = 12, .colour = style::kNetwork});
       labelled = place;
     }
     last = place;
@@ -92,7 +85,7 @@ Canvas DrawCurve(std::span<const CurvePoint> points, std::span<const NamedTally>
   for (std::size_t i = 0; i < marks.size(); ++i) {
     const std::optional<Point> place = PlaceOf(marks[i].tally);
     if (!place) continue;
-    const Colour colour = kMarks.at(i % kMarks.size());
+    const Colour colour = style::kOtherDetectors.at(i % style::kOtherDetectors.size());
     canvas.Dot(*place, 6, colour);
     canvas.Text(marks[i].name, {place->x + 10, place->y - 8}, {.size = 13, .colour = colour, .bold = true});
   }

@@ -44,7 +44,7 @@ class ClipRunner {
     }
     run_.labels = clip_.labels;
     run_.fps = info.fps;
-    run_.alarms.resize(detectors_.size());
+    alarms_s_.resize(detectors_.size());
   }
 
   ClipRun Run() {
@@ -54,12 +54,13 @@ class ClipRunner {
       last_s = frame.time_s;
       for (std::size_t i = 0; i < detectors_.size(); ++i) {
         const FrameReport report = detectors_[i]->Write(frame);
-        if (report.changed && report.decision == 1) run_.alarms[i].push_back(report.time_s);
+        if (report.changed && report.decision == 1) alarms_s_[i].push_back(report.time_s);
       }
       if (!watcher_ || !watcher_->Write(frame).analysed) continue;
       run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
     }
     CheckEnd(clip_, last_s);
+    for (const std::vector<double>& alarms_s : alarms_s_) run_.events.push_back(Judge(alarms_s, run_.labels));
     return std::move(run_);
   }
 
@@ -67,6 +68,7 @@ class ClipRunner {
   OpenedClip clip_;
   std::vector<std::unique_ptr<Detector>> detectors_;
   std::unique_ptr<Detector> watcher_;
+  std::vector<std::vector<double>> alarms_s_;  ///< a list a setting: when the decision changed to 1
   ClipRun run_;
 };
 
@@ -99,14 +101,14 @@ std::vector<NamedTally> TallyKinds(std::span<const Clip> clips, std::span<const 
     auto kind = std::find_if(kinds.begin(), kinds.end(),
                              [&](const NamedTally& known) { return known.name == clips[i].kind; });
     if (kind == kinds.end()) kind = kinds.insert(kinds.end(), {clips[i].kind, {}});
-    kind->tally.Add(Judge(runs[i].alarms[setting], runs[i].labels), runs[i].labels);
+    kind->tally.Add(runs[i].events[setting], runs[i].labels);
   }
   return kinds;
 }
 
 Tally TallyAll(std::span<const ClipRun> runs, std::size_t setting) {
   Tally all;
-  for (const ClipRun& run : runs) all.Add(Judge(run.alarms[setting], run.labels), run.labels);
+  for (const ClipRun& run : runs) all.Add(run.events[setting], run.labels);
   return all;
 }
 

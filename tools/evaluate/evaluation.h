@@ -17,9 +17,9 @@ namespace stopngo {
 /// What the module said to a clip.
 struct ClipRun {
   std::vector<LabelSpan> labels;
-  double fps = 0;                           ///< of the frames handed over
-  std::vector<std::vector<double>> alarms;  ///< a list a setting: when the decision changed to 1, seconds
-  std::vector<FrameSignals> signals;        ///< where they were asked for
+  double fps = 0;                          ///< of the frames handed over
+  std::vector<std::vector<Event>> events;  ///< a list a setting: its alarms as judged, and what it missed
+  std::vector<FrameSignals> signals;       ///< where they were asked for
 };
 
 struct RunOptions {

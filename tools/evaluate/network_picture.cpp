@@ -12,12 +12,6 @@
 namespace stopngo {
 namespace {
 
-constexpr Colour kPaper = Colour::Hex(0x11151C);
-constexpr Colour kCard = Colour::Hex(0x1A202A);
-constexpr Colour kRaises = Colour::Hex(0xFFB454);
-constexpr Colour kLowers = Colour::Hex(0x4C9DFF);
-constexpr Colour kNotFinite = Colour::Hex(0xE5484D);
-
 constexpr double kCell = 32;        // a cell's side, pixels
 constexpr double kMargin = 18;      // around panels and sheet
 constexpr double kPadding = 12;     // inside a panel
@@ -53,8 +47,8 @@ double FullStrength(const Network& network) {
 }
 
 Colour ColourOf(double weight, double full) {
-  if (!std::isfinite(weight)) return kNotFinite;
-  Colour colour = weight > 0 ? kRaises : kLowers;
+  if (!std::isfinite(weight)) return style::kNotFinite;
+  Colour colour = weight > 0 ? style::kRaises : style::kLowers;
   colour.alpha = std::min(1.0, std::abs(weight) / full);
   return colour;
 }
@@ -94,13 +88,13 @@ void DrawFrame(Canvas& canvas, const Sheet& sheet, Point corner, std::span<const
 
 void DrawPanel(Canvas& canvas, const Sheet& sheet, Point corner, const Network& network,
                const NodeFigures& node) {
-  canvas.Fill({corner.x, corner.y, sheet.PanelWidth(), sheet.PanelHeight()}, kCard, 6);
+  canvas.Fill({corner.x, corner.y, sheet.PanelWidth(), sheet.PanelHeight()}, style::kCard, 6);
   const TextStyle title{.size = 13, .colour = style::kText, .bold = true};
   const double line = corner.y + 20;
   canvas.Text("node " + std::to_string(node.index), {corner.x + kPadding, line}, title);
   canvas.Text("output " + Number(node.output_weight), {corner.x + sheet.PanelWidth() / 2, line},
               {.size = 13,
-               .colour = node.output_weight < 0 ? kLowers : kRaises,
+               .colour = node.output_weight < 0 ? style::kLowers : style::kRaises,
                .align = Align::kCentre,
                .bold = true});
   canvas.Text("bias " + Number(node.bias), {corner.x + sheet.PanelWidth() - kPadding, line},
@@ -158,7 +152,8 @@ Canvas DrawNetwork(const Network& network, std::size_t columns) {
   };
   Canvas canvas(static_cast<int>(extent(sheet.PanelWidth(), kAcross)),
                 static_cast<int>(kHeader - kMargin + extent(sheet.PanelHeight(), down)));
-  canvas.Fill({0, 0, static_cast<double>(canvas.Width()), static_cast<double>(canvas.Height())}, kPaper);
+  canvas.Fill({0, 0, static_cast<double>(canvas.Width()), static_cast<double>(canvas.Height())},
+              style::kDarkPaper);
   DrawHeader(canvas, sheet, network);
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const Point corner{extent(sheet.PanelWidth(), i % kAcross),

@@ -45,8 +45,7 @@ void DrawCells(Canvas& canvas, const VEL_STOPNGO_CTX& ctx, const FieldView& view
     Colour colour;
     double line;
   };
-  for (const auto& [colour, line] :
-       {Pass{Colour::Hex(0x0A0D12, 0.35), 2.0}, Pass{Colour::Hex(0xFFFFFF, 0.42), 0.8}}) {
+  for (const auto& [colour, line] : {Pass{style::kGridRim, 2.0}, Pass{style::kGridLine, 0.8}}) {
     for (DATA_32 row = 0; row <= ctx.SumY; ++row) {
       canvas.Line(BlockCorner(ctx, view, row * kCellRows, 0),
                   BlockCorner(ctx, view, row * kCellRows, columns), colour, line * view.unit);
@@ -68,8 +67,8 @@ void DrawVectors(Canvas& canvas, const VEL_STOPNGO_CTX& ctx, const FieldView& vi
       const Point centre = BlockCorner(ctx, view, row + 0.5, column + 0.5);
       const double speed = std::hypot(right, down);
       if (speed <= 0) {
-        canvas.Dot(centre, 0.11 * pitch, Colour::Hex(0x0A0D12, 0.4));
-        canvas.Dot(centre, 0.06 * pitch, Colour::Hex(0xFFFFFF, 0.6));
+        canvas.Dot(centre, 0.11 * pitch, style::kStillRim);
+        canvas.Dot(centre, 0.06 * pitch, style::kStill);
         continue;
       }
       // Motion of one pixel has to show too, so that lengths start at half a block, not at nothing.

@@ -109,7 +109,7 @@ void DrawRegion(Canvas& canvas, const Box& region, double unit, const FrameRepor
   const double line = 2 * unit;
   const double rim = unit;
   const Box middle = region.Grown(line / 2 + rim);
-  canvas.Outline(middle, Colour::Hex(0x0A0D12, 0.55), line + 2 * rim);
+  canvas.Outline(middle, style::kRim, line + 2 * rim);
   canvas.Outline(middle, colour, line);
 }
 

@@ -5,10 +5,10 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <numbers>
 
 #include "draw/style.h"
+#include "host/text.h"
 #include "overlay/field.h"
 
 namespace stopngo {
@@ -22,12 +22,6 @@ constexpr double kSmall = 9.5;
 /// A cell's sum that fills its bar: 12 blocks that all move by 3 pixels. Sums reach 84, but those of a
 /// vehicle that moves off stay far below, and its bars have to show.
 constexpr double kFullSum = 36;
-
-std::string Format(const char* format, double value) {
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), format, value);
-  return text.data();
-}
 
 const style::Decision& DecisionStyle(int decision) {
   return style::kDecisions[static_cast<std::size_t>(std::clamp(decision, 0, 2))];
@@ -47,7 +41,7 @@ void DrawBanner(Canvas& canvas, const Box& box, double unit, const FrameReport& 
   text.bold = true;
   canvas.Text(report.decided ? decision.name : "first frame", {box.x + 8 * unit, baseline}, text);
   const std::string when =
-      Format("%.2f s", report.time_s) + "   frame " + std::to_string(static_cast<long long>(report.index));
+      Print("%.2f s", report.time_s) + "   frame " + std::to_string(static_cast<long long>(report.index));
   canvas.Text(when, {box.Right() - 8 * unit, baseline}, Label(unit, kLabel, style::kText, Align::kRight));
 }
 
@@ -78,7 +72,7 @@ void DrawGauge(Canvas& canvas, const Box& box, double unit, const Gauge& gauge) 
   if (filled > 0) canvas.Fill({bar.x, bar.y, bar.width * filled, bar.height}, gauge.colour, 2 * unit);
   for (int i = 1; i < gauge.segments; ++i) {
     const double x = bar.x + bar.width * i / gauge.segments;
-    canvas.Fill({x - unit, bar.y, 2 * unit, bar.height}, Colour::Hex(0x11151C));
+    canvas.Fill({x - unit, bar.y, 2 * unit, bar.height}, style::kThreshold);
   }
   if (gauge.mark >= 0 && gauge.mark <= 1) {
     const double x = bar.x + bar.width * gauge.mark;
@@ -89,8 +83,8 @@ void DrawGauge(Canvas& canvas, const Box& box, double unit, const Gauge& gauge) 
 Gauge ScoreGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   const double threshold = ctx.Classifiy;
   return {.name = "Score",
-          .remark = Format("threshold %.2f", threshold),
-          .value = report.analysed ? Format("%.2f", report.score) : "not analysed",
+          .remark = Print("threshold %.2f", threshold),
+          .value = report.analysed ? Print("%.2f", double{report.score}) : "not analysed",
           .filled = report.analysed ? report.score : 0,
           .mark = threshold,
           .colour = report.score > threshold ? style::kAbove : style::kBelow};
@@ -144,7 +138,7 @@ void DrawRosette(Canvas& canvas, Point centre, double unit) {
 
 /// A cross of four bars, as long as the cell's sums.
 void DrawCell(Canvas& canvas, const Box& box, double unit, const inte_08* sums) {
-  canvas.Fill(box, Colour::Hex(0xFFFFFF, 0.07), 2 * unit);
+  canvas.Fill(box, style::kCell, 2 * unit);
   const Point centre = box.Centre();
   // The bars leave a square free in the middle, so that none hides another's start.
   const double gap = 0.95 * unit;
@@ -212,7 +206,7 @@ void DrawSeconds(Canvas& canvas, const StripScale& scale, double unit) {
     canvas.Line({x, scale.plot.y}, {x, scale.plot.Bottom()}, style::kTrack, 0.8 * unit);
     // A number at the very edge would stick out of the panel.
     if (x < scale.plot.x + 8 * unit || x > scale.plot.Right() - 8 * unit) continue;
-    canvas.Text(Format("%.0f s", t), {x, scale.plot.Bottom() + 11 * unit},
+    canvas.Text(Print("%.0f s", t), {x, scale.plot.Bottom() + 11 * unit},
                 Label(unit, kSmall, style::kMuted, Align::kCentre));
   }
 }
@@ -274,12 +268,12 @@ void DrawStrip(Canvas& canvas, const Box& box, double unit, const Strip& strip, 
                          .seconds = strip.seconds,
                          .frame_s = strip.frame_s};
   const double threshold = ctx.Classifiy;
-  canvas.Fill(scale.plot, Colour::Hex(0xFFFFFF, 0.05));
+  canvas.Fill(scale.plot, style::kStrip);
   DrawSeconds(canvas, scale, unit);
   DrawScores(canvas, scale, strip.reports, threshold, unit);
   canvas.Line({scale.plot.x, scale.Y(threshold)}, {scale.plot.Right(), scale.Y(threshold)}, style::kText,
               unit, 4 * unit);
-  canvas.Text(Format("%.2f", threshold), {scale.plot.Right() + 5 * unit, scale.Y(threshold) + 3.5 * unit},
+  canvas.Text(Print("%.2f", threshold), {scale.plot.Right() + 5 * unit, scale.Y(threshold) + 3.5 * unit},
               Label(unit, kSmall, style::kText));
   canvas.Text("Score", {box.x + kPad * unit, scale.plot.Centre().y + 4 * unit},
               Label(unit, kLabel, style::kText));

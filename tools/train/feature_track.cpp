@@ -3,15 +3,16 @@
 
 #include <algorithm>
 
+#include "evaluate/judge.h"
+
 namespace stopngo {
 namespace {
 
-constexpr double kRight_s = 3;   // after the start: an alarm that comes later is no help
 constexpr double kSoon_s = 1.5;  // half of them are to come within this time
-constexpr double kAfter_s = 3;   // after a departure an alarm tells of it once more, and is no mistake
 
+/// Until kInTime_s after its end an alarm tells of a departure once more, and is no mistake.
 bool InDeparture(const LabelSpan& span, double time_s) {
-  return span.activity == Activity::kLeadDeparts && time_s > span.start_s && time_s <= span.end_s + kAfter_s;
+  return span.activity == Activity::kLeadDeparts && time_s > span.start_s && time_s <= span.end_s + kInTime_s;
 }
 
 }  // namespace
@@ -34,7 +35,7 @@ void SetAims(FeatureTrack& track, const std::vector<double>& times_s, const std:
   for (const LabelSpan& span : labels) {
     if (span.activity != Activity::kLeadDeparts) continue;
     const DepartureWindow window{first_after(span.start_s), first_after(span.start_s + kSoon_s),
-                                 first_after(span.start_s + kRight_s)};
+                                 first_after(span.start_s + kInTime_s)};
     if (window.begin < window.soon) track.departures.push_back(window);
   }
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "draw/plot.h"
+#include "draw/style.h"
 #include "host/failure.h"
 
 namespace stopngo {
@@ -28,7 +29,7 @@ PlotSeries Series(const Training& training, double LearningPoint::*loss, const s
 void WriteLearningCurves(std::ostream& out, std::span<const Training> trainings) {
   Plot plot{"Loss over the iterations", {"iteration", 0, 1}, {"loss", 1, 1, true}, {}};
   for (std::size_t i = 0; i < trainings.size(); i++) {
-    Colour colour = PlotColour(i);
+    Colour colour = style::kSeries[i % style::kSeries.size()];
     const std::string name = "start " + std::to_string(i + 1);
     plot.series.push_back(Series(trainings[i], &LearningPoint::validation, name + ", validation", colour));
     colour.alpha = 0.4;

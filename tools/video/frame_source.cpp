@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 #include "host/failure.h"
+#include "host/text.h"
 #include "video/luma_scaler.h"
 #include "video/readers.h"
 
@@ -14,12 +14,6 @@ namespace stopngo {
 namespace {
 
 std::string SizeText(int width, int height) { return std::to_string(width) + " x " + std::to_string(height); }
-
-std::string RateText(double fps) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", fps);
-  return text;
-}
 
 /// Gives frames of the wanted size: scaled, or with --original untouched.
 class SizedSource : public FrameSource {
@@ -91,7 +85,7 @@ class RateSource : public FrameSource {
       const double last = (static_cast<double>(*info_.frames) - 1) / source_->Info().fps;
       info_.frames = static_cast<std::int64_t>(std::floor((last + half_period_) * rate_)) + 1;
     }
-    info_.description += ", " + RateText(rate_) + " of them handed over";
+    info_.description += ", " + Print("%.6g", rate_) + " of them handed over";
     more_ = source_->Next(ahead_);
     Advance();
   }

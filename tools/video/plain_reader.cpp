@@ -1,14 +1,15 @@
 // plain_reader.cpp: reads Y4M and raw luma, from files and standard input, without any library.
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <sstream>
 #include <string_view>
 
 #include "host/failure.h"
 #include "host/system_error.h"
+#include "host/text.h"
 #include "video/readers.h"
 
 namespace stopngo {
@@ -180,22 +181,21 @@ class Y4mSource : public PlainSource {
     return true;
   }
 
-  int NumberOf(std::string_view text) const {
-    int number = 0;
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc{} || stop != text.data() + text.size()) Fail("a damaged Y4M header");
-    return number;
+  [[nodiscard]] int HeaderNumber(std::string_view text) const {
+    const std::optional<int> number = NumberOf<int>(text);
+    if (!number) Fail("a damaged Y4M header");
+    return *number;
   }
 
   void TakeField(const std::string& field) {
     const std::string_view value = std::string_view(field).substr(1);
-    if (field[0] == 'W') info_.width = NumberOf(value);
-    if (field[0] == 'H') info_.height = NumberOf(value);
+    if (field[0] == 'W') info_.width = HeaderNumber(value);
+    if (field[0] == 'H') info_.height = HeaderNumber(value);
     if (field[0] == 'C') layout_ = value;
     if (field[0] == 'F') {
       const std::size_t colon = std::min(value.find(':'), value.size() - 1);
-      const double over = NumberOf(value.substr(0, colon));
-      const double under = NumberOf(value.substr(colon + 1));
+      const double over = HeaderNumber(value.substr(0, colon));
+      const double under = HeaderNumber(value.substr(colon + 1));
       if (over > 0 && under > 0) info_.fps = over / under;
     }
   }
