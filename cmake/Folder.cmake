@@ -36,7 +36,7 @@ function(stopngo_check_includes folder uses files)
       endif()
       stopngo_included_folder(reached "${CMAKE_MATCH_1}")
       if(NOT reached STREQUAL "" AND NOT reached STREQUAL folder AND NOT reached IN_LIST uses)
-        message(FATAL_ERROR "${file}:${number}: ${folder} includes ${line}, but does not name ${reached}: "
+        message(FATAL_ERROR "${file}:${number}: ${CMAKE_MATCH_1} is of ${reached}, which ${folder} does not name: "
           "stopngo_folder(${folder} USES ${uses})")
       endif()
     endforeach()

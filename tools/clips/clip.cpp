@@ -8,6 +8,7 @@
 #include "host/settings.h"
 #include "host/text.h"
 #include "scene/scene.h"
+#include "video/open_source.h"
 
 namespace stopngo {
 namespace {

@@ -27,7 +27,8 @@
 #include "overlay/overlay.h"
 #include "overlay/sampled_area.h"
 #include "vel_stopngo_ctx.h"
-#include "video/sink.h"
+#include "video/open_sink.h"
+#include "video/open_source.h"
 
 namespace stopngo {
 namespace {

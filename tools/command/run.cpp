@@ -16,6 +16,7 @@
 #include "host/failure.h"
 #include "host/settings.h"
 #include "overlay/debug_picture.h"
+#include "video/open_source.h"
 
 namespace stopngo {
 namespace {

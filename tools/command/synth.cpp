@@ -21,7 +21,7 @@
 #include "host/text.h"
 #include "scene/scene.h"
 #include "scene/script/script.h"
-#include "video/sink.h"
+#include "video/open_sink.h"
 
 namespace stopngo {
 namespace {

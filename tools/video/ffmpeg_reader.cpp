@@ -14,7 +14,7 @@ extern "C" {
 
 #include "host/failure.h"
 #include "video/ffmpeg.h"
-#include "video/readers.h"
+#include "video/reader.h"
 
 namespace stopngo {
 namespace {

@@ -15,7 +15,8 @@ extern "C" {
 #include "base/output_file.h"
 #include "host/failure.h"
 #include "video/ffmpeg.h"
-#include "video/sinks.h"
+#include "video/frame_rate.h"
+#include "video/writer.h"
 
 namespace stopngo {
 namespace {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -35,8 +34,5 @@ class FrameSource {
   /// Reads the next frame into frame (its vector is reused); false at the end. Throws Failure.
   virtual bool Next(LumaFrame& frame) = 0;
 };
-
-/// Opens an input and applies size and rate. Throws Failure naming the input.
-std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options);
 
 }  // namespace stopngo

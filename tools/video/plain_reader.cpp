@@ -10,7 +10,7 @@
 #include "host/failure.h"
 #include "host/system_error.h"
 #include "host/text.h"
-#include "video/readers.h"
+#include "video/reader.h"
 
 namespace stopngo {
 namespace {

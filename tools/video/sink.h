@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 
@@ -30,8 +29,5 @@ class VideoSink {
   virtual void Write(std::span<const std::uint8_t> picture) = 0;
   virtual void Finish() = 0;
 };
-
-/// Throws Failure naming the path and the reason.
-std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options);
 
 }  // namespace stopngo

@@ -18,7 +18,7 @@
 #include "host/sidecar.h"
 #include "host/weights_file.h"
 #include "support/command.h"
-#include "video/frame_source.h"
+#include "video/open_source.h"
 
 namespace stopngo::test {
 namespace {

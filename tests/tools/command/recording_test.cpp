@@ -12,7 +12,7 @@
 #include "host/file.h"
 #include "scene/scene.h"
 #include "support/command.h"
-#include "video/frame_source.h"
+#include "video/open_source.h"
 
 namespace stopngo::test {
 namespace {

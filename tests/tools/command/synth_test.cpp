@@ -22,8 +22,10 @@
 #include "scene/scene.h"
 #include "scene/script/script.h"
 #include "support/command.h"
+#include "video/frame_rate.h"
 #include "video/frame_source.h"
-#include "video/sink.h"
+#include "video/open_sink.h"
+#include "video/open_source.h"
 
 namespace stopngo::test {
 namespace {

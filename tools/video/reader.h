@@ -1,4 +1,4 @@
-// readers.h: what OpenSource chooses from: readers that give frames as the input has them.
+// reader.h: what OpenSource chooses from: readers that give frames as the input has them.
 #pragma once
 
 #include <memory>

@@ -1,14 +1,14 @@
-// frame_source.cpp: opens an input and applies the wanted size and rate.
-#include "video/frame_source.h"
+// open_source.cpp: opens an input and applies the wanted size and rate.
+#include "video/open_source.h"
 
-#include <algorithm>
-#include <cmath>
+#include <optional>
 #include <utility>
 
 #include "host/failure.h"
+#include "host/pace.h"
 #include "host/text.h"
 #include "video/luma_scaler.h"
-#include "video/readers.h"
+#include "video/reader.h"
 
 namespace stopngo {
 namespace {
@@ -70,65 +70,37 @@ class SizedSource : public FrameSource {
 #endif
 };
 
-constexpr double kTolerance = 1e-6;  // seconds, or frames a second
-
-/// Gives the frames nearest to the times 0, 1/rate, 2/rate, … of the input, none twice.
-class RateSource : public FrameSource {
+/// Gives the frames that are nearest to a number a second.
+class PacedSource : public FrameSource {
  public:
-  RateSource(std::unique_ptr<FrameSource> source, const SourceOptions& options)
-      : source_(std::move(source)),
-        info_(source_->Info()),
-        rate_(options.rate),
-        half_period_(0.5 / info_.fps + kTolerance) {
-    info_.fps = rate_;
-    if (info_.frames.has_value() && *info_.frames > 0) {
-      const double last = (static_cast<double>(*info_.frames) - 1) / source_->Info().fps;
-      info_.frames = static_cast<std::int64_t>(std::floor((last + half_period_) * rate_)) + 1;
-    }
-    info_.description += ", " + Print("%.6g", rate_) + " of them handed over";
+  PacedSource(std::unique_ptr<FrameSource> source, double rate)
+      : source_(std::move(source)), info_(source_->Info()), pace_(rate, info_.fps) {
+    if (info_.frames.has_value() && *info_.frames > 0) info_.frames = pace_.Count(*info_.frames, info_.fps);
+    info_.fps = rate;
+    info_.description += ", " + Print("%.6g", rate) + " of them handed over";
     more_ = source_->Next(ahead_);
-    Advance();
   }
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
   bool Next(LumaFrame& frame) override {
-    for (;;) {
-      const double time = static_cast<double>(slot_) / rate_;
-      while (more_ && !(time - current_.time_s < ahead_.time_s - time + kTolerance)) Advance();
-      if (empty_ || (!more_ && time > current_.time_s + half_period_)) return false;
-      ++slot_;
-      if (current_.index != given_) {
-        given_ = current_.index;
-        frame = current_;
-        return true;
-      }
-      // Nothing new is near before the middle of the way to the next frame: gaps are stepped over.
-      if (!more_) return false;
-      const double middle = (current_.time_s + ahead_.time_s) / 2;
-      slot_ = std::max(slot_, static_cast<std::int64_t>(std::floor(middle * rate_)));
+    while (more_) {
+      std::swap(current_, ahead_);
+      more_ = source_->Next(ahead_);
+      if (!pace_.Takes(current_.time_s, more_ ? std::optional(ahead_.time_s) : std::nullopt)) continue;
+      frame = current_;
+      return true;
     }
+    return false;
   }
 
  private:
-  // Of two frames that are equally near the earlier is taken, whatever the last bit of their times.
-
-  void Advance() {
-    empty_ = empty_ && !more_;
-    std::swap(current_, ahead_);
-    more_ = more_ && source_->Next(ahead_);
-  }
-
   std::unique_ptr<FrameSource> source_;
   SourceInfo info_;
-  double rate_;
-  double half_period_;
+  Pace pace_;
   LumaFrame current_;
   LumaFrame ahead_;
   bool more_ = false;  ///< ahead_ holds a frame
-  bool empty_ = true;  ///< current_ holds none
-  std::int64_t slot_ = 0;
-  std::int64_t given_ = -1;
 };
 
 std::unique_ptr<FrameSource> OpenReader(const SourceOptions& options) {
@@ -154,8 +126,9 @@ std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options) {
   }
   std::unique_ptr<FrameSource> source = std::make_unique<SizedSource>(OpenReader(options), options);
   // An input with fewer frames than that is handed over as it is.
-  if (options.rate > 0 && options.rate <= source->Info().fps + kTolerance) {
-    source = std::make_unique<RateSource>(std::move(source), options);
+  constexpr double kSameRate = 1e-6;  // frames a second
+  if (options.rate > 0 && options.rate <= source->Info().fps + kSameRate) {
+    source = std::make_unique<PacedSource>(std::move(source), options.rate);
   }
   return source;
 }

@@ -1,10 +1,5 @@
-// sink.cpp: chooses a sink by the path's ending, and writes Y4M itself.
-#include "video/sink.h"
-
-#include <algorithm>
-#include <cmath>
+// y4m_sink.cpp: writes Y4M, without any library.
 #include <cstddef>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -15,7 +10,8 @@
 #include "base/results.h"
 #include "host/failure.h"
 #include "host/system_error.h"
-#include "video/sinks.h"
+#include "video/frame_rate.h"
+#include "video/writer.h"
 
 namespace stopngo {
 namespace {
@@ -86,35 +82,8 @@ class Y4mSink : public VideoSink {
 
 }  // namespace
 
-FrameRate RationalRate(double fps) {
-  fps = std::clamp(fps, 1e-3, 1e6);  // what the numbers below can tell
-  // The rates of television in the countries of NTSC, which everybody writes with two or three decimals.
-  for (const int nominal : {24, 30, 48, 60, 120}) {
-    if (std::fabs(fps - nominal * 1000 / 1001.0) < 0.005) return {nominal * 1000, 1001};
-  }
-  FrameRate best;
-  double least = 1;
-  for (int denominator = 1; denominator <= 1001; denominator++) {
-    const auto numerator = static_cast<int>(std::lround(fps * denominator));
-    const double error = std::fabs(static_cast<double>(numerator) / denominator - fps);
-    if (numerator > 0 && error < least) {
-      best = {numerator, denominator};
-      least = error;
-    }
-    if (least < 1e-9 * fps) break;
-  }
-  return best;
-}
-
-std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options) {
-  if (options.path == "-" || std::filesystem::path(options.path).extension() == ".y4m") {
-    return std::make_unique<Y4mSink>(options);
-  }
-#ifdef STOPNGO_WITH_FFMPEG
-  return OpenFfmpegSink(options);
-#else
-  throw Failure(options.path + ": without FFmpeg only .y4m files (or - for standard output) can be written");
-#endif
+std::unique_ptr<VideoSink> OpenY4mSink(const SinkOptions& options) {
+  return std::make_unique<Y4mSink>(options);
 }
 
 }  // namespace stopngo
