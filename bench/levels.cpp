@@ -11,26 +11,21 @@
 namespace bench {
 namespace {
 
-constexpr KernelTable kPlain = {
-    .name = "generic",
-    .block_match = plain_at_o2::MatchBlocks,
-    .histogram = plain_at_o2::SumDirections,
-    .convert = plain_at_o2::Convert,
-    .score = plain_at_o2::Score,
-    .resample = plain_at_o2::Resample,
-    .median_in_place = plain_at_o2::MedianInPlace,
-    .gaussian_in_place = plain_at_o2::GaussianInPlace,
-    .median_separate = plain_at_o2::MedianSeparate,
-    .mark_rows = plain_at_o2::MarkRows,
-    .exchange_rows = plain_at_o2::ExchangeRows,
-};
+const KernelTable& Plain() {
+  static const KernelTable plain = [] {
+    KernelTable table = STOPNGO_TABLE(plain_at_o2);
+    table.name = AvailableKernels().front().name;
+    return table;
+  }();
+  return plain;
+}
 
 }  // namespace
 
 const std::vector<const KernelTable*>& Levels() {
   static const std::vector<const KernelTable*> levels = [] {
-    std::vector<const KernelTable*> tables(AvailableKernels().begin(), AvailableKernels().end());
-    tables.front() = &kPlain;
+    std::vector<const KernelTable*> tables = {&Plain()};
+    for (const KernelTable& faster : AvailableKernels().subspan(1)) tables.push_back(&faster);
     return tables;
   }();
   return levels;

@@ -77,7 +77,7 @@ constexpr std::size_t kCells = 4;
   _mm_storeu_si128(reinterpret_cast<__m128i*>(Chunk), _mm256_castsi256_si128(Sum));
 }
 
-#include "block_text.h"
+#include "block.inc"
 
 }  // namespace
 

@@ -98,8 +98,8 @@ STOPNGO_INLINE void NarrowTile(const Words* Column, data_08* const* To) {
 }
 using v128::WidenPair;
 
-#include "gaussian_text.h"
-#include "median_text.h"
+#include "gaussian.inc"
+#include "median.inc"
 
 }  // namespace
 

@@ -68,7 +68,7 @@ real_32 FusedStep(real_32 A, real_32 B, real_32 C) {
   return _mm_cvtss_f32(_mm_fmadd_ss(_mm_set_ss(A), _mm_set_ss(B), _mm_set_ss(C)));
 }
 
-#include "perceptron_text.h"
+#include "perceptron.inc"
 
 }  // namespace
 

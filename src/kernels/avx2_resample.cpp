@@ -57,7 +57,7 @@ STOPNGO_INLINE Bytes Gather(const data_08* Row, const Place& From, const Selecto
   return Pixels;
 }
 
-#include "resample_text.h"
+#include "resample.inc"
 
 }  // namespace
 

@@ -19,7 +19,7 @@ STOPNGO_INLINE Bytes Load(const data_08* From) {
 STOPNGO_INLINE void Store(data_08* To, Bytes v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(To), v); }
 STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return _mm256_xor_si256(a, b); }
 
-#include "row_text.h"
+#include "row.inc"
 
 }  // namespace
 

@@ -3,64 +3,33 @@
 
 #include "kernels.h"
 
-namespace generic {
-BlockMatch MatchBlocks;
-Histogram SumDirections;
-Conversion Convert;
-Scoring Score;
-Resampling Resample;
-InPlaceFilter MedianInPlace;
-InPlaceFilter GaussianInPlace;
-SeparateFilter MedianSeparate;
-RowMarking MarkRows;
-RowExchange ExchangeRows;
-}  // namespace generic
+#define STOPNGO_FORM(Set, Field, Form, Contract) \
+  namespace Set {                                \
+  Contract Form;                                 \
+  }
+#define STOPNGO_FIELD_OF(Set, Field, Form, Contract) .Field = Set::Form,
+/// The table of a set's forms.
+#define STOPNGO_TABLE(Set) \
+  { .name = #Set, STOPNGO_KERNELS(STOPNGO_FIELD_OF, Set) }
 
+STOPNGO_KERNELS(STOPNGO_FORM, generic)
+
+// A set with few forms of its own has the others from the set below it.
 #if defined(__x86_64__)
-namespace sse41 {
-BlockMatch MatchBlocks;
-Histogram SumDirections;
-Conversion Convert;
-Scoring Score;
-Resampling Resample;
-InPlaceFilter MedianInPlace;
-InPlaceFilter GaussianInPlace;
-SeparateFilter MedianSeparate;
-RowMarking MarkRows;
-RowExchange ExchangeRows;
-}  // namespace sse41
-
-namespace avx2 {
-BlockMatch MatchBlocks;
-Histogram SumDirections;
-Conversion Convert;
-Scoring Score;
-Resampling Resample;
-InPlaceFilter MedianInPlace;
-InPlaceFilter GaussianInPlace;
-SeparateFilter MedianSeparate;
-RowMarking MarkRows;
-RowExchange ExchangeRows;
-}  // namespace avx2
+STOPNGO_KERNELS(STOPNGO_FORM, sse41)
+STOPNGO_KERNELS(STOPNGO_FORM, avx2)
 
 namespace avx512vnni {
+using namespace avx2;
 BlockMatch MatchBlocks;
 }  // namespace avx512vnni
 #elif defined(__aarch64__)
-namespace neon {
-BlockMatch MatchBlocks;
-Histogram SumDirections;
-Conversion Convert;
-Scoring Score;
-Resampling Resample;
-InPlaceFilter MedianInPlace;
-InPlaceFilter GaussianInPlace;
-SeparateFilter MedianSeparate;
-RowMarking MarkRows;
-RowExchange ExchangeRows;
-}  // namespace neon
+STOPNGO_KERNELS(STOPNGO_FORM, neon)
 
 namespace neon_dotprod {
+using namespace neon;
 BlockMatch MatchBlocks;
 }  // namespace neon_dotprod
 #endif
+
+#undef STOPNGO_FORM

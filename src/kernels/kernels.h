@@ -10,6 +10,7 @@
 #include <span>
 
 #include "bitclip.h"
+#include "kernels.def"
 #include "pattern.h"
 
 /// Vectors of NumY × NumX blocks, neither 0; the contract of Block_Match_TSS_. Reads the block patches of both
@@ -49,19 +50,13 @@ using RowMarking = void(data_08* Image, const DATA_08* Mark, DATA_32 Height, DAT
 /// Exchanges two rows of Width bytes, by way of Buffer or without it.
 using RowExchange = void(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width);
 
+#define STOPNGO_FIELD(Record, Field, Form, Contract) Contract* Field;
+/// A form of every kernel.
 struct KernelTable {
   const char* name;
-  BlockMatch* block_match;
-  Histogram* histogram;
-  Conversion* convert;
-  Scoring* score;
-  Resampling* resample;
-  InPlaceFilter* median_in_place;
-  InPlaceFilter* gaussian_in_place;
-  SeparateFilter* median_separate;
-  RowMarking* mark_rows;
-  RowExchange* exchange_rows;
+  STOPNGO_KERNELS(STOPNGO_FIELD, KernelTable)
 };
+#undef STOPNGO_FIELD
 
 /// The table in force. Read through Kernels(), set by ForceKernels() alone.
 [[gnu::visibility("hidden")]] extern const KernelTable* KernelsInForce;
@@ -70,7 +65,7 @@ struct KernelTable {
 inline const KernelTable& Kernels() { return *KernelsInForce; }
 
 /// Every table that this processor runs, plain forms first, fastest last: for tests and benchmarks.
-std::span<const KernelTable* const> AvailableKernels();
+std::span<const KernelTable> AvailableKernels();
 
 /// Puts a table in force (null: the fastest again): for tests of whole detectors.
 void ForceKernels(const KernelTable* Table);

@@ -33,7 +33,7 @@ STOPNGO_INLINE uint32x4_t Accumulate(uint32x4_t Sum, uint8x8_t Old, uint8x8_t Ne
   return vpadalq_u16(Sum, vmull_u8(d, d));
 }
 
-#include "neon_match_text.h"
+#include "neon_match.inc"
 
 }  // namespace
 

@@ -14,7 +14,7 @@ namespace {
 
 using namespace v128;
 
-#include "median_text.h"
+#include "median.inc"
 
 }  // namespace
 

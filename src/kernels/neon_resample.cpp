@@ -36,7 +36,7 @@ STOPNGO_INLINE Bytes Gather(const data_08* Row, const Place& From, const Selecto
   }
 }
 
-#include "resample_text.h"
+#include "resample.inc"
 
 }  // namespace
 

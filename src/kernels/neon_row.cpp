@@ -15,7 +15,7 @@ using v128::Store;
 
 STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return veorq_u8(a, b); }
 
-#include "row_text.h"
+#include "row.inc"
 
 }  // namespace
 

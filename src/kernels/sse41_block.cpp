@@ -74,7 +74,7 @@ constexpr std::size_t kCells = 2;
   _mm_storel_epi64(reinterpret_cast<__m128i*>(Chunk), _mm_shuffle_epi8(Sum, LowWords));
 }
 
-#include "block_text.h"
+#include "block.inc"
 
 }  // namespace
 

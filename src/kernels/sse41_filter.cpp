@@ -9,8 +9,8 @@ namespace {
 
 using namespace v128;
 
-#include "gaussian_text.h"
-#include "median_text.h"
+#include "gaussian.inc"
+#include "median.inc"
 
 }  // namespace
 

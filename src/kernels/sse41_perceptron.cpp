@@ -54,7 +54,7 @@ constexpr int kLanes = 4;
 
 real_32 FusedStep(real_32 A, real_32 B, real_32 C) { return FusedMultiplyAdd(A, B, C); }
 
-#include "perceptron_text.h"
+#include "perceptron.inc"
 
 }  // namespace
 

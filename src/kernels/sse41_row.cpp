@@ -16,7 +16,7 @@ using v128::Store;
 
 STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return _mm_xor_si128(a, b); }
 
-#include "row_text.h"
+#include "row.inc"
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// sse41_words.h: rows as the lanes of eight 16-bit words, for gaussian_text.h.
+// sse41_words.h: rows as the lanes of eight 16-bit words, for gaussian.inc.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // v128.h: vectors of 16 bytes, alike for SSE4.1 and NEON, for algorithms that both share.
 //
-// A shared algorithm is text (median_text.h) that the file of an instruction set includes amid its own
+// A shared algorithm is text (median.inc) that the file of an instruction set includes amid its own
 // namespace and target; it finds these operations, or wider ones of the same names, by plain lookup.
 // Everything here is always inlined, so no copy compiled for one instruction set can be called from another.
 #pragma once

@@ -155,7 +155,7 @@ Tally TraceAll(const KernelTable& table, std::size_t stride, bool compare) {
 
 TEST(Golden, PlainFormsGiveTheRecordedTraces) {
   const bool update = std::getenv("STOPNGO_GOLDEN_UPDATE") != nullptr;
-  const Tally tally = TraceAll(*AvailableKernels().front(), 1, !update);
+  const Tally tally = TraceAll(AvailableKernels().front(), 1, !update);
   // Few scores, or no alarm in most traces, would show little.
   EXPECT_GE(tally.scored, 2000);
   EXPECT_GT(tally.alarms, 30);
@@ -164,14 +164,14 @@ TEST(Golden, PlainFormsGiveTheRecordedTraces) {
 
 TEST(Golden, FastestFormsGiveTheRecordedTraces) {
   if (AvailableKernels().size() == 1) GTEST_SKIP() << "the plain forms are all there is";
-  TraceAll(*AvailableKernels().back(), 1, true);
+  TraceAll(AvailableKernels().back(), 1, true);
 }
 
 TEST(Golden, FormsInBetweenGiveTheRecordedTraces) {
   if (AvailableKernels().size() < 3) GTEST_SKIP() << "there are none";
   // The stride shares no factor with the number of ways to crop, so that it meets every filter.
-  for (const KernelTable* table : AvailableKernels().subspan(1, AvailableKernels().size() - 2)) {
-    EXPECT_GT(TraceAll(*table, 5, true).scored, 300);
+  for (const KernelTable& table : AvailableKernels().subspan(1, AvailableKernels().size() - 2)) {
+    EXPECT_GT(TraceAll(table, 5, true).scored, 300);
   }
 }
 

@@ -131,7 +131,7 @@ BlockGeometry DrawBlockGeometry(Random& random) {
   return g;
 }
 
-Call DrawBlockMatch(Random& random) {
+Call DrawMatchBlocks(Random& random) {
   const BlockGeometry g = DrawBlockGeometry(random);
   const std::size_t runs = (g.size + 7) / 8 * 8;
   const std::size_t reach = 7 * (std::size_t{g.width} + 1);
@@ -158,7 +158,7 @@ Call DrawBlockMatch(Random& random) {
 
 // ---- Histogram and perceptron ----
 
-Call DrawHistogram(Random& random) {
+Call DrawSumDirections(Random& random) {
   const bool usual = random.Below(4) == 0;
   const std::uint32_t rows = usual ? 4 : random.Below(7);
   const std::uint32_t columns = usual ? 5 : random.Below(40);
@@ -285,13 +285,13 @@ Call DrawInPlace(Random& random, std::uint32_t least_border, Filter filter) {
           }};
 }
 
-Call DrawMedian(Random& random) {
+Call DrawMedianInPlace(Random& random) {
   return DrawInPlace(random, 1, [](const KernelTable& table, std::uint8_t* image, auto... sizes) {
     table.median_in_place(image, sizes...);
   });
 }
 
-Call DrawGaussian(Random& random) {
+Call DrawGaussianInPlace(Random& random) {
   return DrawInPlace(random, 2, [](const KernelTable& table, std::uint8_t* image, auto... sizes) {
     table.gaussian_in_place(image, sizes...);
   });
@@ -358,22 +358,18 @@ Call DrawExchangeRows(Random& random) {
           }};
 }
 
+#define STOPNGO_CALLS(Draw, Field, Form, Contract) {#Field, Draw##Form},
+
 constexpr KernelCalls kCalls[] = {
-    {"block_match", 600, DrawBlockMatch},
-    {"histogram", 500, DrawHistogram},
-    {"convert", 300, DrawConvert},
-    {"score", 1000, DrawScore},
-    {"resample", 1200, DrawResample},
-    {"resample_in_place", 200, DrawDecimationInPlace},
-    {"cropping", 1000, DrawCropping},
-    {"original_cropping", 1000, DrawOriginalCropping},
-    {"decimation", 800, DrawDecimation},
-    {"median_in_place", 500, DrawMedian},
-    {"gaussian_in_place", 500, DrawGaussian},
-    {"median_separate", 300, DrawMedianSeparate},
-    {"mark_rows", 1500, DrawMarkRows},
-    {"exchange_rows", 300, DrawExchangeRows},
+    STOPNGO_KERNELS(STOPNGO_CALLS, Draw)
+    // The exported crops choose among patterns of their own, and decimate in place.
+    {"resample_in_place", DrawDecimationInPlace},
+    {"cropping", DrawCropping},
+    {"original_cropping", DrawOriginalCropping},
+    {"decimation", DrawDecimation},
 };
+
+#undef STOPNGO_CALLS
 
 }  // namespace
 

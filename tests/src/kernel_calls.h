@@ -25,11 +25,10 @@ struct Call {
 
 struct KernelCalls {
   const char* name;
-  int rounds;
   Call (*draw)(Random& random);
 };
 
-/// Every kernel, and every exported routine that reaches one with patterns of its own.
+/// Every kernel of kernels.def, and every exported routine that reaches one with patterns of its own.
 std::span<const KernelCalls> AllKernelCalls();
 
 /// What pictures can hold. Ties and stripes give equal errors to many candidates of a search.

@@ -48,7 +48,7 @@ void Spy(const std::uint8_t* input, std::ptrdiff_t row_step, const Pattern& rows
 }
 
 Extent Learn(const Crop& crop) {
-  KernelTable table = *AvailableKernels().front();
+  KernelTable table = AvailableKernels().front();
   table.resample = Spy;
   spied = {};
   ForceKernels(&table);

@@ -49,21 +49,23 @@ class FaultReport {
 
 // ---- The forms agree ----
 
+constexpr int kRounds = 1000;
+
 class Kernel : public testing::TestWithParam<test::KernelCalls> {};
 
 TEST_P(Kernel, GivesThePlainFormsBitsAndTouchesNothingElse) {
   const FaultReport report;
   const std::uint64_t first = test::Seed(1);
-  for (std::uint64_t seed = first; seed < first + static_cast<std::uint64_t>(GetParam().rounds); ++seed) {
+  for (std::uint64_t seed = first; seed < first + kRounds; ++seed) {
     test::Random random(seed);
     const test::Call call = GetParam().draw(random);
-    const test::Pixels expected = call.make(*AvailableKernels().front(), Fenced::Side::kEnd);
-    for (const KernelTable* table : AvailableKernels()) {
+    const test::Pixels expected = call.make(AvailableKernels().front(), Fenced::Side::kEnd);
+    for (const KernelTable& table : AvailableKernels()) {
       for (const auto side : {Fenced::Side::kEnd, Fenced::Side::kStart}) {
-        being_made = std::string(table->name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
+        being_made = std::string(table.name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
                      (side == Fenced::Side::kEnd ? "end" : "start") +
                      ": STOPNGO_SEED=" + std::to_string(seed) + "\n";
-        const test::Pixels given = call.make(*table, side);
+        const test::Pixels given = call.make(table, side);
         const auto differs = std::ranges::mismatch(given, expected);
         ASSERT_TRUE(differs.in1 == given.end() && differs.in2 == expected.end())
             << being_made << "differs at byte " << differs.in1 - given.begin() << " of " << expected.size();
@@ -128,11 +130,11 @@ TEST(Gaussian, DividesEverySumExactly) {
     const std::optional<Windows::Window> window = windows.OfSum(sum);
     if (!window) continue;
     ++sums;
-    for (const KernelTable* table : AvailableKernels()) {
+    for (const KernelTable& table : AvailableKernels()) {
       std::vector<std::uint8_t> image(kWidth * kHeight, (*window)[0]);
       for (int i = 0; i < 25; ++i) image[i / 5 * kWidth + i % 5] = (*window)[i];
-      table->gaussian_in_place(image.data(), 2, kWidth, kHeight);
-      ASSERT_EQ(image[2 * kWidth + 2], sum / 1590 * 10) << table->name << " sum " << sum;
+      table.gaussian_in_place(image.data(), 2, kWidth, kHeight);
+      ASSERT_EQ(image[2 * kWidth + 2], sum / 1590 * 10) << table.name << " sum " << sum;
     }
   }
   // No window has 1 or 3, nor what lacks 1 or 3 of the largest.
@@ -156,25 +158,25 @@ std::vector<std::string> ExpectedTables() {
 
 TEST(Dispatch, OffersTheFormsOfThisProcessorFastestLast) {
   std::vector<std::string> names;
-  for (const KernelTable* table : AvailableKernels()) names.emplace_back(table->name);
+  for (const KernelTable& table : AvailableKernels()) names.emplace_back(table.name);
   ASSERT_EQ(names.front(), "generic");
   if (names.size() == 1) GTEST_SKIP() << "the plain forms are all there is";
   EXPECT_EQ(names, ExpectedTables());
   // Every level has its own matching; a table wired to another's would pass every comparison.
   std::set<BlockMatch*> matchings;
-  for (const KernelTable* table : AvailableKernels()) matchings.insert(table->block_match);
+  for (const KernelTable& table : AvailableKernels()) matchings.insert(table.block_match);
   EXPECT_EQ(matchings.size(), names.size());
 }
 
 TEST(Dispatch, RunsTheFormsThatWereForced) {
-  EXPECT_EQ(&Kernels(), AvailableKernels().back());
+  EXPECT_EQ(&Kernels(), &AvailableKernels().back());
   static int calls;
-  for (const KernelTable* table : AvailableKernels()) {
-    ForceKernels(table);
-    EXPECT_EQ(&Kernels(), table);
+  for (const KernelTable& table : AvailableKernels()) {
+    ForceKernels(&table);
+    EXPECT_EQ(&Kernels(), &table);
   }
   // Exported routines go by the table in force.
-  KernelTable counting = *AvailableKernels().back();
+  KernelTable counting = AvailableKernels().back();
   counting.convert = [](const std::int8_t*, float*, std::uint32_t) { ++calls; };
   ForceKernels(&counting);
   const std::int8_t in = 1;
@@ -182,7 +184,7 @@ TEST(Dispatch, RunsTheFormsThatWereForced) {
   Classify_Conversion_(&in, &out, 1);
   EXPECT_EQ(calls, 1);
   ForceKernels(nullptr);
-  EXPECT_EQ(&Kernels(), AvailableKernels().back());
+  EXPECT_EQ(&Kernels(), &AvailableKernels().back());
 }
 
 }  // namespace
