@@ -1,13 +1,11 @@
 // avx2_block.cpp: block matching and histogram with vectors of 32 bytes.
-#include <immintrin.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
 #include "block_step.h"
 #include "forms.h"
-#include "target.h"
+#include "v256.h"
 
 STOPNGO_TARGET_BEGIN("avx2")
 
@@ -20,8 +18,8 @@ constexpr int kStrip = 16;
 
 template <int Pixels>
 [[gnu::always_inline]] inline __m256i Widen(const DATA_08* p) {
-  const auto* v = reinterpret_cast<const __m128i*>(p);
-  return _mm256_cvtepu8_epi16(Pixels == 16 ? _mm_loadu_si128(v) : _mm_loadl_epi64(v));
+  if constexpr (Pixels == 16) return v256::Widen(p);
+  return _mm256_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
 
 template <int Pixels>
@@ -30,28 +28,12 @@ template <int Pixels>
   Sum = _mm256_add_epi32(Sum, _mm256_madd_epi16(Difference, Difference));
 }
 
-/// The sums of the lanes of eight vectors, in their order.
-[[gnu::always_inline]] inline __m256i Totals(const __m256i (&S)[8]) {
-  const __m256i a = _mm256_hadd_epi32(_mm256_hadd_epi32(S[0], S[1]), _mm256_hadd_epi32(S[2], S[3]));
-  const __m256i b = _mm256_hadd_epi32(_mm256_hadd_epi32(S[4], S[5]), _mm256_hadd_epi32(S[6], S[7]));
-  return _mm256_add_epi32(_mm256_permute2x128_si256(a, b, 0x20), _mm256_permute2x128_si256(a, b, 0x31));
-}
-
 [[gnu::always_inline]] inline inte_32 LeastKey(const __m256i (&S)[8]) {
   const __m256i Places = _mm256_setr_epi32(1, 2, 3, 4, 5, 6, 7, 8);
-  const __m256i Keys = _mm256_or_si256(_mm256_slli_epi32(Totals(S), block_step::kPlaceBits), Places);
-  __m128i m = _mm_min_epi32(_mm256_castsi256_si128(Keys), _mm256_extracti128_si256(Keys, 1));
-  m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0x4E));
-  m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0xB1));
-  return _mm_cvtsi128_si32(m);
+  return v256::Least(_mm256_or_si256(_mm256_slli_epi32(v256::Totals(S), block_step::kPlaceBits), Places));
 }
 
-inte_32 Total(__m256i Sum) {
-  __m128i s = _mm_add_epi32(_mm256_castsi256_si128(Sum), _mm256_extracti128_si256(Sum, 1));
-  s = _mm_add_epi32(s, _mm_shuffle_epi32(s, 0x4E));
-  s = _mm_add_epi32(s, _mm_shuffle_epi32(s, 0xB1));
-  return _mm_cvtsi128_si32(s);
-}
+using v256::Total;
 
 constexpr std::size_t kCells = 4;
 
@@ -62,7 +44,7 @@ constexpr std::size_t kCells = 4;
   __m256i Negative = Zero;
 #pragma GCC unroll 3
   for (int Row = 0; Row < 3; ++Row, Vector += RowStep) {
-    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(Vector));
+    const __m256i v = v256::Load(Vector);
     Positive = _mm256_add_epi8(Positive, _mm256_max_epi8(v, Zero));
     Negative = _mm256_sub_epi8(Negative, _mm256_min_epi8(v, Zero));
   }
@@ -74,7 +56,7 @@ constexpr std::size_t kCells = 4;
   const __m256i LowWords = _mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 4,
                                             5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1);
   Sum = _mm256_permute4x64_epi64(_mm256_shuffle_epi8(Sum, LowWords), 0x08);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(Chunk), _mm256_castsi256_si128(Sum));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(Chunk), v256::Low(Sum));
 }
 
 #include "block.inc"

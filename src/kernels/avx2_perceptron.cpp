@@ -31,10 +31,7 @@ constexpr int kLanes = 8;
 /// Products of four inputs with the weights of two nodes, the second one four rows further on. A broadcast
 /// costs a load alone, and blends run on ports where the shuffles of AddFour cannot.
 [[gnu::always_inline]] inline __m256 Products(__m128 Feature, const REAL_32* Weight, std::size_t Inputs) {
-  const __m256 Low = _mm256_castps128_ps256(_mm_loadu_ps(Weight));
-  const __m256 High = _mm256_broadcast_ps(reinterpret_cast<const __m128*>(Weight + 4 * Inputs));
-  const __m256 Weights = _mm256_blend_ps(Low, High, 0xF0);
-  return _mm256_mul_ps(_mm256_set_m128(Feature, Feature), Weights);
+  return _mm256_mul_ps(_mm256_set_m128(Feature, Feature), _mm256_loadu2_m128(Weight + 4 * Inputs, Weight));
 }
 
 /// Adds the products of four inputs to eight nodes, in the order of the inputs: products are rounded the

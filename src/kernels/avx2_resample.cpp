@@ -1,21 +1,15 @@
 // avx2_resample.cpp: resampling with AVX2, 32 pixels at a time.
 #include "forms.h"
 #include "resample_place.h"
-#include "v128.h"
+#include "v256.h"
 
 STOPNGO_TARGET_BEGIN("avx2")
 namespace avx2 {
 namespace {
 
-constexpr int kBytes = 32;
+using namespace v256;
 
-using Bytes = __m256i;
 using Place = SourcePlace<2>;
-
-STOPNGO_INLINE Bytes Load(const data_08* From) {
-  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(From));
-}
-STOPNGO_INLINE void Store(data_08* To, Bytes v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(To), v); }
 
 /// One shuffle for each of the sources: it gives 0 where another source has the byte.
 template <int S>
@@ -25,9 +19,8 @@ struct Selector {
 
 /// The source vector of number s, for both halves.
 STOPNGO_INLINE Bytes LoadSource(const data_08* Row, const Place& From, int s) {
-  const __m128i Low = v128::Load(Row + From.Offset[0] + kHalf * s);
-  const __m128i High = v128::Load(Row + From.Offset[1] + kHalf * s);
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(Low), High, 1);
+  Row += kHalf * s;
+  return Join(v128::Load(Row + From.Offset[0]), v128::Load(Row + From.Offset[1]));
 }
 
 /// Picks of source s become 0x70 … 0x7F, of which the shuffle takes the lower four bits; all others become

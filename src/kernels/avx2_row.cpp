@@ -3,21 +3,13 @@
 #include <cstdint>
 
 #include "forms.h"
-#include "v128.h"
+#include "v256.h"
 
 STOPNGO_TARGET_BEGIN("avx2")
 namespace avx2 {
 namespace {
 
-constexpr int kBytes = 32;
-
-using Bytes = __m256i;
-
-STOPNGO_INLINE Bytes Load(const data_08* From) {
-  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(From));
-}
-STOPNGO_INLINE void Store(data_08* To, Bytes v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(To), v); }
-STOPNGO_INLINE Bytes Xor(Bytes a, Bytes b) { return _mm256_xor_si256(a, b); }
+using namespace v256;
 
 #include "row.inc"
 

@@ -1,13 +1,11 @@
 // avx512vnni_block.cpp: block matching with byte dot products.
-#include <immintrin.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 
 #include "block_step.h"
 #include "forms.h"
-#include "target.h"
+#include "v256.h"
 
 STOPNGO_TARGET_BEGIN("avx2,avx512f,avx512bw,avx512vl,avx512vnni")
 
@@ -27,6 +25,12 @@ namespace {
 
 using block_step::kReach;
 using block_step::Progress;
+using v256::Least;
+using v256::Load;
+using v256::Store;
+using v256::Total;
+using v256::Totals;
+using v256::Widen;
 
 /// Pixels of a patch's row, for block sizes from 9 to 16.
 constexpr int kPatch = 16;
@@ -38,14 +42,10 @@ constexpr int kTileBytes = 12800;
 constexpr int kTileBlocks = 10;
 constexpr int kWeightBytes = 1600;
 
-__m128i Load16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-__m256i Load32(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
-void Save(void* p, __m256i v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
 /// Two rows, pixel by pixel in turns.
 __m256i Interleave(__m128i Upper, __m128i Lower) {
-  return _mm256_set_m128i(_mm_unpackhi_epi8(Upper, Lower), _mm_unpacklo_epi8(Upper, Lower));
+  return v256::Join(_mm_unpacklo_epi8(Upper, Lower), _mm_unpackhi_epi8(Upper, Lower));
 }
-__m256i Widen(const DATA_08* p) { return _mm256_cvtepu8_epi16(Load16(p)); }
 
 /// The sizes that follow from the block size and the blocks in a tile.
 struct Shape {
@@ -117,10 +117,10 @@ void PairUp(Tile& T, const DATA_08* Corner, std::size_t EndX, int First) {
     for (int r = First; r < Complete; ++r, Out += Stride) {
       In += EndX;
       const __m256i Below = Widen(In);
-      Save(Out, _mm256_ternarylogic_epi32(Row, _mm256_slli_epi16(Below, 8), Bias, kExclusiveOr));
+      Store(Out, _mm256_ternarylogic_epi32(Row, _mm256_slli_epi16(Below, 8), Bias, kExclusiveOr));
       Row = Below;
     }
-    if (Complete < T.Size.PairRows()) Save(Out, _mm256_xor_si256(Row, Bias));
+    if (Complete < T.Size.PairRows()) Store(Out, _mm256_xor_si256(Row, Bias));
   }
 }
 
@@ -154,20 +154,20 @@ void SumSquares(Tile& T, const DATA_08* Corner, std::size_t EndX, int First) {
     inte_32* OutEven = T.Squares() + Even;
     inte_32* OutOdd = T.Squares() + T.Size.SquareHalf() + Odd;
     if (First == 0) {
-      Save(OutEven, SumColumns(InEven, EndX, T.Size.BlockSize));
-      Save(OutOdd, SumColumns(InOdd, EndX, T.Size.BlockSize));
+      Store(OutEven, SumColumns(InEven, EndX, T.Size.BlockSize));
+      Store(OutOdd, SumColumns(InOdd, EndX, T.Size.BlockSize));
     }
     const int Start = std::max(First, 1);
-    __m256i SumEven = Load32(OutEven + (Start - 1) * Stride);
-    __m256i SumOdd = Load32(OutOdd + (Start - 1) * Stride);
+    __m256i SumEven = Load(OutEven + (Start - 1) * Stride);
+    __m256i SumOdd = Load(OutOdd + (Start - 1) * Stride);
     std::size_t In = (Start - 1) * EndX;
     std::ptrdiff_t Out = Start * Stride;
 #pragma GCC unroll 2
     for (int Row = Start; Row < kPositions; ++Row, In += EndX, Out += Stride) {
       SumEven = StepDown(SumEven, InEven + In, InEven + In + Enters);
       SumOdd = StepDown(SumOdd, InOdd + In, InOdd + In + Enters);
-      Save(OutEven + Out, SumEven);
-      Save(OutOdd + Out, SumOdd);
+      Store(OutEven + Out, SumEven);
+      Store(OutOdd + Out, SumOdd);
     }
   }
 }
@@ -187,31 +187,10 @@ void Prepare(Tile& T, const DATA_08* Corner, std::size_t EndX, bool Again) {
 /// The new patch in the layout of the pairs. The row below an odd last row is not read and weighs nothing.
 void PairWeights(data_08* Out, const DATA_08* New, std::size_t EndX, int BlockSize) {
   for (int r = 0; r < BlockSize; r += 2, Out += 32) {
-    const __m128i Upper = Load16(New + r * EndX);
-    const __m128i Lower = r + 1 < BlockSize ? Load16(New + (r + 1) * EndX) : _mm_setzero_si128();
-    Save(Out, Interleave(Upper, Lower));
+    const __m128i Upper = v128::Load(New + r * EndX);
+    const __m128i Lower = r + 1 < BlockSize ? v128::Load(New + (r + 1) * EndX) : _mm_setzero_si128();
+    Store(Out, Interleave(Upper, Lower));
   }
-}
-
-__m256i AddPairs(__m256i a, __m256i b) {
-  return _mm256_add_epi32(_mm256_unpacklo_epi32(a, b), _mm256_unpackhi_epi32(a, b));
-}
-__m256i AddQuads(__m256i a, __m256i b) {
-  return _mm256_add_epi32(_mm256_unpacklo_epi64(a, b), _mm256_unpackhi_epi64(a, b));
-}
-
-/// The totals of eight vectors.
-[[gnu::always_inline]] inline __m256i Totals(const __m256i (&S)[8]) {
-  const __m256i a = AddQuads(AddPairs(S[0], S[1]), AddPairs(S[2], S[3]));
-  const __m256i b = AddQuads(AddPairs(S[4], S[5]), AddPairs(S[6], S[7]));
-  return _mm256_add_epi32(_mm256_permute2x128_si256(a, b, 0x20), _mm256_permute2x128_si256(a, b, 0x31));
-}
-
-inte_32 Least(__m256i Keys) {
-  __m128i m = _mm_min_epi32(_mm256_castsi256_si128(Keys), _mm256_extracti128_si256(Keys, 1));
-  m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0x4E));
-  m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0xB1));
-  return _mm_cvtsi128_si32(m);
 }
 
 /// Where the sums of squares of a patch at column x start.
@@ -220,7 +199,7 @@ inte_32 Least(__m256i Keys) {
 }
 
 [[gnu::always_inline]] inline __m256i Finish(__m256i Dot, const inte_32* Squares) {
-  return _mm256_sub_epi32(_mm256_add_epi32(Dot, Dot), Load32(Squares));
+  return _mm256_sub_epi32(_mm256_add_epi32(Dot, Dot), Load(Squares));
 }
 
 template <int RowPairs, int Step>
@@ -232,15 +211,15 @@ inte_32 LeastNeighbour(Tile& T, const data_08* Weights, int y, int x) {
   __m256i S[8] = {};
 #pragma GCC unroll 8
   for (int k = 0; k < RowPairs; ++k) {
-    const __m256i n = Load32(Weights + 32 * k);
-    S[0] = _mm256_dpbusd_epi32(S[0], n, Load32(Above - 2 * Step));
-    S[1] = _mm256_dpbusd_epi32(S[1], n, Load32(Above));
-    S[2] = _mm256_dpbusd_epi32(S[2], n, Load32(Above + 2 * Step));
-    S[3] = _mm256_dpbusd_epi32(S[3], n, Load32(Middle - 2 * Step));
-    S[4] = _mm256_dpbusd_epi32(S[4], n, Load32(Middle + 2 * Step));
-    S[5] = _mm256_dpbusd_epi32(S[5], n, Load32(Below - 2 * Step));
-    S[6] = _mm256_dpbusd_epi32(S[6], n, Load32(Below));
-    S[7] = _mm256_dpbusd_epi32(S[7], n, Load32(Below + 2 * Step));
+    const __m256i n = Load(Weights + 32 * k);
+    S[0] = _mm256_dpbusd_epi32(S[0], n, Load(Above - 2 * Step));
+    S[1] = _mm256_dpbusd_epi32(S[1], n, Load(Above));
+    S[2] = _mm256_dpbusd_epi32(S[2], n, Load(Above + 2 * Step));
+    S[3] = _mm256_dpbusd_epi32(S[3], n, Load(Middle - 2 * Step));
+    S[4] = _mm256_dpbusd_epi32(S[4], n, Load(Middle + 2 * Step));
+    S[5] = _mm256_dpbusd_epi32(S[5], n, Load(Below - 2 * Step));
+    S[6] = _mm256_dpbusd_epi32(S[6], n, Load(Below));
+    S[7] = _mm256_dpbusd_epi32(S[7], n, Load(Below + 2 * Step));
     Above += 2 * Stride;
     Middle += 2 * Stride;
     Below += 2 * Stride;
@@ -280,14 +259,11 @@ inte_32 CentreKey(Tile& T, const data_08* Weights, int x) {
   __m256i Dot = _mm256_setzero_si256();
 #pragma GCC unroll 8
   for (int k = 0; k < RowPairs; ++k, Old += 2 * T.Size.PairStride()) {
-    Dot = _mm256_dpbusd_epi32(Dot, Load32(Weights + 32 * k), Load32(Old));
+    Dot = _mm256_dpbusd_epi32(Dot, Load(Weights + 32 * k), Load(Old));
   }
   const inte_32* Row = T.Squares() + kReach * T.Size.SquareStride();
   const __m256i S = Finish(Dot, Window(Row, x, T.Size.SquareHalf()));
-  __m128i s = _mm_add_epi32(_mm256_castsi256_si128(S), _mm256_extracti128_si256(S, 1));
-  s = _mm_add_epi32(s, _mm_shuffle_epi32(s, 0x4E));
-  s = _mm_add_epi32(s, _mm_shuffle_epi32(s, 0xB1));
-  return -_mm_cvtsi128_si32(s) * (1 << block_step::kPlaceBits);
+  return -Total(S) * (1 << block_step::kPlaceBits);
 }
 
 template <int RowPairs>
