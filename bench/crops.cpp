@@ -1,7 +1,7 @@
 // crops.cpp: every crop in the geometry of the default region.
 #include "crops.h"
 
-#include "import.h"
+#include "crop.h"
 #include "scene.h"
 #include "vel_stopngo.h"
 

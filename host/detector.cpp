@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "decision.h"
+#include "decide.h"
 #include "host/check.h"
 #include "host/failure.h"
 #include "host/setting_table.h"

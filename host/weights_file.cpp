@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "classification.h"
+#include "classify.h"
 #include "host/failure.h"
 #include "host/file.h"
 #include "vel_stopngo_ctx.h"

@@ -1,14 +1,9 @@
-// geometry.cpp: grid sizes, derived on demand, and the rectangles of one frame.
+// geometry.cpp: the rectangles of one frame.
 #include "geometry.h"
 
-#include "analysis_buffer.h"
 #include "saturate.h"
-#include "vel_stopngo.h"
 
 namespace {
-
-/// The target's division: a quotient by 0 is 0.
-DATA_32 Quotient(DATA_32 Dividend, DATA_32 Divisor) { return Divisor == 0 ? 0 : Dividend / Divisor; }
 
 /// How much of a side the zoom takes off. The division comes before the product and each step rounds to
 /// single precision: from Scale 11 on the result can be one below the exact one.
@@ -44,24 +39,4 @@ FrameGeometry DeriveFrameGeometry(const VEL_STOPNGO_CTX& ctx) {
   Geometry.Source_ROI[2] += Top - static_cast<DATA_32>(Geometry.height_ratio);
   Geometry.Source_ROI[3] += Left - static_cast<DATA_32>(Geometry.width_ratio);
   return Geometry;
-}
-
-extern "C" int vel_stopngo_update_params(VEL_STOPNGO_CTX* ctx) {
-  if (ctx == nullptr) return -1;
-  // One block of margin on every side, where the search may reach.
-  ctx->NumY = Quotient(ctx->EndY, ctx->BlockSize) - 2;
-  ctx->NumX = Quotient(ctx->EndX, ctx->BlockSize) - 2;
-  ctx->SumY = ctx->NumY / 3;
-  ctx->SumX = ctx->NumX / 4;
-  ctx->Features_2 = 2 * ctx->Features;
-  ctx->FeatureOld = ctx->Feature;
-  // As an address: with a count out of capacity it lies outside Feature, and write refuses to use it.
-  const std::uintptr_t NewHalf =
-      reinterpret_cast<std::uintptr_t>(ctx->Feature) + std::uintptr_t{ctx->Features} * sizeof(real_32);
-  ctx->FeatureNew = reinterpret_cast<real_32*>(NewHalf);  // NOLINT(performance-no-int-to-ptr): see above
-  ctx->AlarmCounter[0] = 0;
-  ctx->AlarmCounter[1] = ctx->TimeCooling;
-  ReleaseAnalysisBuffer(ctx->FrameOld);
-  ReleaseAnalysisBuffer(ctx->FrameNew);
-  return 0;
 }

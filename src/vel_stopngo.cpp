@@ -1,4 +1,4 @@
-// vel_stopngo.cpp: the operations record and the life of a context.
+// vel_stopngo.cpp: the operations record and the life of a context: opened, derived anew, closed.
 #include "vel_stopngo.h"
 
 #include <cstdlib>
@@ -6,6 +6,13 @@
 
 #include "analysis_buffer.h"
 #include "vel_stopngo_ctx.h"
+
+namespace {
+
+/// The target's division: a quotient by 0 is 0.
+DATA_32 Quotient(DATA_32 Dividend, DATA_32 Divisor) { return Divisor == 0 ? 0 : Dividend / Divisor; }
+
+}  // namespace
 
 extern "C" {
 
@@ -40,6 +47,26 @@ int vel_stopngo_open(void* ctx_t) {
   ctx->EndX = 220;
   ctx->originalSize = 800;
   return vel_stopngo_update_params(ctx);
+}
+
+int vel_stopngo_update_params(VEL_STOPNGO_CTX* ctx) {
+  if (ctx == nullptr) return -1;
+  // One block of margin on every side, where the search may reach.
+  ctx->NumY = Quotient(ctx->EndY, ctx->BlockSize) - 2;
+  ctx->NumX = Quotient(ctx->EndX, ctx->BlockSize) - 2;
+  ctx->SumY = ctx->NumY / 3;
+  ctx->SumX = ctx->NumX / 4;
+  ctx->Features_2 = 2 * ctx->Features;
+  ctx->FeatureOld = ctx->Feature;
+  // As an address: with a count out of capacity it lies outside Feature, and write refuses to use it.
+  const std::uintptr_t NewHalf =
+      reinterpret_cast<std::uintptr_t>(ctx->Feature) + std::uintptr_t{ctx->Features} * sizeof(real_32);
+  ctx->FeatureNew = reinterpret_cast<real_32*>(NewHalf);  // NOLINT(performance-no-int-to-ptr): see above
+  ctx->AlarmCounter[0] = 0;
+  ctx->AlarmCounter[1] = ctx->TimeCooling;
+  ReleaseAnalysisBuffer(ctx->FrameOld);
+  ReleaseAnalysisBuffer(ctx->FrameNew);
+  return 0;
 }
 
 int vel_stopngo_close(void* ctx_t) {

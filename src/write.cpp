@@ -4,10 +4,11 @@
 #include <utility>
 
 #include "analysis_buffer.h"
-#include "decision.h"
-#include "extent.h"
+#include "decide.h"
+#include "filter.h"
 #include "geometry.h"
 #include "mirror.h"
+#include "refusal.h"
 #include "vel_stopngo.h"
 #include "vel_stopngo_ctx.h"
 
@@ -98,8 +99,7 @@ void CropAndFilter(const VEL_STOPNGO_CTX& ctx, const FrameGeometry& Geometry, co
   }
   const DATA_32 Width = Geometry.ROI[3] - Geometry.ROI[1];
   const DATA_32 Height = Geometry.ROI[2] - Geometry.ROI[0];
-  if (ctx.Filter == 1) image_median_filter(Out, 0, Width, Height);
-  if (ctx.Filter == 2) image_gaussian_blur_filter(Out, 0, Width, Height);
+  RunFilter(ctx.Filter, Out, Width, Height);
 }
 
 /// Scores the motion between the two buffers together with that of the frame analysed before.

@@ -23,7 +23,6 @@ STOPNGO_TARGET_BEGIN("avx2,avx512f,avx512bw,avx512vl,avx512vnni")
 namespace avx512vnni {
 namespace {
 
-using block_step::kReach;
 using block_step::Progress;
 using v256::Least;
 using v256::Load;
@@ -35,7 +34,7 @@ using v256::Widen;
 /// Pixels of a patch's row, for block sizes from 9 to 16.
 constexpr int kPatch = 16;
 /// Positions of a candidate along an axis, from -7 to 7.
-constexpr int kPositions = 2 * kReach + 1;
+constexpr int kPositions = 2 * kSearchReach + 1;
 /// What a tile may take of the stack: room for ten blocks of 10 pixels, a tenth faster than four. With the
 /// weights and the rest the stack of a frame stays below the 16 KiB that the build allows.
 constexpr int kTileBytes = 12800;
@@ -57,10 +56,10 @@ struct Shape {
   constexpr Shape(int Size, int Count)
       : BlockSize(Size),
         Blocks(Count),
-        Columns((Count - 1) * Size + kPatch + 2 * kReach),
+        Columns((Count - 1) * Size + kPatch + 2 * kSearchReach),
         RowPairs((Size + 1) / 2) {}
 
-  constexpr int Rows() const { return BlockSize + 2 * kReach; }
+  constexpr int Rows() const { return BlockSize + 2 * kSearchReach; }
   constexpr int PairRows() const { return kPositions + 2 * (RowPairs - 1); }
   constexpr int PairStride() const { return 2 * Columns; }
   constexpr int SquareHalf() const { return Columns / 2; }
@@ -247,21 +246,21 @@ void Search(Tile& T) {
   for (int b = 0; b < T.Size.Blocks; ++b) {
     Progress& Block = T.Blocks[b];
     const data_08* Weights = T.Weights + b * RowPairs * 32;
-    const inte_32 Neighbour =
-        LeastNeighbour<RowPairs, Step>(T, Weights, Block.Y + kReach, Block.X + kReach + b * T.Size.BlockSize);
+    const inte_32 Neighbour = LeastNeighbour<RowPairs, Step>(T, Weights, Block.Y + kSearchReach,
+                                                             Block.X + kSearchReach + b * T.Size.BlockSize);
     Block.Move(std::min(Neighbour, Block.Key), Step);
   }
 }
 
 template <int RowPairs>
 inte_32 CentreKey(Tile& T, const data_08* Weights, int x) {
-  const inte_08* Old = T.Pairs() + kReach * T.Size.PairStride() + 2 * x;
+  const inte_08* Old = T.Pairs() + kSearchReach * T.Size.PairStride() + 2 * x;
   __m256i Dot = _mm256_setzero_si256();
 #pragma GCC unroll 8
   for (int k = 0; k < RowPairs; ++k, Old += 2 * T.Size.PairStride()) {
     Dot = _mm256_dpbusd_epi32(Dot, Load(Weights + 32 * k), Load(Old));
   }
-  const inte_32* Row = T.Squares() + kReach * T.Size.SquareStride();
+  const inte_32* Row = T.Squares() + kSearchReach * T.Size.SquareStride();
   const __m256i S = Finish(Dot, Window(Row, x, T.Size.SquareHalf()));
   return -Total(S) * (1 << block_step::kPlaceBits);
 }
@@ -273,7 +272,7 @@ void MatchTile(Tile& T, const DATA_08* New, std::size_t EndX, inte_08* Motion) {
     PairWeights(T.Weights + b * RowPairs * 32, New + b * Size, EndX, Size);
   for (int b = 0; b < T.Size.Blocks; ++b) {
     const data_08* Weights = T.Weights + b * RowPairs * 32;
-    T.Blocks[b] = {CentreKey<RowPairs>(T, Weights, kReach + b * Size), 0, 0};
+    T.Blocks[b] = {CentreKey<RowPairs>(T, Weights, kSearchReach + b * Size), 0, 0};
   }
   Search<RowPairs, 4>(T);
   Search<RowPairs, 2>(T);
@@ -302,7 +301,7 @@ void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* Moti
     std::size_t Offset = std::size_t{BlockSize} * EndX + std::size_t{BlockSize} * (x + 1);
     inte_08* Motion = MotionVector + 2 * std::size_t{x};
     for (DATA_32 y = 0; y < NumY; ++y) {
-      Prepare(T, ImageOld + Offset - kReach * std::size_t{EndX} - kReach, EndX, y > 0);
+      Prepare(T, ImageOld + Offset - kSearchReach * std::size_t{EndX} - kSearchReach, EndX, y > 0);
       Match(T, ImageNew + Offset, EndX, Motion);
       Offset += std::size_t{BlockSize} * EndX;
       Motion += 2 * std::size_t{NumX};

@@ -15,8 +15,6 @@ namespace block_step {
 constexpr int kPlaceBits = 4;
 constexpr inte_32 kPlaces = (1 << kPlaceBits) - 1;
 constexpr DATA_32 kLargestBlock = 32;
-/// The furthest candidate: steps of 4, 2 and 1 pixels the same way.
-constexpr int kReach = 4 + 2 + 1;
 
 /// Directions by place: the centre, then its neighbours row by row.
 struct Direction {

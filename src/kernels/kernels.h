@@ -13,8 +13,11 @@
 #include "kernels.def"
 #include "pattern.h"
 
+/// How far a motion search goes from its block: steps of 4, 2 and 1 pixels the same way.
+inline constexpr int kSearchReach = 4 + 2 + 1;
+
 /// Vectors of NumY × NumX blocks, neither 0; the contract of Block_Match_TSS_. Reads the block patches of both
-/// images, BlockSize rows of BlockSize rounded up to 8 pixels, and those up to 7 pixels around in
+/// images, BlockSize rows of BlockSize rounded up to 8 pixels, and those up to kSearchReach pixels around in
 /// ImageOld, as the search goes. For block sizes up to 179 a sum stays below 2^31.
 using BlockMatch = void(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* MotionVector,
                         DATA_32 BlockSize, DATA_32 NumY, DATA_32 NumX, DATA_32 EndX);

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "decision.h"
+#include "decide.h"
 #include "detector.h"
 #include "kernels/kernels.h"
 #include "moving_picture.h"

@@ -134,7 +134,7 @@ BlockGeometry DrawBlockGeometry(Random& random) {
 Call DrawMatchBlocks(Random& random) {
   const BlockGeometry g = DrawBlockGeometry(random);
   const std::size_t runs = (g.size + 7) / 8 * 8;
-  const std::size_t reach = 7 * (std::size_t{g.width} + 1);
+  const std::size_t reach = kSearchReach * (std::size_t{g.width} + 1);
   const std::size_t first = std::size_t{g.size} * (g.width + 1);
   const std::size_t last = g.rows * std::size_t{g.size} * g.width + std::size_t{g.columns} * g.size;
   const bool any = g.rows > 0 && g.columns > 0;

@@ -18,7 +18,7 @@
 #include "base/parallel.h"
 #include "base/progress.h"
 #include "base/results.h"
-#include "classification.h"
+#include "classify.h"
 #include "clips/manifest.h"
 #include "command/settings_options.h"
 #include "command/subcommand.h"

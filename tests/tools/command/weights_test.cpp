@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "base/output_file.h"
-#include "classification.h"
+#include "classify.h"
 #include "command/settings_options.h"
 #include "evaluate/network_figures.h"
 #include "host/failure.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "classification.h"
+#include "classify.h"
 #include "clips/clip.h"
 #include "host/settings.h"
 #include "host/weights_file.h"

@@ -1,7 +1,9 @@
-// extent.cpp: whether a frame can be processed without leaving a buffer.
-#include "extent.h"
+// refusal.cpp: whether a frame can be processed without leaving a buffer, asked of each of its steps.
+#include "refusal.h"
 
-#include "classification.h"
+#include "classify.h"
+#include "filter.h"
+#include "match.h"
 #include "mirror.h"
 #include "saturate.h"
 
@@ -11,27 +13,7 @@ namespace {
 std::uint64_t CropExtent(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input) {
   const std::uint64_t Whole = std::uint64_t{ctx.EndY} * ctx.EndX;
   const bool Cropped = Input.Source.Rows != nullptr;
-  const bool Filtered =
-      (ctx.Filter == 1 && ctx.EndX > 3 && ctx.EndY > 3) || (ctx.Filter == 2 && ctx.EndX > 4 && ctx.EndY > 4);
-  return Cropped || Filtered ? Whole : 0;
-}
-
-/// Whether block matching stays inside the buffers. The search goes up to 4 + 2 + 1 pixels from a block, on
-/// both axes and in the previous frame alone; positions are linear offsets, so the first block bounds the
-/// reads from below and the last one from above.
-bool MatchingFits(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
-  constexpr std::uint64_t kReach = 7;
-  if (ctx.NumY == 0 || ctx.NumX == 0 || ctx.BlockSize == 0) return true;
-  const std::uint64_t BlockSize = ctx.BlockSize;
-  const std::uint64_t EndX = ctx.EndX;
-  const std::uint64_t Runs = (BlockSize + 7) / 8 * 8;
-  const std::uint64_t ReachStep = kReach * EndX + kReach;
-  if (BlockSize * EndX + BlockSize < ReachStep) return false;
-  const std::uint64_t LastRow = SaturatingMultiply(ctx.NumY, BlockSize);
-  const std::uint64_t LastColumn = SaturatingMultiply(ctx.NumX, BlockSize);
-  const std::uint64_t LastBlock = SaturatingAdd(SaturatingMultiply(LastRow, EndX), LastColumn);
-  const std::uint64_t LastPatch = SaturatingAdd(LastBlock, (BlockSize - 1) * EndX + Runs);
-  return LastPatch <= Sizes.Current && SaturatingAdd(LastPatch, ReachStep) <= Sizes.Previous;
+  return Cropped || FilterRuns(ctx.Filter, ctx.EndX, ctx.EndY) ? Whole : 0;
 }
 
 /// Whether Count features from Start on lie inside the context's own array. As addresses: the pointers
@@ -47,7 +29,10 @@ const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes
   const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
   const std::uint64_t Cells = std::uint64_t{ctx.SumY} * ctx.SumX;
   if (Blocks > kMotionCapacity / 2) return "more blocks than the motion field holds";
-  if (!MatchingFits(ctx, Sizes)) return "block matching would leave the analysis buffers";
+  const MatchExtent Read = ExtentOfMatch(ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX);
+  if (Read.Old > Sizes.Previous || Read.New > Sizes.Current) {
+    return "block matching would leave the analysis buffers";
+  }
   if (Cells > kMotionCapacity / 24) return "more cells than the motion field holds vectors for";
   if (Cells > kChunkCapacity / 4) return "more cells than the histogram holds";
   if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";

@@ -1,5 +1,5 @@
-// resample.cpp: nearest-neighbour copies by fixed patterns.
-#include "resample.h"
+// crop.cpp: nearest-neighbour copies by fixed patterns.
+#include "crop.h"
 
 #include "kernels/kernels.h"
 #include "saturate.h"

@@ -1,5 +1,5 @@
-// decision.cpp: alarm counter, hold timer, frame skip, and the report to the host.
-#include "decision.h"
+// decide.cpp: alarm counter, hold timer, frame skip, and the report to the host.
+#include "decide.h"
 
 #include <cstdio>
 

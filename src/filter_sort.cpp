@@ -1,4 +1,4 @@
-// import_sort.cpp: the byte sort, a quicksort without recursion.
+// filter_sort.cpp: the byte sort of the median, a quicksort without recursion.
 #include <cstdio>
 #include <utility>
 

@@ -1,4 +1,4 @@
-// decision.h: from scores to the decision that the host is told.
+// decide.h: from scores to the decision that the host is told.
 #pragma once
 
 #include "vel_stopngo_ctx.h"

@@ -1,5 +1,5 @@
-// classification.cpp: the weights file, and the perceptron's exported routines.
-#include "classification.h"
+// classify.cpp: the weights file, and the perceptron's exported routines.
+#include "classify.h"
 
 #include <bit>
 #include <cstdio>

@@ -1,11 +1,18 @@
-// import_utility.cpp: crops, flip and mark that the detector does not need; they are there for the host.
+// crop_decimated.cpp: whole images and regions, decimated by 2 or 3. The detector needs none of it: it is for
+// the host.
 #include <cstddef>
 
+#include "crop.h"
 #include "kernels/kernels.h"
-#include "resample.h"
 #include "vel_stopngo.h"
 
 namespace {
+
+void Subsample(const DATA_08* Input, data_08* Output, DATA_32 EndY, DATA_32 EndX, const Pattern& Every) {
+  if (Input == nullptr || Output == nullptr || EndY == 0 || EndX == 0) return;
+  Kernels().resample(Input, static_cast<std::ptrdiff_t>(EndX) * Every.Source, Every, Every, Output, EndY,
+                     EndX);
+}
 
 /// Location of the image decimated by Every, taken from the full one.
 void RegionOfDecimated(const DATA_08* Input, data_08* Output, const DATA_32* Location, INTEGER Flip,
@@ -27,6 +34,14 @@ void RegionOfDecimated(const DATA_08* Input, data_08* Output, const DATA_32* Loc
 
 extern "C" {
 
+void Image_Subsampling_2_(const DATA_08* Input, data_08* Output, DATA_32 EndY, DATA_32 EndX) {
+  Subsample(Input, Output, EndY, EndX, kEverySecond);
+}
+
+void Image_Subsampling_3_(const DATA_08* Input, data_08* Output, DATA_32 EndY, DATA_32 EndX) {
+  Subsample(Input, Output, EndY, EndX, kEveryThird);
+}
+
 void Image_Cropping_2_(const DATA_08* Input, data_08* Output, const DATA_32* Location, INTEGER Flip,
                        DATA_32 EndY, DATA_32 EndX) {
   if (Input == nullptr || Output == nullptr || Location == nullptr) return;
@@ -43,24 +58,6 @@ void Image_ROI_2_(const DATA_08* Input, data_08* Output, const DATA_32* Location
 void Image_ROI_3_(const DATA_08* Input, data_08* Output, const DATA_32* Location, INTEGER Flip, DATA_32 EndY,
                   DATA_32 EndX) {
   RegionOfDecimated(Input, Output, Location, Flip, EndY, EndX, kEveryThird);
-}
-
-void Image_Flipping_(data_08* Image, data_08* Buffer, DATA_32 EndY, DATA_32 EndX) {
-  if (Image == nullptr || Buffer == nullptr) return;
-  const std::size_t RowLength = EndX;
-  for (DATA_32 Row = 0; Row < EndY / 2; ++Row) {
-    data_08* LineA = Image + Row * RowLength;
-    data_08* LineB = Image + (EndY - 1 - Row) * RowLength;
-    Kernels().exchange_rows(LineA, LineB, Buffer, EndX);
-  }
-}
-
-void Image_Marking_(data_08* Image, const DATA_08* Mark, const DATA_32* Location, DATA_32 EndX) {
-  if (Image == nullptr || Mark == nullptr || Location == nullptr) return;
-  if (Location[2] <= Location[0] || Location[3] <= Location[1]) return;
-  const DATA_32 Width = Location[3] - Location[1];
-  data_08* ImagePointer = Image + std::size_t{Location[0]} * EndX + Location[1];
-  Kernels().mark_rows(ImagePointer, Mark, Location[2] - Location[0], Width, EndX);
 }
 
 }  // extern "C"

@@ -1,5 +1,5 @@
-// import_cropping.cpp: the region of interest of a working-size frame, plain or magnified.
-#include "import.h"
+// crop_working.cpp: the region of interest of a working-size frame, plain or magnified.
+#include "crop.h"
 #include "vel_stopngo.h"
 
 namespace {

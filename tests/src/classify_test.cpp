@@ -1,4 +1,4 @@
-// perceptron_test.cpp: the activation table, the fused step, conversion and scores.
+// classify_test.cpp: the activation table, the fused step, conversion and scores.
 #include <gtest/gtest.h>
 
 #include <bit>

@@ -1,4 +1,4 @@
-// decision_test.cpp: the decision's counters, timers and reports, frame by frame.
+// decide_test.cpp: the decision's counters, timers and reports, frame by frame.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,4 +1,4 @@
-// motion_test.cpp: block matching and the direction histogram.
+// match_test.cpp: block matching and the direction histogram.
 #include <gtest/gtest.h>
 
 #include <algorithm>

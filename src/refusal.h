@@ -1,9 +1,9 @@
-// extent.h: whether a frame can be processed without leaving a buffer.
+// refusal.h: whether a frame can be processed without leaving a buffer.
 #pragma once
 
 #include <cstdint>
 
-#include "import.h"
+#include "crop.h"
 #include "vel_stopngo_ctx.h"
 
 /// The frame that the host hands over, as the settings declare it, and what is sampled from it.

@@ -1,4 +1,5 @@
-// resample.h: the one mechanism behind every crop: nearest-neighbour copies by fixed patterns.
+// crop.h: the one mechanism behind every crop, nearest-neighbour copies by fixed patterns, and what the two
+// crops of the frame path sample.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +19,13 @@ struct Sampling {
 /// pixel that a top-down sampling of CropY × CropX pixels reads; 0 when it reads none. Never too small:
 /// it stays at the largest number instead of wrapping.
 std::uint64_t SamplingExtent(const Sampling& Source, DATA_32 CropY, DATA_32 CropX, DATA_32 RowLength);
+
+/// What Image_Cropping_ samples.
+Sampling CroppingSource(const DATA_32* Source_Location, DATA_32 Ratio);
+
+/// What Image_Original_Cropping_ samples, for an output of CropY × CropX.
+Sampling OriginalCroppingSource(DATA_32 original_width, const DATA_32* Source_L, DATA_32 CropY, DATA_32 CropX,
+                                DATA_32 Ratio);
 
 /// Samples an image of EndY rows of EndX bytes into Output, CropY packed rows of CropX pixels; with a
 /// negative Flip, the image turned upside down.

@@ -1,4 +1,4 @@
-// classification.h: the size of a network.
+// classify.h: the size of a network.
 #pragma once
 
 #include <cstdint>

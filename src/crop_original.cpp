@@ -1,5 +1,5 @@
-// import_original.cpp: the region of interest of a 1920 × 1080 or 1280 × 720 frame.
-#include "import.h"
+// crop_original.cpp: the region of interest of a 1920 × 1080 or 1280 × 720 frame.
+#include "crop.h"
 #include "kernels/kernels.h"
 #include "vel_stopngo.h"
 
