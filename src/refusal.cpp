@@ -25,16 +25,16 @@ bool FeaturesFit(const VEL_STOPNGO_CTX& ctx, const real_32* Start, std::uint64_t
   return SaturatingAdd(Offset, Count * sizeof(real_32)) <= sizeof ctx.Feature;
 }
 
+// Cells are derived with the blocks, twelve of which one has: where those fit, so do the cells' sums.
+static_assert(kMotionCapacity / 24 * 4 <= kChunkCapacity);
+
 const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
   const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
-  const std::uint64_t Cells = std::uint64_t{ctx.SumY} * ctx.SumX;
   if (Blocks > kMotionCapacity / 2) return "more blocks than the motion field holds";
   const MatchExtent Read = ExtentOfMatch(ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX);
   if (Read.Old > Sizes.Previous || Read.New > Sizes.Current) {
     return "block matching would leave the analysis buffers";
   }
-  if (Cells > kMotionCapacity / 24) return "more cells than the motion field holds vectors for";
-  if (Cells > kChunkCapacity / 4) return "more cells than the histogram holds";
   if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";
   if (!FeaturesFit(ctx, ctx.FeatureOld, ctx.Features) || !FeaturesFit(ctx, ctx.FeatureNew, ctx.Features)) {
     return "features do not fit the feature vector";

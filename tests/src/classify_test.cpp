@@ -10,6 +10,7 @@
 #include "fused.h"
 #include "random.h"
 #include "saturate.h"
+#include "seed.h"
 #include "vel_stopngo.h"
 
 namespace {

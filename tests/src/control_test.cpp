@@ -17,11 +17,6 @@ namespace {
 using test::Detector;
 using test::Printed;
 
-std::vector<std::uint8_t> Snapshot(Detector& detector) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(detector.Context());
-  return {bytes, bytes + sizeof(VEL_STOPNGO_CTX)};
-}
-
 /// A file of that many floats, counting up from 1, plus extra bytes.
 std::string WeightsFile(int floats, int extra_bytes = 0) {
   std::string path =
@@ -101,24 +96,24 @@ TEST(Control, EveryWordCodeReachesItsField) {
       {VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, &detector->originalSize},
   };
   for (const auto& [code, field] : codes) {
-    std::vector<std::uint8_t> expected = Snapshot(detector);
+    std::vector<std::uint8_t> expected = detector.Snapshot();
     const int value = -1000 - static_cast<int>(code);
     const auto offset =
         static_cast<const std::uint8_t*>(field) - reinterpret_cast<std::uint8_t*>(detector.Context());
     std::memcpy(&expected[static_cast<std::size_t>(offset)], &value, sizeof value);
     EXPECT_EQ(detector.Control(code, value), 0);
-    EXPECT_EQ(Snapshot(detector), expected) << "code " << code;
+    EXPECT_EQ(detector.Snapshot(), expected) << "code " << code;
   }
 }
 
 TEST(Control, ListsSkipUnknownCodesAndRefuseBadFirstOnes) {
   Detector detector;
-  const auto before = Snapshot(detector);
+  const auto before = detector.Snapshot();
   EXPECT_EQ(vel_stopngo_control(detector.Context(), VEL_CTRL_STOPNGO_END), 0);
   EXPECT_EQ(detector.Control(VEL_CTRL_STOPNGO_MAX, VEL_CTRL_STOPNGO_ROI_X, 5), -1);
   EXPECT_EQ(detector.Control(static_cast<VEL_CTRL_STOPNGO>(40), VEL_CTRL_STOPNGO_ROI_X, 5), -1);
   EXPECT_EQ(detector.Control(static_cast<VEL_CTRL_STOPNGO>(-1), VEL_CTRL_STOPNGO_ROI_X, 5), -1);
-  EXPECT_EQ(Snapshot(detector), before);
+  EXPECT_EQ(detector.Snapshot(), before);
   EXPECT_EQ(
       detector.Control(VEL_CTRL_STOPNGO_ROI_X, 10, 40, -3, VEL_CTRL_STOPNGO_MAX, VEL_CTRL_STOPNGO_ROI_Y, 20),
       0);
@@ -131,7 +126,7 @@ TEST(Control, PathsAreCutAndNullPointersSkipped) {
   const std::string path(200, 'p');
   detector.Control(VEL_CTRL_STOPNGO_SET_CLASSIFY_PATH, path.c_str());
   EXPECT_EQ(detector->classify_path, path.substr(0, 127));
-  const auto before = Snapshot(detector);
+  const auto before = detector.Snapshot();
   void* const none = nullptr;
   const std::string printed = Printed([&] {
     EXPECT_EQ(
@@ -141,7 +136,7 @@ TEST(Control, PathsAreCutAndNullPointersSkipped) {
         0);
   });
   EXPECT_EQ(printed, "");
-  EXPECT_EQ(Snapshot(detector), before);
+  EXPECT_EQ(detector.Snapshot(), before);
   detector.Control(VEL_CTRL_STOPNGO_SET_CLASSIFIY_THRESHOLD, 0.55);
   EXPECT_EQ(std::bit_cast<std::uint32_t>(detector->Classifiy), std::bit_cast<std::uint32_t>(0.55F));
 }

@@ -9,6 +9,7 @@
 #include "detector.h"
 #include "heap.h"
 #include "random.h"
+#include "seed.h"
 
 namespace {
 
@@ -101,13 +102,11 @@ void Trial(test::Random& random, Outcomes& outcomes) {
 }
 
 TEST(Hostile, NoSettingsLeaveABuffer) {
-  const std::uint64_t seed = test::Seed(20);
-  RecordProperty("seed", std::to_string(seed));
   const test::HeapRule rule(test::HeapRule::Kind::kFenced);
-  test::Random random(seed);
+  test::Random random(test::Seed(20));
   Outcomes outcomes;
   for (int trial = 0; trial < 1500 && !HasFatalFailure(); ++trial) {
-    SCOPED_TRACE("seed " + std::to_string(seed) + ", trial " + std::to_string(trial));
+    test::AtWork("trial " + std::to_string(trial));
     Trial(random, outcomes);
   }
   // Both answers have to be frequent, or the draws test little.

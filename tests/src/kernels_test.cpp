@@ -1,19 +1,15 @@
 // kernels_test.cpp: every form of every kernel against the plain one, on random calls.
-//
-// STOPNGO_SEED=N repeats a failure: its message tells N, and the call is then the first one made.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <csignal>
-#include <cstdlib>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "kernel_calls.h"
+#include "seed.h"
 #include "vel_stopngo.h"
 #if defined(__aarch64__)
 #include <sys/auxv.h>
@@ -23,30 +19,6 @@ namespace {
 
 using test::Fenced;
 
-// ---- The call that is being made, for when it faults ----
-
-std::string being_made;
-struct sigaction previous_action;
-
-/// Says which call touched a page that it must not, and leaves the rest to whoever was asked before.
-void OnFault(int signal) {
-  const ssize_t written = write(STDERR_FILENO, being_made.data(), being_made.size());
-  sigaction(signal, &previous_action, nullptr);
-  if (written < 0) std::abort();
-}
-
-class FaultReport {
- public:
-  FaultReport() {
-    struct sigaction action {};
-    action.sa_handler = OnFault;
-    sigaction(SIGSEGV, &action, &previous_action);
-  }
-  ~FaultReport() { sigaction(SIGSEGV, &previous_action, nullptr); }
-  FaultReport(const FaultReport&) = delete;
-  FaultReport& operator=(const FaultReport&) = delete;
-};
-
 // ---- The forms agree ----
 
 constexpr int kRounds = 1000;
@@ -54,21 +26,19 @@ constexpr int kRounds = 1000;
 class Kernel : public testing::TestWithParam<test::KernelCalls> {};
 
 TEST_P(Kernel, GivesThePlainFormsBitsAndTouchesNothingElse) {
-  const FaultReport report;
-  const std::uint64_t first = test::Seed(1);
-  for (std::uint64_t seed = first; seed < first + kRounds; ++seed) {
-    test::Random random(seed);
+  for (std::uint64_t round = 0; round < kRounds; ++round) {
+    test::Random random(test::Seed(1) + round);
     const test::Call call = GetParam().draw(random);
     const test::Pixels expected = call.make(AvailableKernels().front(), Fenced::Side::kEnd);
     for (const KernelTable& table : AvailableKernels()) {
       for (const auto side : {Fenced::Side::kEnd, Fenced::Side::kStart}) {
-        being_made = std::string(table.name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
-                     (side == Fenced::Side::kEnd ? "end" : "start") +
-                     ": STOPNGO_SEED=" + std::to_string(seed) + "\n";
+        test::AtWork(std::string(table.name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
+                         (side == Fenced::Side::kEnd ? "end" : "start"),
+                     round);
         const test::Pixels given = call.make(table, side);
         const auto differs = std::ranges::mismatch(given, expected);
         ASSERT_TRUE(differs.in1 == given.end() && differs.in2 == expected.end())
-            << being_made << "differs at byte " << differs.in1 - given.begin() << " of " << expected.size();
+            << "differs at byte " << differs.in1 - given.begin() << " of " << expected.size();
       }
     }
   }

@@ -7,6 +7,7 @@
 
 #include "fenced.h"
 #include "random.h"
+#include "seed.h"
 #include "vel_stopngo.h"
 
 namespace {

@@ -7,6 +7,8 @@
 
 #include "detector.h"
 #include "moving_picture.h"
+#include "random.h"
+#include "seed.h"
 
 namespace {
 
@@ -30,13 +32,13 @@ std::vector<std::int8_t> Life(std::uint64_t seed, int filter) {
 TEST(Threads, ContextsRunSideBySide) {
   constexpr int kThreads = 4;
   std::vector<std::vector<std::int8_t>> alone(kThreads);
-  for (int i = 0; i < kThreads; ++i) alone[i] = Life(100 + i, i % 3);
+  for (int i = 0; i < kThreads; ++i) alone[i] = Life(test::Seed(100 + i), i % 3);
   std::vector<std::vector<std::int8_t>> together(kThreads);
   {
     std::vector<std::jthread> threads;
     threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i)
-      threads.emplace_back([&together, i] { together[i] = Life(100 + i, i % 3); });
+      threads.emplace_back([&together, i] { together[i] = Life(test::Seed(100 + i), i % 3); });
   }
   EXPECT_EQ(together, alone);
   EXPECT_NE(alone[0], alone[3]);

@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "fenced.h"
+#include "random.h"
+#include "seed.h"
 #include "vel_stopngo.h"
 #include "vel_stopngo_ctx.h"
 
@@ -45,6 +48,12 @@ class Detector {
     Context()->Weight[0] = sum;
   }
 
+  /// The bytes of the record.
+  std::vector<std::uint8_t> Snapshot() {
+    const std::span<std::uint8_t> bytes = memory_.Bytes();
+    return {bytes.begin(), bytes.end()};
+  }
+
   /// The decisions reported since the last call.
   std::vector<int> TakeDecisions() { return std::exchange(decisions_, {}); }
 
@@ -57,6 +66,14 @@ class Detector {
   Fenced memory_{sizeof(VEL_STOPNGO_CTX)};
   std::vector<int> decisions_;
 };
+
+/// A frame of noise.
+inline std::vector<std::uint8_t> Noise(std::size_t size, std::uint64_t stream) {
+  std::vector<std::uint8_t> frame(size);
+  Random random(Seed(stream));
+  random.Fill(frame);
+  return frame;
+}
 
 /// What the module prints while work runs.
 template <typename Work>

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <span>
 
@@ -38,11 +37,5 @@ class Random {
  private:
   std::uint64_t state_;
 };
-
-/// The seed of a randomised test: $STOPNGO_SEED, or the one given.
-inline std::uint64_t Seed(std::uint64_t otherwise) {
-  const char* given = std::getenv("STOPNGO_SEED");
-  return given != nullptr ? std::strtoull(given, nullptr, 0) : otherwise;
-}
 
 }  // namespace test
