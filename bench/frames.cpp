@@ -103,7 +103,7 @@ void PrintGrowth(const Meter& meter) {
 }  // namespace
 
 void PrintFrameCosts(const Meter& meter, const char* unit) {
-  std::printf("# one frame with the %s kernels, %s\n", Kernels().name, unit);
+  std::printf("# one frame with the %s kernels, %s\n", Kernels().Name, unit);
   PrintConfigurations(meter);
   PrintGrowth(meter);
 }

@@ -66,7 +66,7 @@ Counts CountAll(const Counter& counter) {
         if (routine.prepare != nullptr) routine.prepare();
         if (i < 2) routine.run(1);
       }
-      counts[{routine.routine, table->name}] = counter.Of(routine.run);
+      counts[{routine.routine, table->Name}] = counter.Of(routine.run);
     }
   }
   ForceKernels(nullptr);
@@ -75,12 +75,12 @@ Counts CountAll(const Counter& counter) {
 
 void PrintCounts(const Counts& counts) {
   std::printf("%-38s", "instructions of a call");
-  for (const KernelTable* table : bench::Levels()) std::printf(" %12s", table->name);
+  for (const KernelTable* table : bench::Levels()) std::printf(" %12s", table->Name);
   std::printf("\n");
   for (const bench::Contestant& routine : bench::Routines()) {
     std::printf("%-38s", routine.routine.c_str());
     for (const KernelTable* table : bench::Levels()) {
-      std::printf(" %12.0f", counts.at({routine.routine, table->name}));
+      std::printf(" %12.0f", counts.at({routine.routine, table->Name}));
     }
     std::printf("\n");
   }
@@ -91,7 +91,7 @@ int PrintTargets(const Counts& counts) {
   std::printf("\n%-38s %-12s %12s %12s %8s  %-12s\n", "routine", "kernels", "plain", "ours", "plain/",
               "target");
   for (const bench::CountTarget& target : bench::kCountTargets) {
-    const char* table = target.table != nullptr ? target.table : bench::Levels().back()->name;
+    const char* table = target.table != nullptr ? target.table : bench::Levels().back()->Name;
     const double plain = counts.at({target.routine, "generic"});
     const auto ours = counts.find({target.routine, table});
     const bool held = ours != counts.end() && ours->second <= target.bound;

@@ -107,7 +107,7 @@ std::string PeerOf(const std::vector<Contestant>& peers, const std::string& rout
 }
 
 bool HasTable(const std::string& name) {
-  return std::ranges::any_of(bench::Levels(), [&](const KernelTable* table) { return name == table->name; });
+  return std::ranges::any_of(bench::Levels(), [&](const KernelTable* table) { return name == table->Name; });
 }
 
 /// What a routine takes in the plain form and by its peer.
@@ -135,7 +135,7 @@ double PrintTimes(const References& against, const std::string& table, const Lea
 bool Held(const bench::RatioTarget& target, const References& against, const Least& least) {
   const bool of_plain = target.against == bench::Against::kPlain;
   const double ours =
-      PrintTimes(against, target.table != nullptr ? target.table : bench::Levels().back()->name, least);
+      PrintTimes(against, target.table != nullptr ? target.table : bench::Levels().back()->Name, least);
   const bool measured = of_plain || against.peer_time > 0;
   const bool held =
       of_plain ? against.plain / ours >= target.bound : measured && ours / against.peer_time <= target.bound;
@@ -165,7 +165,7 @@ int PrintTargets(const std::vector<Contestant>& routines, const std::vector<Cont
       missed += Held(target, against, least) ? 0 : 1;
     }
     if (!any) {
-      PrintTimes(against, bench::Levels().back()->name, least);
+      PrintTimes(against, bench::Levels().back()->Name, least);
       std::printf("-\n");
     }
   }
@@ -174,13 +174,13 @@ int PrintTargets(const std::vector<Contestant>& routines, const std::vector<Cont
 
 void PrintLevels(const std::vector<Contestant>& routines, const Least& least) {
   std::printf("\n%-38s", "ns");
-  for (const KernelTable* table : bench::Levels()) std::printf(" %12s", table->name);
+  for (const KernelTable* table : bench::Levels()) std::printf(" %12s", table->Name);
   std::printf("\n");
   for (const Contestant& routine : routines) {
     if (least.Of(routine.routine, "generic") == 0) continue;
     std::printf("%-38s", routine.routine.c_str());
     for (const KernelTable* table : bench::Levels()) {
-      std::printf(" %12.1f", least.Of(routine.routine, table->name));
+      std::printf(" %12.1f", least.Of(routine.routine, table->Name));
     }
     std::printf("\n");
   }
@@ -217,7 +217,7 @@ int main(int argc, char** argv) {
   const std::vector<Contestant> routines = bench::Routines();
   const std::vector<Contestant> peers = Peers();
   for (const Contestant& routine : routines) {
-    for (const KernelTable* table : bench::Levels()) Register(routine, table->name, table);
+    for (const KernelTable* table : bench::Levels()) Register(routine, table->Name, table);
   }
   for (const Contestant& peer : peers) Register(peer, peer.who, nullptr);
   Least least;

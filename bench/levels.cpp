@@ -14,7 +14,7 @@ namespace {
 const KernelTable& Plain() {
   static const KernelTable plain = [] {
     KernelTable table = STOPNGO_TABLE(plain_at_o2);
-    table.name = AvailableKernels().front().name;
+    table.Name = AvailableKernels().front().Name;
     return table;
   }();
   return plain;

@@ -120,7 +120,7 @@ void AddExchangeRows(std::vector<Contestant>& all) {
       Plain("Image_Flipping_", Repeat([=] { Image_Flipping_(frame->data(), buffer->data(), 480, 800); })));
 }
 
-#define STOPNGO_ADD(all, Field, Form, Contract) Add##Form(all);
+#define STOPNGO_ADD(all, Form, Contract) Add##Form(all);
 
 }  // namespace
 

@@ -25,12 +25,12 @@ integer Classify_Load_(NAME_08* FileName, real_32* Weight, DATA_32 Inputs, DATA_
 
 void Classify_Conversion_(const INTE_08* Input, real_32* Output, DATA_32 Length) {
   if (Input == nullptr || Output == nullptr) return;
-  Kernels().convert(Input, Output, Length);
+  Kernels().Convert(Input, Output, Length);
 }
 
 real_32 Classify_Feature_(const REAL_32* Feature, const REAL_32* Weight, DATA_32 Inputs, DATA_32 Hiddens) {
   if (Feature == nullptr || Weight == nullptr) return 0;
-  return Kernels().score(Feature, Weight, Inputs, Hiddens);
+  return Kernels().Score(Feature, Weight, Inputs, Hiddens);
 }
 
 }  // extern "C"

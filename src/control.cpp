@@ -21,8 +21,8 @@ enum class Kind : data_08 {
 };
 
 struct Code {
-  Kind kind;
-  std::size_t field;  ///< offset in the context, where the kind stores something
+  Kind Value;
+  std::size_t Field;  ///< offset in the context, where the kind stores something
 };
 
 #define FIELD(name) offsetof(VEL_STOPNGO_CTX, name)
@@ -61,55 +61,55 @@ constexpr Code kCodes[VEL_CTRL_STOPNGO_MAX] = {
 
 #undef FIELD
 
-template <typename Value>
-void Store(VEL_STOPNGO_CTX& ctx, std::size_t field, Value value) {
-  std::memcpy(reinterpret_cast<char*>(&ctx) + field, &value, sizeof value);
+template <typename Type>
+void Store(VEL_STOPNGO_CTX& ctx, std::size_t Field, Type Value) {
+  std::memcpy(reinterpret_cast<char*>(&ctx) + Field, &Value, sizeof Value);
 }
 
-template <typename Pointer>
-void StoreUnlessNull(VEL_STOPNGO_CTX& ctx, std::size_t field, Pointer pointer) {
-  if (pointer != nullptr) Store(ctx, field, pointer);
+template <typename Type>
+void StoreUnlessNull(VEL_STOPNGO_CTX& ctx, std::size_t Field, Type* Pointer) {
+  if (Pointer != nullptr) Store(ctx, Field, Pointer);
 }
 
-void SetPath(VEL_STOPNGO_CTX& ctx, NAME_08* path) {
-  if (path == nullptr) return;
-  const std::size_t length = strnlen(path, kPathCapacity - 1);
-  std::memmove(ctx.classify_path, path, length);
-  ctx.classify_path[length] = '\0';
+void SetPath(VEL_STOPNGO_CTX& ctx, NAME_08* FileName) {
+  if (FileName == nullptr) return;
+  const std::size_t Length = strnlen(FileName, kPathCapacity - 1);
+  std::memmove(ctx.classify_path, FileName, Length);
+  ctx.classify_path[Length] = '\0';
 }
 
-void LoadWeights(VEL_STOPNGO_CTX& ctx, int* result) {
-  if (result == nullptr) return;
-  *result = Classify_Load_(ctx.classify_path, ctx.Weight, ctx.Features_2, ctx.Hiddens);
+void LoadWeights(VEL_STOPNGO_CTX& ctx, int* Result) {
+  if (Result == nullptr) return;
+  *Result = Classify_Load_(ctx.classify_path, ctx.Weight, ctx.Features_2, ctx.Hiddens);
   std::printf("load classify. path:%s, feature:%d, hidden:%d, result:%d\n", ctx.classify_path,
-              static_cast<int>(ctx.Features_2), static_cast<int>(ctx.Hiddens), *result);
+              static_cast<int>(ctx.Features_2), static_cast<int>(ctx.Hiddens), *Result);
 }
 
 /// Takes the code's value off the list and applies it.
-void Apply(VEL_STOPNGO_CTX& ctx, Code code, va_list* list) {
-  switch (code.kind) {
+void Apply(VEL_STOPNGO_CTX& ctx, const Code& Given, va_list* List) {
+  switch (Given.Value) {
     case Kind::kNone:
       break;
     case Kind::kWord:
-      Store(ctx, code.field, va_arg(*list, int));
+      Store(ctx, Given.Field, va_arg(*List, int));
       break;
     case Kind::kReal:
-      Store(ctx, code.field, static_cast<real_32>(va_arg(*list, double)));
+      Store(ctx, Given.Field, static_cast<real_32>(va_arg(*List, double)));
       break;
     case Kind::kPath:
-      SetPath(ctx, va_arg(*list, NAME_08*));
+      SetPath(ctx, va_arg(*List, NAME_08*));
       break;
     case Kind::kPointer:
-      StoreUnlessNull(ctx, code.field, va_arg(*list, void*));
+      StoreUnlessNull(ctx, Given.Field, va_arg(*List, void*));
       break;
     case Kind::kCallback:
-      StoreUnlessNull(ctx, code.field, va_arg(*list, VEL_STIOPNGO_EVENT_CALLBACK));
+      StoreUnlessNull(ctx, Given.Field, va_arg(*List, VEL_STIOPNGO_EVENT_CALLBACK));
       break;
     case Kind::kLoad:
-      LoadWeights(ctx, va_arg(*list, int*));
+      LoadWeights(ctx, va_arg(*List, int*));
       break;
     case Kind::kUpdate:
-      if (va_arg(*list, int*) != nullptr) vel_stopngo_update_params(&ctx);
+      if (va_arg(*List, int*) != nullptr) vel_stopngo_update_params(&ctx);
       break;
   }
 }
@@ -119,23 +119,23 @@ void Apply(VEL_STOPNGO_CTX& ctx, Code code, va_list* list) {
 extern "C" int vel_stopngo_control(void* ctx_t, VEL_CTRL_STOPNGO type, ...) {
   auto* ctx = static_cast<VEL_STOPNGO_CTX*>(ctx_t);
   // Negative codes are large ones here, and out of range too.
-  auto code = static_cast<data_32>(type);
-  if (ctx == nullptr || code >= VEL_CTRL_STOPNGO_MAX) return -1;
+  auto Number = static_cast<data_32>(type);
+  if (ctx == nullptr || Number >= VEL_CTRL_STOPNGO_MAX) return -1;
 
-  va_list list;
+  va_list List;
 #if defined(__clang__)
 #pragma clang diagnostic push
 // The enumeration's type is fixed at 32 bits: promoted or not, it is passed in the same way.
 #pragma clang diagnostic ignored "-Wvarargs"
 #endif
-  va_start(list, type);
+  va_start(List, type);
 #if defined(__clang__)
 #pragma clang diagnostic pop
 #endif
-  while (code != VEL_CTRL_STOPNGO_END) {
-    if (code < VEL_CTRL_STOPNGO_MAX) Apply(*ctx, kCodes[code], &list);
-    code = static_cast<data_32>(va_arg(list, int));
+  while (Number != VEL_CTRL_STOPNGO_END) {
+    if (Number < VEL_CTRL_STOPNGO_MAX) Apply(*ctx, kCodes[Number], &List);
+    Number = static_cast<data_32>(va_arg(List, int));
   }
-  va_end(list);
+  va_end(List);
   return 0;
 }

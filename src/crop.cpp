@@ -17,6 +17,6 @@ void ResampleFlipped(const data_08* Input, const Sampling& Source, INTEGER Flip,
   const auto RowLength = static_cast<std::ptrdiff_t>(EndX);
   const std::ptrdiff_t FirstRow =
       Flip < 0 ? std::ptrdiff_t{EndY} - 1 - std::ptrdiff_t{Source.Top} : std::ptrdiff_t{Source.Top};
-  Kernels().resample(Input + FirstRow * RowLength + Source.Left, Flip < 0 ? -RowLength : RowLength,
+  Kernels().Resample(Input + FirstRow * RowLength + Source.Left, Flip < 0 ? -RowLength : RowLength,
                      *Source.Rows, *Source.Columns, Output, CropY, CropX);
 }

@@ -10,7 +10,7 @@ namespace {
 
 void Subsample(const DATA_08* Input, data_08* Output, DATA_32 EndY, DATA_32 EndX, const Pattern& Every) {
   if (Input == nullptr || Output == nullptr || EndY == 0 || EndX == 0) return;
-  Kernels().resample(Input, static_cast<std::ptrdiff_t>(EndX) * Every.Source, Every, Every, Output, EndY,
+  Kernels().Resample(Input, static_cast<std::ptrdiff_t>(EndX) * Every.Source, Every, Every, Output, EndY,
                      EndX);
 }
 
@@ -26,7 +26,7 @@ void RegionOfDecimated(const DATA_08* Input, data_08* Output, const DATA_32* Loc
   const std::ptrdiff_t Top = k * std::ptrdiff_t{Location[0]};
   // Upside down, the decimated image starts with the first kept row of the last whole group of k rows.
   const std::ptrdiff_t FirstRow = Flip < 0 ? std::ptrdiff_t{EndY} - k - Top : Top;
-  Kernels().resample(Input + FirstRow * RowLength + k * std::ptrdiff_t{Location[1]},
+  Kernels().Resample(Input + FirstRow * RowLength + k * std::ptrdiff_t{Location[1]},
                      Flip < 0 ? -RowLength : RowLength, Every, Every, Output, CropY, CropX);
 }
 

@@ -94,6 +94,6 @@ extern "C" void Image_Original_Cropping_(DATA_32 original_width, DATA_32 origina
   const std::ptrdiff_t FirstRow = Flip < 0 ? std::ptrdiff_t{original_height} - 1 - std::ptrdiff_t{Source.Top}
                                            : std::ptrdiff_t{Source.Top};
   const auto RowLength = static_cast<std::ptrdiff_t>(EndX);
-  Kernels().resample(Input + FirstRow * static_cast<std::ptrdiff_t>(original_width) + Source.Left,
+  Kernels().Resample(Input + FirstRow * static_cast<std::ptrdiff_t>(original_width) + Source.Left,
                      Flip < 0 ? -RowLength : RowLength, *Source.Rows, *Source.Columns, Output, CropY, CropX);
 }

@@ -44,18 +44,18 @@ extern "C" {
 void image_median_filter(data_08* Image, int Skip, DATA_32 Width, DATA_32 Height) {
   const Margin Keep = MedianMargin(Skip);
   if (Image == nullptr || !Keep.LeavesRoom(Width, Height)) return;
-  Kernels().median_in_place(Image, Keep.Border, Width, Height);
+  Kernels().MedianInPlace(Image, Keep.Border, Width, Height);
 }
 
 void image_gaussian_blur_filter(data_08* Image, data_32 Skip, DATA_32 Width, DATA_32 Height) {
   const Margin Keep = GaussianMargin(Skip);
   if (Image == nullptr || !Keep.LeavesRoom(Width, Height)) return;
-  Kernels().gaussian_in_place(Image, Keep.Border, Width, Height);
+  Kernels().GaussianInPlace(Image, Keep.Border, Width, Height);
 }
 
 int median_filter(const data_08* image, int rows, int cols, data_08* filteredimage) {
   if (image != nullptr && filteredimage != nullptr && rows > 2 && cols > 2) {
-    Kernels().median_separate(image, rows, cols, filteredimage);
+    Kernels().MedianSeparate(image, rows, cols, filteredimage);
   }
   return 0;
 }

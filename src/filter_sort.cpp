@@ -16,9 +16,9 @@ constexpr int kInsertion = 7;
 /// A sort in the making. Positions count from 1.
 class Sort {
  public:
-  explicit Sort(data_08* pix_arr) : pix_arr_(pix_arr) {}
+  explicit Sort(data_08* pix_arr) : Pixels_(pix_arr) {}
 
-  data_08& At(int position) { return pix_arr_[position - 1]; }
+  data_08& At(int Position) { return Pixels_[Position - 1]; }
 
   void InsertionSort(int l, int ir) {
     for (int j = l + 1; j <= ir; ++j) {
@@ -53,32 +53,32 @@ class Sort {
   }
 
  private:
-  void Order(int low, int high) {
-    if (At(low) > At(high)) std::swap(At(low), At(high));
+  void Order(int Low, int High) {
+    if (At(Low) > At(High)) std::swap(At(Low), At(High));
   }
 
-  data_08* pix_arr_;
+  data_08* Pixels_;
 };
 
 }  // namespace
 
 extern "C" void pixel_qsort(data_08* pix_arr, int npix) {
   if (pix_arr == nullptr || npix <= 1) return;
-  Sort sort(pix_arr);
+  Sort Sorting(pix_arr);
   int i_stack[kStack] = {};
   int j_stack = 0;
   int l = 1;
   int ir = npix;
   while (true) {
     if (ir - l < kInsertion) {
-      sort.InsertionSort(l, ir);
+      Sorting.InsertionSort(l, ir);
       if (j_stack == 0) return;
       ir = i_stack[j_stack - 1];
       l = i_stack[j_stack - 2];
       j_stack -= 2;
       continue;
     }
-    const auto [i, j] = sort.Partition(l, ir);
+    const auto [i, j] = Sorting.Partition(l, ir);
     j_stack += 2;
     if (j_stack > kStack) {
       std::printf("pixel_qsort - stack too small in pixel_qsort: aborting");

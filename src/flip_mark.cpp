@@ -12,7 +12,7 @@ void Image_Flipping_(data_08* Image, data_08* Buffer, DATA_32 EndY, DATA_32 EndX
   for (DATA_32 Row = 0; Row < EndY / 2; ++Row) {
     data_08* LineA = Image + Row * RowLength;
     data_08* LineB = Image + (EndY - 1 - Row) * RowLength;
-    Kernels().exchange_rows(LineA, LineB, Buffer, EndX);
+    Kernels().ExchangeRows(LineA, LineB, Buffer, EndX);
   }
 }
 
@@ -21,7 +21,7 @@ void Image_Marking_(data_08* Image, const DATA_08* Mark, const DATA_32* Location
   if (Location[2] <= Location[0] || Location[3] <= Location[1]) return;
   const DATA_32 Width = Location[3] - Location[1];
   data_08* ImagePointer = Image + std::size_t{Location[0]} * EndX + Location[1];
-  Kernels().mark_rows(ImagePointer, Mark, Location[2] - Location[0], Width, EndX);
+  Kernels().MarkRows(ImagePointer, Mark, Location[2] - Location[0], Width, EndX);
 }
 
 }  // extern "C"

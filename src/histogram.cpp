@@ -4,5 +4,5 @@
 
 extern "C" void Block_Local_Histogram_(const INTE_08* Vector, inte_08* Chunk, DATA_32 NumY, DATA_32 NumX) {
   if (Vector == nullptr || Chunk == nullptr || NumY == 0 || NumX == 0) return;
-  Kernels().histogram(Vector, Chunk, NumY, NumX);
+  Kernels().SumDirections(Vector, Chunk, NumY, NumX);
 }

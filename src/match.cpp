@@ -28,5 +28,5 @@ extern "C" void Block_Match_TSS_(const DATA_08* ImageOld, const DATA_08* ImageNe
                                  DATA_32 BlockSize, DATA_32 NumY, DATA_32 NumX, DATA_32 EndX) {
   if (ImageOld == nullptr || ImageNew == nullptr || MotionVector == nullptr) return;
   if (NumY == 0 || NumX == 0) return;
-  Kernels().block_match(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX);
+  Kernels().MatchBlocks(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX);
 }

@@ -35,8 +35,8 @@ FrameInput InputOf(const VEL_STOPNGO_CTX& ctx, const FrameGeometry& Geometry) {
 }
 
 /// A buffer that is still to be allocated has the size that it will have.
-BufferSizes SizesOf(const VEL_STOPNGO_CTX& ctx, Stage stage, DATA_32 sz) {
-  switch (stage) {
+BufferSizes SizesOf(const VEL_STOPNGO_CTX& ctx, Stage Now, DATA_32 sz) {
+  switch (Now) {
     case Stage::kFirst:
       return {sz, 0};
     case Stage::kSecond:
@@ -73,8 +73,8 @@ void LogSecondFrame(const FrameGeometry& Geometry, const VEL_STOPNGO_CTX& ctx) {
 
 /// Makes FrameNew (FrameOld on a first frame) the buffer to fill; false when the heap has none, with the
 /// context as it was.
-bool PrepareBuffer(VEL_STOPNGO_CTX& ctx, Stage stage, DATA_32 sz) {
-  switch (stage) {
+bool PrepareBuffer(VEL_STOPNGO_CTX& ctx, Stage Now, DATA_32 sz) {
+  switch (Now) {
     case Stage::kFirst:
       ctx.FrameOld = AllocateAnalysisBuffer(sz);
       return ctx.FrameOld != nullptr;
@@ -112,8 +112,8 @@ real_32 Analyse(VEL_STOPNGO_CTX& ctx) {
   return Classify_Feature_(ctx.Feature, ctx.Weight, ctx.Features_2, ctx.Hiddens);
 }
 
-off_t Refuse(const VEL_STOPNGO_CTX& ctx, const char* reason) {
-  if (ctx.Log > 0) std::printf("[Stop&Go] frame refused: %s\n", reason);
+off_t Refuse(const VEL_STOPNGO_CTX& ctx, const char* Reason) {
+  if (ctx.Log > 0) std::printf("[Stop&Go] frame refused: %s\n", Reason);
   return -1;
 }
 
@@ -126,20 +126,20 @@ extern "C" off_t vel_stopngo_write(void* ctx_t, void* data, off_t /*size*/) {
 
   const FrameGeometry Geometry = DeriveFrameGeometry(ctx);
   const FrameInput Input = InputOf(ctx, Geometry);
-  const Stage stage = StageOf(ctx);
+  const Stage Now = StageOf(ctx);
   const bool Analysed = !InHold(ctx);
-  const char* reason =
-      RefusalReason(ctx, Input, SizesOf(ctx, stage, Geometry.sz), stage == Stage::kFirst, Analysed);
-  if (reason != nullptr) return Refuse(ctx, reason);
-  if (!PrepareBuffer(ctx, stage, Geometry.sz)) return Refuse(ctx, "no memory for an analysis buffer");
+  const char* Reason =
+      RefusalReason(ctx, Input, SizesOf(ctx, Now, Geometry.sz), Now == Stage::kFirst, Analysed);
+  if (Reason != nullptr) return Refuse(ctx, Reason);
+  if (!PrepareBuffer(ctx, Now, Geometry.sz)) return Refuse(ctx, "no memory for an analysis buffer");
 
   const auto* Frame = static_cast<const DATA_08*>(data);
-  if (stage == Stage::kFirst) {
+  if (Now == Stage::kFirst) {
     LogFirstFrame(Geometry, ctx);
     CropAndFilter(ctx, Geometry, Input, Frame, ctx.FrameOld);
     return 0;
   }
-  if (stage == Stage::kSecond) LogSecondFrame(Geometry, ctx);
+  if (Now == Stage::kSecond) LogSecondFrame(Geometry, ctx);
   CropAndFilter(ctx, Geometry, Input, Frame, ctx.FrameNew);
   Mirror(ctx);
   Decide(ctx, Analysed ? Analyse(ctx) : 0);

@@ -3,14 +3,14 @@
 
 #include "kernels.h"
 
-#define STOPNGO_FORM(Set, Field, Form, Contract) \
-  namespace Set {                                \
-  Contract Form;                                 \
+#define STOPNGO_FORM(Set, Form, Contract) \
+  namespace Set {                         \
+  Contract Form;                          \
   }
-#define STOPNGO_FIELD_OF(Set, Field, Form, Contract) .Field = Set::Form,
+#define STOPNGO_FORM_OF(Set, Form, Contract) .Form = Set::Form,
 /// The table of a set's forms.
 #define STOPNGO_TABLE(Set) \
-  { .name = #Set, STOPNGO_KERNELS(STOPNGO_FIELD_OF, Set) }
+  { .Name = #Set, STOPNGO_KERNELS(STOPNGO_FORM_OF, Set) }
 
 STOPNGO_KERNELS(STOPNGO_FORM, generic)
 

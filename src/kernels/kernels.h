@@ -53,10 +53,10 @@ using RowMarking = void(data_08* Image, const DATA_08* Mark, DATA_32 Height, DAT
 /// Exchanges two rows of Width bytes, by way of Buffer or without it.
 using RowExchange = void(data_08* LineA, data_08* LineB, data_08* Buffer, DATA_32 Width);
 
-#define STOPNGO_FIELD(Record, Field, Form, Contract) Contract* Field;
+#define STOPNGO_FIELD(Record, Form, Contract) Contract* Form;
 /// A form of every kernel.
 struct KernelTable {
-  const char* name;
+  const char* Name;
   STOPNGO_KERNELS(STOPNGO_FIELD, KernelTable)
 };
 #undef STOPNGO_FIELD

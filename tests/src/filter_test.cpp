@@ -32,10 +32,10 @@ std::uint8_t Median(const std::uint8_t* centre, int width) {
 
 std::uint8_t Gaussian(const std::uint8_t* centre, int width) {
   // The mask is symmetric: rows and columns by their distance from the centre.
-  constexpr int mask[3][3] = {{15, 12, 5}, {12, 9, 4}, {5, 4, 2}};
+  constexpr int kMask[3][3] = {{15, 12, 5}, {12, 9, 4}, {5, 4, 2}};
   int sum = 0;
   for (int y = -2; y <= 2; ++y) {
-    for (int x = -2; x <= 2; ++x) sum += mask[std::abs(y)][std::abs(x)] * centre[y * width + x];
+    for (int x = -2; x <= 2; ++x) sum += kMask[std::abs(y)][std::abs(x)] * centre[y * width + x];
   }
   return static_cast<std::uint8_t>(sum / 159 / 10 * 10);
 }

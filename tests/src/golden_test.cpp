@@ -135,7 +135,7 @@ struct Tally {
 
 /// Makes every stride-th trace with table, and holds it to the recorded one.
 Tally TraceAll(const KernelTable& table, std::size_t stride, bool compare) {
-  SCOPED_TRACE(table.name);
+  SCOPED_TRACE(table.Name);
   ForceKernels(&table);
   std::map<std::string, std::string> recorded = Recorded();
   Tally tally;

@@ -39,10 +39,10 @@ constexpr VEL_CTRL_STOPNGO kWordCodes[] = {
 
 /// Extremes, the sizes around which capacities end, and plain small numbers.
 int Draw(test::Random& random) {
-  constexpr std::array<std::uint32_t, 26> values = {
+  constexpr std::array<std::uint32_t, 26> kValues = {
       0,   1,   2,   7,   8,   9,   10,  16,  20,   40,   79,          80,          81,
       140, 159, 160, 161, 220, 239, 480, 800, 1280, 1920, 0x80000000U, 0xFFFFFFFFU, 0xFFFFFFF0U};
-  return static_cast<int>(random.Below(4) == 0 ? random.Below(300) : values[random.Below(values.size())]);
+  return static_cast<int>(random.Below(4) == 0 ? random.Below(300) : kValues[random.Below(kValues.size())]);
 }
 
 /// Memory as large as the host declared it, ending at an unmapped page; not mapped when such a host

@@ -147,7 +147,7 @@ Call DrawMatchBlocks(Random& random) {
     const Fenced before(pair->before, side);
     const Fenced current(any ? after.subspan(reach, length) : after, side);
     const Fenced vectors(Pixels(std::size_t{2} * g.rows * g.columns, 0x55), side);
-    table.block_match(before.Data() + reach - first, current.Data() - first,
+    table.MatchBlocks(before.Data() + reach - first, current.Data() - first,
                       reinterpret_cast<std::int8_t*>(vectors.Data()), g.size, g.rows, g.columns, g.width);
     return Pixels(vectors.Bytes().begin(), vectors.Bytes().end());
   };
@@ -169,8 +169,8 @@ Call DrawSumDirections(Random& random) {
   return {Sizes({{"rows", rows}, {"columns", columns}}), [=](const KernelTable& table, Fenced::Side side) {
             const Fenced input(*vectors, side);
             const Fenced chunk(Pixels(4 * cells, 0x55), side);
-            table.histogram(reinterpret_cast<const std::int8_t*>(input.Data()),
-                            reinterpret_cast<std::int8_t*>(chunk.Data()), rows, columns);
+            table.SumDirections(reinterpret_cast<const std::int8_t*>(input.Data()),
+                                reinterpret_cast<std::int8_t*>(chunk.Data()), rows, columns);
             return Pixels(chunk.Bytes().begin(), chunk.Bytes().end());
           }};
 }
@@ -181,7 +181,7 @@ Call DrawConvert(Random& random) {
   return {Sizes({{"length", length}}), [=](const KernelTable& table, Fenced::Side side) {
             const Fenced input(*values, side);
             const Fenced output(length * sizeof(float), side);
-            table.convert(reinterpret_cast<const std::int8_t*>(input.Data()),
+            table.Convert(reinterpret_cast<const std::int8_t*>(input.Data()),
                           reinterpret_cast<float*>(output.Data()), length);
             return Pixels(output.Bytes().begin(), output.Bytes().end());
           }};
@@ -256,7 +256,7 @@ Call DrawScore(Random& random) {
           [=](const KernelTable& table, Fenced::Side side) {
             const Fenced features(AsBytes(network->features), side);
             const Fenced weights(AsBytes(network->weights), side);
-            const float score = table.score(reinterpret_cast<const float*>(features.Data()),
+            const float score = table.Score(reinterpret_cast<const float*>(features.Data()),
                                             reinterpret_cast<const float*>(weights.Data()), network->inputs,
                                             network->hiddens);
             Pixels bits(sizeof score);
@@ -287,13 +287,13 @@ Call DrawInPlace(Random& random, std::uint32_t least_border, Filter filter) {
 
 Call DrawMedianInPlace(Random& random) {
   return DrawInPlace(random, 1, [](const KernelTable& table, std::uint8_t* image, auto... sizes) {
-    table.median_in_place(image, sizes...);
+    table.MedianInPlace(image, sizes...);
   });
 }
 
 Call DrawGaussianInPlace(Random& random) {
   return DrawInPlace(random, 2, [](const KernelTable& table, std::uint8_t* image, auto... sizes) {
-    table.gaussian_in_place(image, sizes...);
+    table.GaussianInPlace(image, sizes...);
   });
 }
 
@@ -306,7 +306,7 @@ Call DrawMedianSeparate(Random& random) {
           [=](const KernelTable& table, Fenced::Side side) {
             const Fenced image(pair->before, side);
             const Fenced filtered(Pixels(length, 0x55), side);
-            table.median_separate(image.Data(), rows, columns, filtered.Data());
+            table.MedianSeparate(image.Data(), rows, columns, filtered.Data());
             return Pixels(filtered.Bytes().begin(), filtered.Bytes().end());
           }};
 }
@@ -337,7 +337,7 @@ Call DrawMarkRows(Random& random) {
             const Fenced mark(apart ? all.last(marked) : all.first(0), side);
             const std::uint32_t image_at = apart || !mark_first ? 0 : shift;
             const std::uint8_t* marks = apart ? mark.Data() : image.Data() + (mark_first ? 0 : shift);
-            table.mark_rows(image.Data() + image_at, marks, height, width, end);
+            table.MarkRows(image.Data() + image_at, marks, height, width, end);
             return Pixels(image.Bytes().begin(), image.Bytes().end());
           }};
 }
@@ -350,7 +350,7 @@ Call DrawExchangeRows(Random& random) {
             const Fenced first(all.first(width), side);
             const Fenced second(all.last(width), side);
             const Fenced buffer(width, side);
-            table.exchange_rows(first.Data(), second.Data(), buffer.Data(), width);
+            table.ExchangeRows(first.Data(), second.Data(), buffer.Data(), width);
             Pixels rows;
             Append(rows, first);
             Append(rows, second);
@@ -358,7 +358,7 @@ Call DrawExchangeRows(Random& random) {
           }};
 }
 
-#define STOPNGO_CALLS(Draw, Field, Form, Contract) {#Field, Draw##Form},
+#define STOPNGO_CALLS(Draw, Form, Contract) {#Form, Draw##Form},
 
 constexpr KernelCalls kCalls[] = {
     STOPNGO_KERNELS(STOPNGO_CALLS, Draw)

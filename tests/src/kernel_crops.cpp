@@ -49,7 +49,7 @@ void Spy(const std::uint8_t* input, std::ptrdiff_t row_step, const Pattern& rows
 
 Extent Learn(const Crop& crop) {
   KernelTable table = AvailableKernels().front();
-  table.resample = Spy;
+  table.Resample = Spy;
   spied = {};
   ForceKernels(&table);
   std::uint8_t output = 0;
@@ -138,7 +138,7 @@ Call DrawResample(Random& random) {
               Described(rows) + " row distance " + std::to_string(step),
           [=](const KernelTable& table, Fenced::Side side) {
             const Crop crop = [&](const std::uint8_t* image, std::uint8_t* output) {
-              table.resample(image, step, rows, columns, output, height, width);
+              table.Resample(image, step, rows, columns, output, height, width);
             };
             return MakeCrop(crop, extent, *source, table, side);
           }};

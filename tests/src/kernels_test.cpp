@@ -32,7 +32,7 @@ TEST_P(Kernel, GivesThePlainFormsBitsAndTouchesNothingElse) {
     const test::Pixels expected = call.make(AvailableKernels().front(), Fenced::Side::kEnd);
     for (const KernelTable& table : AvailableKernels()) {
       for (const auto side : {Fenced::Side::kEnd, Fenced::Side::kStart}) {
-        test::AtWork(std::string(table.name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
+        test::AtWork(std::string(table.Name) + " " + GetParam().name + ", " + call.what + ", fence at the " +
                          (side == Fenced::Side::kEnd ? "end" : "start"),
                      round);
         const test::Pixels given = call.make(table, side);
@@ -103,8 +103,8 @@ TEST(Gaussian, DividesEverySumExactly) {
     for (const KernelTable& table : AvailableKernels()) {
       std::vector<std::uint8_t> image(kWidth * kHeight, (*window)[0]);
       for (int i = 0; i < 25; ++i) image[i / 5 * kWidth + i % 5] = (*window)[i];
-      table.gaussian_in_place(image.data(), 2, kWidth, kHeight);
-      ASSERT_EQ(image[2 * kWidth + 2], sum / 1590 * 10) << table.name << " sum " << sum;
+      table.GaussianInPlace(image.data(), 2, kWidth, kHeight);
+      ASSERT_EQ(image[2 * kWidth + 2], sum / 1590 * 10) << table.Name << " sum " << sum;
     }
   }
   // No window has 1 or 3, nor what lacks 1 or 3 of the largest.
@@ -128,13 +128,13 @@ std::vector<std::string> ExpectedTables() {
 
 TEST(Dispatch, OffersTheFormsOfThisProcessorFastestLast) {
   std::vector<std::string> names;
-  for (const KernelTable& table : AvailableKernels()) names.emplace_back(table.name);
+  for (const KernelTable& table : AvailableKernels()) names.emplace_back(table.Name);
   ASSERT_EQ(names.front(), "generic");
   if (names.size() == 1) GTEST_SKIP() << "the plain forms are all there is";
   EXPECT_EQ(names, ExpectedTables());
   // Every level has its own matching; a table wired to another's would pass every comparison.
   std::set<BlockMatch*> matchings;
-  for (const KernelTable& table : AvailableKernels()) matchings.insert(table.block_match);
+  for (const KernelTable& table : AvailableKernels()) matchings.insert(table.MatchBlocks);
   EXPECT_EQ(matchings.size(), names.size());
 }
 
@@ -147,7 +147,7 @@ TEST(Dispatch, RunsTheFormsThatWereForced) {
   }
   // Exported routines go by the table in force.
   KernelTable counting = AvailableKernels().back();
-  counting.convert = [](const std::int8_t*, float*, std::uint32_t) { ++calls; };
+  counting.Convert = [](const std::int8_t*, float*, std::uint32_t) { ++calls; };
   ForceKernels(&counting);
   const std::int8_t in = 1;
   float out = 0;
