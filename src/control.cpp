@@ -10,7 +10,6 @@ namespace {
 
 /// How the value of a code is passed and what becomes of it.
 enum class Kind : data_08 {
-  kNone,      ///< no value
   kWord,      ///< int, stored bit for bit in a 32-bit field
   kReal,      ///< double, rounded to single precision
   kPath,      ///< char*, copied
@@ -27,9 +26,8 @@ struct Code {
 
 #define FIELD(name) offsetof(VEL_STOPNGO_CTX, name)
 
-/// Indexed by control code.
-constexpr Code kCodes[VEL_CTRL_STOPNGO_MAX] = {
-    /* END */ {Kind::kNone, 0},
+/// By control code, from the one behind END on.
+constexpr Code kCodes[VEL_CTRL_STOPNGO_MAX - 1] = {
     /* SET_CLASSIFY_PATH */ {Kind::kPath, FIELD(classify_path)},
     /* LOAD_CLASSIFY */ {Kind::kLoad, 0},
     /* SET_TIME_BEEPING */ {Kind::kWord, FIELD(TimeBeeping)},
@@ -88,8 +86,6 @@ void LoadWeights(VEL_STOPNGO_CTX& ctx, int* Result) {
 /// Takes the code's value off the list and applies it.
 void Apply(VEL_STOPNGO_CTX& ctx, const Code& Given, va_list* List) {
   switch (Given.Value) {
-    case Kind::kNone:
-      break;
     case Kind::kWord:
       Store(ctx, Given.Field, va_arg(*List, int));
       break;
@@ -133,7 +129,7 @@ extern "C" int vel_stopngo_control(void* ctx_t, VEL_CTRL_STOPNGO type, ...) {
 #pragma clang diagnostic pop
 #endif
   while (Number != VEL_CTRL_STOPNGO_END) {
-    if (Number < VEL_CTRL_STOPNGO_MAX) Apply(*ctx, kCodes[Number], &List);
+    if (Number < VEL_CTRL_STOPNGO_MAX) Apply(*ctx, kCodes[Number - 1], &List);
     Number = static_cast<data_32>(va_arg(List, int));
   }
   va_end(List);

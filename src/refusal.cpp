@@ -16,17 +16,19 @@ std::uint64_t CropExtent(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input) {
   return Cropped || FilterRuns(ctx.Filter, ctx.EndX, ctx.EndY) ? Whole : 0;
 }
 
-/// Whether Count features from Start on lie inside the context's own array. As addresses: the pointers
-/// may have been derived from a count out of capacity.
-bool FeaturesFit(const VEL_STOPNGO_CTX& ctx, const real_32* Start, std::uint64_t Count) {
-  if (Count == 0) return true;
+/// Whether the newer frame's features lie inside the context's own array, after the older one's. As addresses:
+/// the pointer may have been derived from a count out of capacity.
+bool FeaturesFit(const VEL_STOPNGO_CTX& ctx) {
+  if (ctx.Features == 0) return true;
   const std::uint64_t Offset =
-      reinterpret_cast<std::uintptr_t>(Start) - reinterpret_cast<std::uintptr_t>(ctx.Feature);
-  return SaturatingAdd(Offset, Count * sizeof(real_32)) <= sizeof ctx.Feature;
+      reinterpret_cast<std::uintptr_t>(ctx.FeatureNew) - reinterpret_cast<std::uintptr_t>(ctx.Feature);
+  return SaturatingAdd(Offset, ctx.Features * sizeof(real_32)) <= sizeof ctx.Feature;
 }
 
 // Cells are derived with the blocks, twelve of which one has: where those fit, so do the cells' sums.
 static_assert(kMotionCapacity / 24 * 4 <= kChunkCapacity);
+// The older frame's features start the vector.
+static_assert(kChunkCapacity <= kFeatureCapacity);
 
 const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
   const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
@@ -36,9 +38,7 @@ const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes
     return "block matching would leave the analysis buffers";
   }
   if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";
-  if (!FeaturesFit(ctx, ctx.FeatureOld, ctx.Features) || !FeaturesFit(ctx, ctx.FeatureNew, ctx.Features)) {
-    return "features do not fit the feature vector";
-  }
+  if (!FeaturesFit(ctx)) return "features do not fit the feature vector";
   if (ctx.Hiddens > 0 && ctx.Features_2 > kFeatureCapacity)
     return "more inputs than the feature vector holds";
   if (NetworkLength(ctx.Features_2, ctx.Hiddens) > kWeightCapacity) return "network larger than the weights";

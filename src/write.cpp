@@ -36,16 +36,11 @@ FrameInput InputOf(const VEL_STOPNGO_CTX& ctx, const FrameGeometry& Geometry) {
 
 /// A buffer that is still to be allocated has the size that it will have.
 BufferSizes SizesOf(const VEL_STOPNGO_CTX& ctx, Stage Now, DATA_32 sz) {
-  switch (Now) {
-    case Stage::kFirst:
-      return {sz, 0};
-    case Stage::kSecond:
-      return {sz, AnalysisBufferSize(ctx.FrameOld)};
-    case Stage::kLater:
-      break;
-  }
+  if (Now == Stage::kFirst) return {sz, 0};
+  const std::uint64_t Old = AnalysisBufferSize(ctx.FrameOld);
+  if (Now == Stage::kSecond) return {sz, Old};
   // The buffers change places: the older picture is overwritten.
-  return {AnalysisBufferSize(ctx.FrameOld), AnalysisBufferSize(ctx.FrameNew)};
+  return {Old, AnalysisBufferSize(ctx.FrameNew)};
 }
 
 /// The part that both geometry lines share: zoom, region, source rectangle.
@@ -74,18 +69,13 @@ void LogSecondFrame(const FrameGeometry& Geometry, const VEL_STOPNGO_CTX& ctx) {
 /// Makes FrameNew (FrameOld on a first frame) the buffer to fill; false when the heap has none, with the
 /// context as it was.
 bool PrepareBuffer(VEL_STOPNGO_CTX& ctx, Stage Now, DATA_32 sz) {
-  switch (Now) {
-    case Stage::kFirst:
-      ctx.FrameOld = AllocateAnalysisBuffer(sz);
-      return ctx.FrameOld != nullptr;
-    case Stage::kSecond:
-      ctx.FrameNew = AllocateAnalysisBuffer(sz);
-      return ctx.FrameNew != nullptr;
-    case Stage::kLater:
-      std::swap(ctx.FrameOld, ctx.FrameNew);
-      break;
+  if (Now == Stage::kLater) {
+    std::swap(ctx.FrameOld, ctx.FrameNew);
+    return true;
   }
-  return true;
+  data_08*& Buffer = Now == Stage::kFirst ? ctx.FrameOld : ctx.FrameNew;
+  Buffer = AllocateAnalysisBuffer(sz);
+  return Buffer != nullptr;
 }
 
 void CropAndFilter(const VEL_STOPNGO_CTX& ctx, const FrameGeometry& Geometry, const FrameInput& Input,

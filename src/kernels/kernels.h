@@ -32,7 +32,7 @@ using Conversion = void(const INTE_08* Input, real_32* Output, DATA_32 Length);
 /// fused step a hidden node, in the order of the nodes.
 using Scoring = real_32(const REAL_32* Feature, const REAL_32* Weight, DATA_32 Inputs, DATA_32 Hiddens);
 
-/// Fills Output, CropY packed rows of CropX pixels, from Input, the first sampled pixel, with RowStep bytes
+/// Fills Output, CropY packed rows of CropX pixels, neither 0, from Input, the first sampled pixel, with RowStep bytes
 /// from one source row to the next (negative: upwards). Reads the sampled pixels and what lies between the
 /// first and the last one of a row. Input and Output may be the same buffer when the patterns' Output is 1
 /// and no output pixel lies behind the pixel that it copies: later reads then see no earlier write.

@@ -115,6 +115,9 @@ TEST(Conversion, DividesBy128AndStopsAtLength) {
   Classify_Conversion_(input, output, 4);
   const float expected[] = {-1.0F, -0.0078125F, 0.0F, 0.65625F, 9.0F};
   EXPECT_TRUE(std::equal(output, output + 5, expected));
+  Classify_Conversion_(nullptr, output, 4);
+  Classify_Conversion_(input, nullptr, 4);
+  EXPECT_TRUE(std::equal(output, output + 5, expected));
 }
 
 TEST(Score, SumsInInputOrderAndRoundsEveryProduct) {
@@ -139,6 +142,7 @@ TEST(Score, OddCountsFollowTheFilesLayout) {
   const float sum = std::fma(-3.0F, second, std::fma(2.0F, first, 0.5F));
   EXPECT_EQ(Classify_Feature_(feature, weight, 3, 2), Activate(sum));
   EXPECT_EQ(Classify_Feature_(nullptr, weight, 3, 2), 0.0F);
+  EXPECT_EQ(Classify_Feature_(feature, nullptr, 3, 2), 0.0F);
 }
 
 }  // namespace

@@ -201,6 +201,8 @@ TEST(Load, RefusesWhatCannotBeRead) {
   // These counts wrap to small networks in 32 bits.
   EXPECT_EQ(Classify_Load_(path.c_str(), weights.data(), 0xFFFFFFFEU, 16), -1);
   EXPECT_EQ(Classify_Load_(path.c_str(), weights.data(), 0x10000 - 2, 0x10000), -1);
+  // And these in 64 bits, to one without a number.
+  EXPECT_EQ(Classify_Load_(path.c_str(), weights.data(), 0xFFFFFFFFU, 0xFFFFFFFFU), -1);
   EXPECT_EQ(Classify_Load_(path.c_str(), nullptr, 160, 16), -1);
   EXPECT_EQ(Classify_Load_(nullptr, weights.data(), 160, 16), -1);
   EXPECT_EQ(weights, std::vector<float>(2600, -5));

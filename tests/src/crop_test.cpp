@@ -142,7 +142,18 @@ TEST(Cropping, UnhandledRatiosAndEmptyOutputsWriteNothing) {
   }
   Image_Cropping_(nullptr, output.data(), source, location, 0, 0, 100, 100);
   Image_Cropping_(input.data(), nullptr, source, location, 0, 0, 100, 100);
+  Image_Cropping_(input.data(), output.data(), nullptr, location, 0, 0, 100, 100);
+  Image_Cropping_(input.data(), output.data(), source, nullptr, 0, 0, 100, 100);
+  Image_Original_Cropping_(1280, 720, nullptr, output.data(), source, location, 0, 0, 720, 1280);
+  Image_Original_Cropping_(1280, 720, input.data(), nullptr, source, location, 0, 0, 720, 1280);
   Image_Original_Cropping_(1280, 720, input.data(), output.data(), nullptr, location, 0, 0, 720, 1280);
+  Image_Original_Cropping_(1280, 720, input.data(), output.data(), source, nullptr, 0, 0, 720, 1280);
+  for (const auto subsample : {Image_Subsampling_2_, Image_Subsampling_3_}) {
+    subsample(nullptr, output.data(), 8, 8);
+    subsample(input.data(), nullptr, 8, 8);
+    subsample(input.data(), output.data(), 0, 8);
+    subsample(input.data(), output.data(), 8, 0);
+  }
   EXPECT_EQ(output, std::vector<std::uint8_t>(64, 77));
 }
 

@@ -103,6 +103,7 @@ TEST(Filters, BordersThatLeaveNoRoomAndNullImages) {
   image_median_filter(nullptr, 0, 10, 10);
   image_gaussian_blur_filter(nullptr, 0, 10, 10);
   EXPECT_EQ(median_filter(nullptr, 10, 10, image.data()), 0);
+  EXPECT_EQ(median_filter(image.data(), 10, 10, nullptr), 0);
   EXPECT_EQ(median_filter(image.data(), -5, 10, image.data()), 0);
   EXPECT_EQ(median_filter(image.data(), 10, -5, image.data()), 0);
   EXPECT_EQ(image, before);

@@ -98,8 +98,12 @@ TEST(BlockMatch, PatchesAreRoundedUpToRunsOfEightColumns) {
   }
 }
 
-TEST(BlockMatch, EmptyGridsWriteNothing) {
+TEST(BlockMatch, EmptyGridsAndNullPointersWriteNothing) {
   Pair pair;
+  const std::uint8_t* image = pair.old_image.Data();
+  Block_Match_TSS_(nullptr, image, pair.motion.data(), 10, 12, 20, 220);
+  Block_Match_TSS_(image, nullptr, pair.motion.data(), 10, 12, 20, 220);
+  Block_Match_TSS_(image, image, nullptr, 10, 12, 20, 220);
   pair.Match(10, 0, 20);
   pair.Match(10, 12, 0);
   EXPECT_EQ(pair.motion, std::vector<std::int8_t>(480, 99));
@@ -145,6 +149,11 @@ TEST(Histogram, SumsMagnitudesByDirectionAndCell) {
   expected[7] = 2;
   expected[16 + 8] = expected[16 + 10] = 2;
   expected.insert(expected.end(), 4, 55);
+  EXPECT_EQ(chunk, expected);
+  Block_Local_Histogram_(nullptr, chunk.data(), 3, 4);
+  Block_Local_Histogram_(vectors.data(), nullptr, 3, 4);
+  Block_Local_Histogram_(vectors.data(), chunk.data(), 0, 4);
+  Block_Local_Histogram_(vectors.data(), chunk.data(), 3, 0);
   EXPECT_EQ(chunk, expected);
 }
 

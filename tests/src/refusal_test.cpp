@@ -41,6 +41,8 @@ const RefusalCase kRefusalCases[] = {
     {{}, 1, {{VEL_CTRL_STOPNGO_ROI_Y, 340}, {VEL_CTRL_STOPNGO_ROI_X, 581}}, kRegion},
     {{}, 3, {{VEL_CTRL_STOPNGO_INPUT_HEIGHT, 140}}, kRuns},
     {{}, 3, {{VEL_CTRL_STOPNGO_INPUT_HEIGHT, 139}}, kRegion},
+    // In 64 bits the last row's offset would wrap to one inside the frame.
+    {{}, 0, {{VEL_CTRL_STOPNGO_INPUT_WIDTH, -1}, {VEL_CTRL_STOPNGO_ROI_Y, -1}}, kRegion},
     {{}, 0, {{VEL_CTRL_STOPNGO_ROI_WIDTH, 65536}, {VEL_CTRL_STOPNGO_ROI_HEIGHT, 65536}}, kRegion},
     // Crop and filter within the buffers as they were allocated; an unhandled scale crops nothing.
     {{}, 2, {{VEL_CTRL_STOPNGO_ROI_HEIGHT, 141}}, kCrop},

@@ -81,6 +81,8 @@ TEST(Utilities, EmptyRectanglesAndNullPointersWriteNothing) {
   Image_Marking_(output.data(), input.data(), no_rows, 4);
   Image_Marking_(output.data(), input.data(), no_columns, 4);
   Image_Marking_(output.data(), nullptr, full, 4);
+  Image_Marking_(nullptr, input.data(), full, 4);
+  Image_Marking_(output.data(), input.data(), nullptr, 4);
   Image_Flipping_(nullptr, output.data(), 4, 4);
   Image_Flipping_(output.data(), nullptr, 4, 4);
   EXPECT_EQ(output, std::vector<std::uint8_t>(16, 77));
