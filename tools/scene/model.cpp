@@ -16,12 +16,14 @@ constexpr double kVehicleToLine_m = 5.4;  // from its rear: a car's length and a
 constexpr int kSubExposures = 4;          // of a street that is driven along
 constexpr double kInstant_s = 0.008;      // in which what crosses 10 m ahead moves by 5 pixels
 
+PicturePart PartOf(const SceneOptions& o, const SceneWindow& window) {
+  if (window.width == 0) return {0, 0, o.width, o.height, o.width, o.height};
+  return {window.x, window.y, window.width, window.height, o.width, o.height};
+}
+
 /// A window is the picture of a camera whose principal point lies elsewhere.
-Camera CameraOf(const SceneOptions& options, const SceneWindow& window) {
-  Camera camera = WaitingCamera(options);
-  camera.centre_x -= window.x;
-  camera.horizon -= window.y;
-  return camera;
+Camera CameraOf(const SceneOptions& options, const PicturePart& part) {
+  return Displaced(WaitingCamera(options), {-static_cast<double>(part.x), -static_cast<double>(part.y)});
 }
 
 bool Crosses(ActorKind kind) {
@@ -42,11 +44,6 @@ bool Crosses(ActorKind kind) {
 /// Whether more than lamps or a stroll by the roadside is to be seen of it.
 bool Moves(ActorKind kind) { return kind != ActorKind::kNeighbour && kind != ActorKind::kBystanders; }
 
-Illumination IlluminationOf(const Light& light) {
-  const double dark = std::clamp(1.2 - static_cast<double>(light.ambient), 0.0, 1.0);
-  return {static_cast<double>(light.ambient), 0.8 * static_cast<double>(light.headlamps), dark};
-}
-
 bool SamePose(const Camera& a, const Camera& b) {
   return a.x_m == b.x_m && a.z_m == b.z_m && a.sine == b.sine && a.horizon == b.horizon;
 }
@@ -55,9 +52,8 @@ bool SamePose(const Camera& a, const Camera& b) {
 
 SceneModel::SceneModel(const SceneOptions& o, const SceneWindow& w)
     : options(o),
-      window(w.width == 0 ? SceneWindow{0, 0, o.width, o.height} : w),
-      part{window.x, window.y, window.width, window.height, o.width, o.height},
-      camera_(CameraOf(o, window)),
+      part(PartOf(o, w)),
+      camera_(CameraOf(o, part)),
       path_(o.ego, o.ego_turning, o.length_s),
       world_(o.world, o.light, camera_.height_m, o.lead.distance_m + kVehicleToLine_m, path_.Travelled(),
              o.seed),
@@ -65,9 +61,8 @@ SceneModel::SceneModel(const SceneOptions& o, const SceneWindow& w)
       windscreen_(o.windscreen, o.light, part, o.seed),
       sensor_(o.sensor, part, o.seed),
       coder_(o.sensor, part),
-      illumination_(IlluminationOf(o.light)),
-      sheet_(window.width, window.height),
-      light_(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height)) {
+      sheet_(part.width, part.height),
+      light_(static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height)) {
   std::vector<VehicleOptions> vehicles;
   if (o.lead_present) vehicles.push_back(o.lead);
   vehicles.insert(vehicles.end(), o.others.begin(), o.others.end());
@@ -94,13 +89,13 @@ Stage SceneModel::MakeStage(double event_s) const {
   Stage stage;
   stage.width = options.width;
   stage.height = options.height;
-  stage.window_x = window.x;
-  stage.window_y = window.y;
+  stage.window_x = part.x;
+  stage.window_y = part.y;
   stage.focal = camera_.focal;
   stage.camera_height_m = camera_.height_m;
   stage.length_s = options.length_s;
   stage.event_s = event_s;
-  stage.night = illumination_.lamps;
+  stage.night = options.light.Night();
   if (options.lead_present) {
     const LaneVehicle& lead = lane.front();
     stage.lead_half_width = lead.Look().half_width;
@@ -136,40 +131,31 @@ void SceneModel::UpdateStill(double time_s, const Camera& camera) {
   if (!resting_ || (still_ && SamePose(still_->camera, camera))) {
     return;
   }
-  const int margin = static_cast<int>(std::ceil(shake_.Reach()));
   const auto street = [this](const Camera& seen, int row, std::span<float> light) {
     world_.Row(seen, row, light);
   };
   still_ = std::make_unique<Still>(
-      Still{camera, Layer(camera, part.width, 0, part.height, margin, street), {}, {}});
+      Still{camera, Layer(camera, part.width, part.height, Margin(), street), {}, {}});
   still_->vehicles.resize(lane.size());
   still_->actors.resize(actors_.size());
 }
 
 void SceneModel::DrawStreet(double time_s, double open_s, Offset shake) {
-  const auto width = static_cast<std::size_t>(part.width);
-  const auto line = [this, width](int row) {
-    return std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
-  };
   if (resting_) {
     for (int row = 0; row < part.height; row++) {
-      still_->street.Row(row, shake, line(row));
+      still_->street.Row(row, shake, Line(row));
     }
     return;
   }
   std::array<Camera, kSubExposures> cameras;
   for (int i = 0; i < kSubExposures; i++) {
     const double at = time_s + open_s * ((i + 0.5) / kSubExposures - 0.5);
-    const Offset offset = shake_.At(at, path_.Speed(at));
-    Camera& moved = cameras[static_cast<std::size_t>(i)];
-    moved = Pose(at);
-    moved.centre_x += offset.x;
-    moved.horizon += offset.y;
+    cameras[static_cast<std::size_t>(i)] = Displaced(Pose(at), shake_.At(at, path_.Speed(at)));
   }
   std::fill(light_.begin(), light_.end(), 0.0F);
   for (int row = 0; row < part.height; row++) {
     for (int i = 0; i < kSubExposures; i++) {
-      world_.RowPart(cameras[static_cast<std::size_t>(i)], row, i, line(row));
+      world_.RowPart(cameras[static_cast<std::size_t>(i)], row, i, Line(row));
     }
   }
 }
@@ -196,7 +182,6 @@ void SceneModel::DrawVehicle(std::size_t index, double time_s, const Camera& sha
   if (!view.Visible()) {
     return;
   }
-  const auto width = static_cast<std::size_t>(part.width);
   const bool kept = resting_ && vehicle.Waits(time_s);
   if (kept) {
     DrawCutout(still_->vehicles[index], shake,
@@ -205,28 +190,22 @@ void SceneModel::DrawVehicle(std::size_t index, double time_s, const Camera& sha
                });
   }
   for (int row = 0; row < part.height; row++) {
-    const auto line = std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
-    if (!kept) view.DrawRow(row, line);
-    view.DrawLamps(row, line);
+    if (!kept) view.DrawRow(row, Line(row));
+    view.DrawLamps(row, Line(row));
   }
 }
 
 void SceneModel::DrawCutout(std::optional<Cutout>& cutout, Offset shake, const Layer::Paint& paint) {
-  if (!cutout) {
-    const int margin = static_cast<int>(std::ceil(shake_.Reach()));
-    cutout.emplace(still_->camera, part.width, 0, part.height, margin, paint);
-  }
-  const auto width = static_cast<std::size_t>(part.width);
+  if (!cutout) cutout.emplace(still_->camera, part.width, part.height, Margin(), paint);
   for (int row = 0; row < part.height; row++) {
-    cutout->DrawRow(row, shake,
-                    std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width));
+    cutout->DrawRow(row, shake, Line(row));
   }
 }
 
 void SceneModel::DrawActor(std::size_t index, double time_s, const Camera& shaken, Offset shake) {
   const Actor& actor = *actors_[index];
   if (!resting_ || actor_kinds_[index] != ActorKind::kNeighbour) {
-    actor.Draw(time_s, shaken, illumination_, sheet_);
+    actor.Draw(time_s, shaken, options.light, sheet_);
     sheet_used_ = true;
     return;
   }
@@ -234,21 +213,27 @@ void SceneModel::DrawActor(std::size_t index, double time_s, const Camera& shake
   std::optional<Sheet> sheet;
   DrawCutout(still_->actors[index], shake, [&](const Camera& camera, int row, std::span<float> light) {
     if (!sheet) {
-      const int rows = 2 * (part.height + 2 * (static_cast<int>(std::ceil(shake_.Reach())) + 1));
+      const int rows = 2 * (part.height + 2 * (Margin() + 1));
       sheet.emplace(static_cast<int>(light.size()), rows);
-      actor.Draw(time_s, camera, illumination_, *sheet);
+      actor.Draw(time_s, camera, options.light, *sheet);
     }
     sheet->DrawRow(row, light);
   });
 }
 
+std::span<float> SceneModel::Line(int row) {
+  const auto width = static_cast<std::size_t>(part.width);
+  return std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width);
+}
+
+int SceneModel::Margin() const { return static_cast<int>(std::ceil(shake_.Reach())); }
+
 void SceneModel::FlushSheet() {
   if (!sheet_used_) {
     return;
   }
-  const auto width = static_cast<std::size_t>(part.width);
   for (int row = 0; row < part.height; row++) {
-    sheet_.DrawRow(row, std::span<float>(light_).subspan(static_cast<std::size_t>(row) * width, width));
+    sheet_.DrawRow(row, Line(row));
   }
   sheet_.Clear();
   sheet_used_ = false;
@@ -257,9 +242,7 @@ void SceneModel::FlushSheet() {
 void SceneModel::Compose(double time_s, double open_s) {
   const Camera camera = Pose(time_s);
   const Offset shake = shake_.At(time_s, path_.Speed(time_s));
-  Camera shaken = camera;
-  shaken.centre_x += shake.x;
-  shaken.horizon += shake.y;
+  const Camera shaken = Displaced(camera, shake);
   DrawStreet(time_s, open_s, shake);
   for (const Item& item : Items(time_s, camera)) {
     if (item.vehicle) {

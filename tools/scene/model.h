@@ -15,7 +15,6 @@
 #include "scene/lens/shake.h"
 #include "scene/lens/windscreen.h"
 #include "scene/motion/ego_path.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/layer.h"
 #include "scene/paint/sheet.h"
 #include "scene/recipe/kinds.h"
@@ -35,7 +34,6 @@ struct SceneModel {
   [[nodiscard]] std::vector<LabelSpan> Labels(double length_s) const;
 
   SceneOptions options;
-  SceneWindow window;
   PicturePart part;
   std::vector<LaneVehicle> lane;  ///< the one ahead first, when there is one
 
@@ -65,6 +63,10 @@ struct SceneModel {
   void DrawActor(std::size_t index, double time_s, const Camera& shaken, Offset shake);
   void DrawCutout(std::optional<Cutout>& cutout, Offset shake, const Layer::Paint& paint);
   void FlushSheet();
+  /// A row of light_.
+  [[nodiscard]] std::span<float> Line(int row);
+  /// Pixels by which what is kept may be displaced.
+  [[nodiscard]] int Margin() const;
   void UpdateStill(double time_s, const Camera& camera);
   [[nodiscard]] Stage MakeStage(double event_s) const;
   [[nodiscard]] double Shown(std::int64_t frame, std::int64_t& index) const;
@@ -76,7 +78,6 @@ struct SceneModel {
   Windscreen windscreen_;
   Sensor sensor_;
   Coder coder_;
-  Illumination illumination_;
   Actors actors_;
   std::vector<std::unique_ptr<ScreenEffect>> overlays_;
   std::vector<ActorKind> actor_kinds_;

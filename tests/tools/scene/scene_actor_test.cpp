@@ -79,7 +79,7 @@ std::vector<float> Drawn(const std::string& name, std::uint64_t seed, double tim
     if (name == kind.name) {
       const Actors actors = MakeActors(kind.kind, stage, seed);
       for (const Actor* actor : FromBackToFront(actors, time_s)) {
-        actor->Draw(time_s, camera, {0.5, 0.3, 0.5}, sheet);
+        actor->Draw(time_s, camera, {0.5F, 0.4F}, sheet);
       }
     }
   }

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "scene/paint/illumination.h"
 #include "scene/paint/sheet.h"
+#include "scene/recipe/light.h"
 #include "scene/space/camera.h"
 
 namespace stopngo {
@@ -20,7 +20,7 @@ class Actor {
   /// How far ahead it is (the nearest part of it), for drawing from back to front; nothing while it is
   /// not in the scene.
   [[nodiscard]] virtual std::optional<double> Distance(double time_s) const = 0;
-  virtual void Draw(double time_s, const Camera& camera, const Illumination& light, Sheet& sheet) const = 0;
+  virtual void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const = 0;
 };
 
 /// Something on the windscreen or on the picture as a whole: the camera's shake does not move it.
@@ -46,6 +46,13 @@ struct Stage {
   double lead_offset = 0;  ///< of its middle, to the right
   std::function<double(double time_s)> lead_distance = [](double) { return 5.0; };
   double night = 0;  ///< 0 day … 1 night: beams of light are seen at night only
+
+  /// Metres from the middle of the picture to its edges, at a distance.
+  [[nodiscard]] double HalfWidthAt(double z) const { return 0.5 * width / focal * z; }
+  /// The middle of a thing beside the vehicle ahead, with a gap between them. side: -1 left, 1 right.
+  [[nodiscard]] double Beside(double side, double half_width, double gap) const {
+    return lead_offset + side * (lead_half_width + half_width + gap);
+  }
 };
 
 using Actors = std::vector<std::unique_ptr<Actor>>;

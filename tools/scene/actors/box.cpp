@@ -25,12 +25,12 @@ struct BoxVehicle::Look {
   const Camera& camera;
   Glaze glaze;
   Sheet& sheet;
-  double lamps;
+  double night;
 
   [[nodiscard]] bool Sees(Vector3 place, Vector3 outward) const {
-    const Vector3 to = InStreet(pose, place) - Vector3{camera.x_m, camera.height_m, camera.z_m};
+    const Vector3 to = InStreet(pose, place) - LensOf(camera);
     const Vector3 out = Directed(pose, outward);
-    return to.x * out.x + to.height * out.height + to.z * out.z < 0;
+    return Dot(to, out) < 0;
   }
   void Draw(const Texture& texture, Vector3 origin, Vector3 across, Vector3 up, const Glaze& with) const {
     DrawPanel({texture, InStreet(pose, origin), Directed(pose, across), Directed(pose, up)}, camera, with,
@@ -50,8 +50,8 @@ void BoxVehicle::DrawFaces(const std::vector<Face>& faces, const Look& look) con
   for (const Face& face : faces) {
     if (look.Sees(face.origin, face.outward)) {
       // Brake lights are not in front.
-      const double lamp = face.outward.z > 0 ? kNightLevel / 100 * look.lamps : look.glaze.lamp;
-      look.Draw(parts_.textures[face.texture], face.origin, face.across, face.up, {look.glaze.gain, lamp, 1});
+      const double lamp = face.outward.z > 0 ? kNightLevel / 100 * look.night : look.glaze.lamp;
+      look.Draw(parts_.textures[face.texture], face.origin, face.across, face.up, {look.glaze.gain, lamp});
     }
   }
 }
@@ -70,15 +70,15 @@ void BoxVehicle::DrawWheels(const Look& look, double travelled) const {
         const Vector3 up{0, cosine, sine};
         const Vector3 hub{side * shape_.half_width, radius, from_rear - 0.5 * shape_.length};
         look.Draw(parts_.textures[parts_.wheel], hub - radius * up, {0, -sine, cosine}, up,
-                  {look.glaze.gain, 0, 1});
+                  {look.glaze.gain, 0});
       }
     }
   }
 }
 
-void BoxVehicle::DrawGlows(const Look& look, const VehicleLamps& lamps) const {
+void BoxVehicle::DrawGlows(const Look& look, double brakes) const {
   for (const double end : {-1.0, 1.0}) {
-    const double level = end > 0 ? 160 * look.lamps : 60 * look.lamps + 40 * lamps.brakes;
+    const double level = end > 0 ? 160 * look.night : 60 * look.night + 40 * brakes;
     const double radius = end > 0 ? 0.45 : 0.3;
     for (const double side : {-0.75, 0.75}) {
       const Vector3 place{side * shape_.half_width, 0.72, end * 0.5 * shape_.length};
@@ -90,17 +90,18 @@ void BoxVehicle::DrawGlows(const Look& look, const VehicleLamps& lamps) const {
   }
 }
 
-void BoxVehicle::Draw(const Pose& pose, double travelled, const VehicleLamps& lamps, const Camera& camera,
-                      const Illumination& light, Sheet& sheet) const {
-  const double lit = std::max({kBrakeLevel * lamps.brakes, kNightLevel * light.lamps, 80 * lamps.indicator});
+void BoxVehicle::Draw(const Pose& pose, double travelled, double brakes, const Camera& camera,
+                      const Light& light, Sheet& sheet) const {
+  const double night = light.Night();
+  const double lit = std::max(kBrakeLevel * brakes, kNightLevel * night);
   const double distance = std::max(Reach(pose)[0], kBeam_m);
-  const Look look{pose, camera, {light.At(distance), lit / 100, 1}, sheet, light.lamps};
+  const Look look{pose, camera, {light.Around(distance), lit / 100}, sheet, night};
   const Texture& shadow = parts_.textures[parts_.shadow];
-  look.Draw(shadow, {0, 0, -0.5 * shadow.Rows() / shadow.TexelsPerMetre()}, {1, 0, 0}, {0, 0, 1}, {0, 0, 1});
+  look.Draw(shadow, {0, 0, -0.5 * shadow.Rows() / shadow.TexelsPerMetre()}, {1, 0, 0}, {0, 0, 1}, {0, 0});
   DrawFaces(parts_.body, look);
   DrawFaces(parts_.cabin, look);
   DrawWheels(look, travelled);
-  DrawGlows(look, lamps);
+  DrawGlows(look, brakes);
 }
 
 }  // namespace stopngo

@@ -7,10 +7,11 @@
 
 #include "base/random.h"
 #include "scene/actors/actor.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/panel.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/texture.h"
+#include "scene/recipe/light.h"
+#include "scene/space/camera.h"
 #include "scene/space/pose.h"
 #include "scene/space/vector.h"
 
@@ -55,11 +56,6 @@ struct BoxParts {
 /// texels_per_metre: wanted; long vehicles get fewer.
 BoxParts PaintBox(BoxKind kind, double texels_per_metre, Random& random);
 
-struct VehicleLamps {
-  double brakes = 0;     ///< 0 … 1
-  double indicator = 0;  ///< not of one side alone: both
-};
-
 class BoxVehicle {
  public:
   BoxVehicle(BoxKind kind, double texels_per_metre, Random& random);
@@ -68,15 +64,15 @@ class BoxVehicle {
   [[nodiscard]] double Height() const { return shape_.roof; }
   /// Smallest and largest distance ahead of the camera's place of any part.
   [[nodiscard]] std::array<double, 2> Reach(const Pose& pose) const;
-  /// travelled: metres, which turn the wheels.
-  void Draw(const Pose& pose, double travelled, const VehicleLamps& lamps, const Camera& camera,
-            const Illumination& light, Sheet& sheet) const;
+  /// travelled: metres, which turn the wheels; brakes: how brightly their lamps are lit, 0 … 1.
+  void Draw(const Pose& pose, double travelled, double brakes, const Camera& camera, const Light& light,
+            Sheet& sheet) const;
 
  private:
   struct Look;
   void DrawFaces(const std::vector<Face>& faces, const Look& look) const;
   void DrawWheels(const Look& look, double travelled) const;
-  void DrawGlows(const Look& look, const VehicleLamps& lamps) const;
+  void DrawGlows(const Look& look, double brakes) const;
 
   const BoxShape& shape_;
   BoxParts parts_;

@@ -8,7 +8,6 @@
 #include "base/exact_math.h"
 #include "scene/actors/skeleton.h"
 #include "scene/motion/route.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/sheet.h"
 #include "scene/space/pose.h"
 #include "scene/space/vector.h"
@@ -34,14 +33,14 @@ class Figure : public Actor {
     return pose.z - 0.2;
   }
 
-  void Draw(double time_s, const Camera& camera, const Illumination& light, Sheet& sheet) const override {
+  void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
     const double position = pace_.Position(time_s);
     const Limner limner(route_.At(position), camera, light, sheet);
     if (kind_ == Kind::kWalker) {
       const double speed = (position - pace_.Position(time_s - 0.2)) / 0.2;
       DrawWalker(person_, position, std::clamp(speed / 1.1, 0.0, 1.0), time_s, limner);
     } else {
-      DrawRider(person_, kind_ == Kind::kMotorcycle, position, light.lamps, limner);
+      DrawRider(person_, kind_ == Kind::kMotorcycle, position, light.Night(), limner);
     }
   }
 
@@ -73,7 +72,7 @@ class Drifter : public Actor {
     }
     return z_;
   }
-  void Draw(double time_s, const Camera& camera, const Illumination& light, Sheet& sheet) const override {
+  void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
     const double t = time_s - when_;
     const double beat = SineOfTurns(flutter_ * time_s + phase_);
     Pose pose;
@@ -112,7 +111,7 @@ void AddWalker(Actors& actors, const Stage& stage, double z, double spread, doub
   const Person person = DrawPerson(random);
   const double speed = random.Uniform(0.8, 2.2);
   const double when = stage.event_s + random.Uniform(-spread, spread);
-  const double edge = 0.5 * stage.width / stage.focal * z;
+  const double edge = stage.HalfWidthAt(z);
   const double at = random.Uniform(-0.6, 0.6) * edge;
   const Route route{at, z, heading};
   Pace pace(-speed * when, speed);
@@ -188,7 +187,7 @@ Actors MakeBystanders(const Stage& stage, Random& random) {
   for (std::uint32_t i = 0; i < count; i++) {
     const Person person = DrawPerson(random);
     const double side = Sign(random);
-    const double x = stage.lead_offset + side * (stage.lead_half_width + random.Uniform(0.7, 2.5));
+    const double x = stage.Beside(side, 0, random.Uniform(0.7, 2.5));
     const Route route{x, random.Uniform(4, 16), random.Uniform(0, 1)};
     Pace pace(0, 0);
     if (random.Below(2) == 0) {
@@ -214,8 +213,8 @@ Actors MakeCyclists(const Stage& stage, Random& random) {
   if (random.Below(3) == 0) {
     // Along the street, between the lanes: past us, or towards us.
     const double side = Sign(random);
-    route = {stage.lead_offset + side * (stage.lead_half_width + random.Uniform(0.5, 1.2)), 3,
-             random.Below(3) == 0 ? 0.5 : 0.0};
+    const double x = stage.Beside(side, 0, random.Uniform(0.5, 1.2));
+    route = {x, 3, random.Below(3) == 0 ? 0.5 : 0.0};
   }
   actors.push_back(std::make_unique<Figure>(motor ? Figure::Kind::kMotorcycle : Figure::Kind::kBicycle,
                                             person, route, pace));

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/exact_math.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/panel.h"
 #include "scene/paint/sheet.h"
@@ -47,7 +46,7 @@ class Gleam : public Actor {
     return stage_.lead_distance(time_s) - 0.01;  // right before it
   }
 
-  void Draw(double time_s, const Camera& camera, const Illumination& light, Sheet& sheet) const override {
+  void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
     const double z = stage_.lead_distance(time_s);
     const auto foot = Project(camera, {stage_.lead_offset, 0, z});
     if (!foot) {
@@ -66,7 +65,7 @@ class Gleam : public Actor {
       const double from_middle = aside / foot->scale - At(time_s);
       shares.push_back(Bump(from_middle / course_.half_width) * Inside(aside, -half, half, edge));
       const auto place = static_cast<float>(from_middle);
-      tones.push_back(light.ambient *
+      tones.push_back(static_cast<double>(light.ambient) *
                       (120 + 90 * static_cast<double>(ValueNoise(3 * place, 0.5F, course_.seed))));
     }
     for (int row = rows.first; row < rows.end; row++) {

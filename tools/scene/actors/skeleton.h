@@ -1,13 +1,13 @@
 // skeleton.h: people drawn as limbs, walking, standing or riding.
 #pragma once
 
-#include <cstdint>
+#include <optional>
 
 #include "base/random.h"
-#include "scene/actors/box.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"
+#include "scene/recipe/light.h"
+#include "scene/space/camera.h"
 #include "scene/space/pose.h"
 #include "scene/space/projection.h"
 #include "scene/space/vector.h"
@@ -30,8 +30,8 @@ Person DrawPerson(Random& random);
 /// Limbs in the street: points as in Vector3, from the middle of what a pose places.
 class Limner {
  public:
-  Limner(const Pose& pose, const Camera& camera, const Illumination& light, Sheet& sheet)
-      : pose_(pose), camera_(camera), gain_(light.At(pose.z)), sheet_(sheet) {}
+  Limner(const Pose& pose, const Camera& camera, const Light& light, Sheet& sheet)
+      : pose_(pose), camera_(camera), gain_(light.Around(pose.z)), sheet_(sheet) {}
   void Limb(Vector3 from, Vector3 to, double radius_m, double tone) const;
   /// upper: only the half above the middle.
   void Ball(Vector3 middle, double half_width_m, double half_height_m, double tone, bool upper = false) const;

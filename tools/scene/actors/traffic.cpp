@@ -9,7 +9,6 @@
 #include "scene/actors/box.h"
 #include "scene/actors/figure.h"
 #include "scene/motion/route.h"
-#include "scene/paint/illumination.h"
 #include "scene/paint/sheet.h"
 #include "scene/space/pose.h"
 #include "scene/space/projection.h"
@@ -36,10 +35,10 @@ class TrafficVehicle : public Actor {
     return nearest;
   }
 
-  void Draw(double time_s, const Camera& camera, const Illumination& light, Sheet& sheet) const override {
+  void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
     const double position = pace_.Position(time_s);
-    const VehicleLamps lamps{pace_.BrakingOrStanding(time_s) ? 1.0 : 0.0, 0};
-    vehicle_.Draw(route_.At(position), position, lamps, camera, light, sheet);
+    const double brakes = pace_.BrakingOrStanding(time_s) ? 1 : 0;
+    vehicle_.Draw(route_.At(position), position, brakes, camera, light, sheet);
   }
 
  private:
@@ -77,7 +76,7 @@ Route Across(double z, double direction) { return {0, z, 0.25 * direction}; }
 /// Such a passage: steady, braking to a halt, or starting from rest near the picture's edge.
 Pace CrossingPace(const Stage& stage, double z, double most, Random& random) {
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
-  const double edge = 0.5 * stage.width / stage.focal * z;
+  const double edge = stage.HalfWidthAt(z);
   const double speed = random.Uniform(2, most);
   switch (random.Below(4)) {
     case 0: {
@@ -100,7 +99,7 @@ Pace CrossingPace(const Stage& stage, double z, double most, Random& random) {
 
 /// The middle of a lane beside ours, with room for a vehicle.
 double LaneX(const Stage& stage, double side, double half_width, Random& random) {
-  return stage.lead_offset + side * (stage.lead_half_width + half_width + random.Uniform(0.45, 1.7));
+  return stage.Beside(side, half_width, random.Uniform(0.45, 1.7));
 }
 
 struct Neighbour {
@@ -152,7 +151,7 @@ Actors MakeCrossingQueue(const Stage& stage, Random& random) {
   const double z = random.Uniform(nearest, nearest + 12);
   const Route route = Across(z, Sign(random));
   const double speed = random.Uniform(2, 12);
-  const double edge = 0.5 * stage.width / stage.focal * z;
+  const double edge = stage.HalfWidthAt(z);
   const double first = edge - speed * std::max(0.0, stage.event_s - random.Uniform(0, 4));
   const std::uint32_t count = 3 + random.Below(5);
   double at = first;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,11 @@ Life LifeAt(double time_s, double length_s, double offset) {
   const double lives = time_s / length_s + offset;
   const double number = std::floor(lives);
   return {static_cast<std::int64_t>(number), (lives - number) * length_s};
+}
+
+/// What is drawn for one life of one of many things.
+Random RandomOfLife(std::uint64_t seed, const Life& life, std::uint64_t index) {
+  return {seed + static_cast<std::uint64_t>(life.number + (1 << 20)) * 0x10001, index};
 }
 
 /// One or two blades that swing about pivots below the picture. Places and lengths in widths of it.
@@ -160,7 +166,7 @@ class WetGlass : public ScreenEffect {
     Random slot(seed_, index);
     const double length_s = slot.Uniform(2, 12);
     const Life life = LifeAt(time_s, length_s, slot.Uniform(0, 1));
-    Random random(seed_ + static_cast<std::uint64_t>(life.number + (1 << 20)) * 0x10001, index);
+    Random random = RandomOfLife(seed_, life, index);
     const double column = random.Uniform(-0.02, 1.02) * stage_.width - stage_.window_x;
     const double start = random.Uniform(-0.02, 1.02) * stage_.height - stage_.window_y;
     const double radius = size_ * random.Uniform(0.4, 1.6);
@@ -216,7 +222,7 @@ class Falling : public ScreenEffect {
     const double fall = 1.3 * stage_.height / scale;  // a little more than the picture's height
     const double length_s = fall / speed_;
     const Life life = LifeAt(time_s, length_s, slot.Uniform(0, 1));
-    Random random(seed_ + static_cast<std::uint64_t>(life.number + (1 << 20)) * 0x10001, index);
+    Random random = RandomOfLife(seed_, life, index);
     const double start = random.Uniform(-0.3, 1.3) * stage_.width;
     const double sway = snow_ ? 0.05 * SineOfTurns(0.6 * time_s + slot.Uniform(0, 1)) : 0;
     const double column = start + (wind_ * life.age_s + sway) * scale - stage_.window_x;

@@ -67,7 +67,6 @@ class VehicleView {
   /// The columns at its bumper.
   [[nodiscard]] double Left() const { return centre_ - vehicle_.half_width * camera_.focal / distance_; }
   [[nodiscard]] double Right() const { return centre_ + vehicle_.half_width * camera_.focal / distance_; }
-  [[nodiscard]] double Distance() const { return distance_; }
 
  private:
   /// A profile point in the picture.

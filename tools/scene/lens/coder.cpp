@@ -14,7 +14,7 @@ constexpr std::array<float, 8> kCosine{0.35355339F, 0.49039264F, 0.46193977F, 0.
                                        0.35355339F, 0.27778512F, 0.19134172F, 0.09754516F};
 
 /// The weight of sample x in coefficient u.
-constexpr float Basis(int u, int x) {
+constexpr float Weight(int u, int x) {
   if (u == 0) {
     return kCosine[0];
   }
@@ -27,37 +27,30 @@ constexpr float Basis(int u, int x) {
                     : -kCosine[static_cast<std::size_t>(16 - folded)];
 }
 
-constexpr std::array<std::array<float, 8>, 8> MakeBasis() {
-  std::array<std::array<float, 8>, 8> basis{};
-  for (int u = 0; u < 8; u++) {
-    for (int x = 0; x < 8; x++) {
-      basis[static_cast<std::size_t>(u)][static_cast<std::size_t>(x)] = Basis(u, x);
+/// Weights of each number that goes in, for each that comes out.
+using Basis = std::array<std::array<float, 8>, 8>;
+
+constexpr Basis MakeBasis(bool inverse) {
+  Basis basis{};
+  for (int to = 0; to < 8; to++) {
+    for (int from = 0; from < 8; from++) {
+      basis[static_cast<std::size_t>(to)][static_cast<std::size_t>(from)] =
+          inverse ? Weight(from, to) : Weight(to, from);
     }
   }
   return basis;
 }
 
-constexpr auto kBasis = MakeBasis();
-
-using Block = std::array<float, 64>;
+constexpr Basis kForward = MakeBasis(false);
+constexpr Basis kInverse = MakeBasis(true);
 
 /// Transforms the rows and turns rows into columns; twice is the transform of a block.
-void Forward(const Block& in, Block& out) {
+void Transform(const Basis& basis, const std::array<float, 64>& in, std::array<float, 64>& out) {
   for (std::size_t row = 0; row < 8; row++) {
-    for (std::size_t u = 0; u < 8; u++) {
+    for (std::size_t to = 0; to < 8; to++) {
       float sum = 0;
-      for (std::size_t x = 0; x < 8; x++) sum += kBasis[u][x] * in[8 * row + x];
-      out[8 * u + row] = sum;
-    }
-  }
-}
-
-void Inverse(const Block& in, Block& out) {
-  for (std::size_t row = 0; row < 8; row++) {
-    for (std::size_t x = 0; x < 8; x++) {
-      float sum = 0;
-      for (std::size_t u = 0; u < 8; u++) sum += kBasis[u][x] * in[8 * row + u];
-      out[8 * x + row] = sum;
+      for (std::size_t from = 0; from < 8; from++) sum += basis[to][from] * in[8 * row + from];
+      out[8 * to + row] = sum;
     }
   }
 }
@@ -73,8 +66,8 @@ Coder::Coder(const SensorOptions& options, const PicturePart& frame)
 bool Coder::Quantise(Block& block, float step) const {
   Block rows{};
   Block coefficients{};
-  Forward(block, rows);
-  Forward(rows, coefficients);
+  Transform(kForward, block, rows);
+  Transform(kForward, rows, coefficients);
   bool any = false;
   for (std::size_t i = 0; i < coefficients.size(); i++) {
     // Fine detail is quantised twice as coarsely as the block's mean; less than two thirds of a step is
@@ -87,8 +80,8 @@ bool Coder::Quantise(Block& block, float step) const {
     any = any || level > 0;
   }
   if (any) {
-    Inverse(coefficients, rows);
-    Inverse(rows, block);
+    Transform(kInverse, coefficients, rows);
+    Transform(kInverse, rows, block);
   }
   return any;
 }

@@ -6,7 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "scene/lens/sensor.h"
+#include "scene/recipe/recipe.h"
+#include "scene/space/window.h"
 
 namespace stopngo {
 

@@ -5,14 +5,9 @@
 #include <span>
 
 #include "scene/recipe/recipe.h"
+#include "scene/space/window.h"
 
 namespace stopngo {
-
-/// A part of a picture: where it begins in the whole, and the sizes of both.
-struct PicturePart {
-  int x, y, width, height;
-  int whole_width, whole_height;
-};
 
 class Sensor {
  public:

@@ -1,11 +1,14 @@
 // windscreen.h: what lies between the lens and the street: dirt, reflections, our own bonnet.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "scene/lens/sensor.h"
+#include "scene/recipe/light.h"
+#include "scene/recipe/recipe.h"
+#include "scene/space/window.h"
 
 namespace stopngo {
 

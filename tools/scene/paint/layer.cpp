@@ -35,13 +35,13 @@ Layer::Paint Over(float tone, const Layer::Paint& paint) {
 }  // namespace
 
 // One pixel more on each side than the displacement needs, for the last tap of the box.
-Layer::Layer(const Camera& camera, int width, int first, int end, int margin, const Paint& paint)
-    : first_(first), end_(end), margin_(margin + 1), stride_(static_cast<std::size_t>(width + 2 * margin_)) {
+Layer::Layer(const Camera& camera, int width, int height, int margin, const Paint& paint)
+    : margin_(margin + 1), stride_(static_cast<std::size_t>(width + 2 * margin_)) {
   Camera twice = camera;
   twice.focal *= 2;
   twice.centre_x = 2 * (camera.centre_x + margin_);
-  twice.horizon = 2 * (camera.horizon - first + margin_);
-  const int rows = 2 * (end - first + 2 * margin_);
+  twice.horizon = 2 * (camera.horizon + margin_);
+  const int rows = 2 * (height + 2 * margin_);
   std::vector<float> light(2 * stride_);
   for (auto& plane : planes_) {
     plane.reserve(static_cast<std::size_t>(rows) * stride_);
@@ -55,7 +55,7 @@ Layer::Layer(const Camera& camera, int width, int first, int end, int margin, co
 }
 
 void Layer::Row(int row, Offset offset, std::span<float> light) const {
-  const BoxTaps down(2 * (row - first_ - offset.y + margin_));
+  const BoxTaps down(2 * (row - offset.y + margin_));
   const BoxTaps across(2 * (margin_ - offset.x));
   for (float& value : light) {
     value = 0;
@@ -74,14 +74,11 @@ void Layer::Row(int row, Offset offset, std::span<float> light) const {
   }
 }
 
-Cutout::Cutout(const Camera& camera, int width, int first, int end, int margin, const Layer::Paint& paint)
-    : over_black_(camera, width, first, end, margin, Over(0, paint)),
-      over_white_(camera, width, first, end, margin, Over(kBehind, paint)) {}
+Cutout::Cutout(const Camera& camera, int width, int height, int margin, const Layer::Paint& paint)
+    : over_black_(camera, width, height, margin, Over(0, paint)),
+      over_white_(camera, width, height, margin, Over(kBehind, paint)) {}
 
 void Cutout::DrawRow(int row, Offset offset, std::span<float> light) const {
-  if (!over_black_.Covers(row)) {
-    return;
-  }
   std::vector<float> black(light.size());
   std::vector<float> white(light.size());
   over_black_.Row(row, offset, black);

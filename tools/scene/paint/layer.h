@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <span>
 #include <vector>
@@ -18,14 +19,12 @@ class Layer {
   /// Paints a row of the picture as that camera sees it.
   using Paint = std::function<void(const Camera&, int row, std::span<float> light)>;
 
-  /// margin: pixels by which it may be displaced. Rows outside first … end - 1 are never asked for.
-  Layer(const Camera& camera, int width, int first, int end, int margin, const Paint& paint);
-  [[nodiscard]] bool Covers(int row) const { return row >= first_ && row < end_; }
+  /// margin: pixels by which it may be displaced.
+  Layer(const Camera& camera, int width, int height, int margin, const Paint& paint);
   /// One row of the picture, displaced by no more than the margin.
   void Row(int row, Offset offset, std::span<float> light) const;
 
  private:
-  int first_, end_;
   int margin_;
   std::size_t stride_;                        ///< samples in a row of one plane
   std::array<std::vector<float>, 2> planes_;  ///< even and odd columns: a row is then summed without gaps
@@ -35,7 +34,7 @@ class Layer {
 class Cutout {
  public:
   /// paint lays the thing over what is there already, as light = light × (1 - cover) + tone.
-  Cutout(const Camera& camera, int width, int first, int end, int margin, const Layer::Paint& paint);
+  Cutout(const Camera& camera, int width, int height, int margin, const Layer::Paint& paint);
   void DrawRow(int row, Offset offset, std::span<float> light) const;
 
  private:

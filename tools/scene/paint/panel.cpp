@@ -12,16 +12,6 @@
 namespace stopngo {
 namespace {
 
-Vector3 Cross(Vector3 a, Vector3 b) {
-  return {a.height * b.z - a.z * b.height, a.z * b.x - a.x * b.z, a.x * b.height - a.height * b.x};
-}
-
-double Dot(Vector3 a, Vector3 b) { return a.x * b.x + a.height * b.height + a.z * b.z; }
-
-Vector3 Turned(const Camera& camera, Vector3 v) {
-  return {camera.cosine * v.x - camera.sine * v.z, v.height, camera.cosine * v.z + camera.sine * v.x};
-}
-
 /// A value that changes evenly over the picture.
 struct Plane {
   double origin, per_column, per_row;
@@ -98,7 +88,7 @@ struct Painter {
   /// area: texels that the pixel spans.
   void Blend(int row, int column, const Texel& sum, double area) const {
     if (sum.cover > 0) {
-      const double share = glaze.opacity / area;
+      const double share = 1 / area;
       sheet.Blend(row, column, std::min(sum.cover * share, 1.0),
                   (sum.tone * glaze.gain + sum.lamp * glaze.lamp) * share);
     }

@@ -18,9 +18,8 @@ struct Panel {
 
 /// How a texture's sums become light.
 struct Glaze {
-  double gain = 1;     ///< of the surface
-  double lamp = 0;     ///< of its lamps
-  double opacity = 1;  ///< of all
+  double gain = 1;  ///< of the surface
+  double lamp = 0;  ///< of its lamps
 };
 
 void DrawPanel(const Panel& panel, const Camera& camera, const Glaze& glaze, Sheet& sheet);

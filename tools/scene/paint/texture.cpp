@@ -153,51 +153,43 @@ void Texture::Seal() {
   texels_ = std::move(sums);
 }
 
-const Texel* Texture::Line(double row, double& share) const {
-  const double inside = std::clamp(row, 0.0, static_cast<double>(rows_));
-  const auto whole = std::min(static_cast<std::size_t>(inside), rows_ - 1);
+Texture::Edge::Edge(double place, std::size_t count) {
+  const double inside = std::clamp(place, 0.0, static_cast<double>(count));
+  whole = std::min(static_cast<std::size_t>(inside), count - 1);
   share = inside - static_cast<double>(whole);
-  return texels_.data() + whole * (columns_ + 1);
 }
 
 void Texture::SumRows(double low, double high, double left, double right, std::vector<Texel>& sums) const {
   const std::size_t stride = columns_ + 1;
-  double low_share = 0;
-  double high_share = 0;
-  const Texel* bottom = Line(low, low_share);
-  const Texel* top = Line(high, high_share);
+  const Edge below(low, rows_);
+  const Edge above(high, rows_);
+  const Texel* bottom = Line(below);
+  const Texel* top = Line(above);
   sums.resize(stride);
   // SumColumns looks at the columns around a place, and at the last two at the right edge.
   const auto first = std::min(static_cast<std::size_t>(std::clamp(left, 0.0, Columns())), columns_ - 1);
   const auto last = std::min(static_cast<std::size_t>(std::clamp(right, 0.0, Columns())) + 1, columns_);
   for (std::size_t i = first; i <= last; i++) {
-    const Texel from = Mix(bottom[i], bottom[i + stride], low_share);
-    const Texel to = Mix(top[i], top[i + stride], high_share);
+    const Texel from = Mix(bottom[i], bottom[i + stride], below.share);
+    const Texel to = Mix(top[i], top[i + stride], above.share);
     sums[i] = to - from;
   }
 }
 
-Texture::Strip::Edge::Edge(const Texture& texture, double column) {
-  const double inside = std::clamp(column, 0.0, texture.Columns());
-  whole = std::min(static_cast<std::size_t>(inside), texture.columns_ - 1);
-  share = inside - static_cast<double>(whole);
-}
-
 Texel Texture::Strip::Below(double row) const {
-  double row_share = 0;
-  const Texel* lower = texture_.Line(row, row_share);
+  const Edge edge(row, texture_.rows_);
+  const Texel* lower = texture_.Line(edge);
   const Texel* upper = lower + texture_.columns_ + 1;
   const auto line = [this](const Texel* sums) {
     return Mix(sums[right_.whole], sums[right_.whole + 1], right_.share) -
            Mix(sums[left_.whole], sums[left_.whole + 1], left_.share);
   };
-  return Mix(line(lower), line(upper), row_share);
+  return Mix(line(lower), line(upper), edge.share);
 }
 
 Texel Texture::SumColumns(const std::vector<Texel>& sums, double column) {
-  const double inside = std::clamp(column, 0.0, static_cast<double>(sums.size() - 1));
-  const auto whole = std::min(static_cast<std::size_t>(inside), sums.size() - 2);
-  return Mix(sums[whole], sums[whole + 1], inside - static_cast<double>(whole));
+  const Edge edge(column, sums.size() - 1);
+  return Mix(sums[edge.whole], sums[edge.whole + 1], edge.share);
 }
 
 }  // namespace stopngo

@@ -75,20 +75,21 @@ class Texture {
     return strip.Below(high) - strip.Below(low);
   }
 
+  /// A place between whole columns or rows, of which there are so many.
+  struct Edge {
+    Edge(double place, std::size_t count);
+    std::size_t whole;
+    double share;
+  };
   /// The texels between two columns.
   class Strip {
    public:
     Strip(const Texture& texture, double left, double right)
-        : texture_(texture), left_(texture, left), right_(texture, right) {}
+        : texture_(texture), left_(left, texture.columns_), right_(right, texture.columns_) {}
     /// The sum over the rows below one, which may lie outside.
     [[nodiscard]] Texel Below(double row) const;
 
    private:
-    struct Edge {
-      Edge(const Texture& texture, double column);
-      std::size_t whole;
-      double share;
-    };
     const Texture& texture_;
     Edge left_, right_;
   };
@@ -96,8 +97,10 @@ class Texture {
   static Texel SumColumns(const std::vector<Texel>& sums, double column);
 
  private:
-  /// The sums below a row, and its fraction.
-  const Texel* Line(double row, double& share) const;
+  /// The sums below a row.
+  [[nodiscard]] const Texel* Line(const Edge& row) const {
+    return texels_.data() + row.whole * (columns_ + 1);
+  }
   void Blend(std::size_t row, std::size_t column, double tone, double alpha, double lamp);
 
   double per_metre_;

@@ -26,6 +26,13 @@ struct Light {
     const float cone = 1 / ((1 + ahead * 0.055F) * (1 + side * side * side * side) * (1 + above * above));
     return ambient + headlamps * cone;
   }
+  /// The factor for a thing as a whole, at a distance.
+  [[nodiscard]] double Around(double distance_m) const {
+    return static_cast<double>(ambient) +
+           0.8 * static_cast<double>(headlamps) * 50 / (25 + distance_m * distance_m);
+  }
+  /// 0 day … 1 night: how brightly vehicles' lamps outshine their surroundings.
+  [[nodiscard]] double Night() const { return std::clamp(1.2 - static_cast<double>(ambient), 0.0, 1.0); }
   /// What a surface of a grey level by day looks like under a factor.
   [[nodiscard]] static float Lit(float tone, float factor) { return kBlack + (tone - kBlack) * factor; }
 };

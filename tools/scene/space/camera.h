@@ -5,6 +5,7 @@
 
 #include "base/exact_math.h"
 #include "scene/recipe/recipe.h"
+#include "scene/space/offset.h"
 
 namespace stopngo {
 
@@ -27,16 +28,26 @@ struct Place {
   double ahead;
 };
 
+/// Metres from the camera, along the street's axes, as metres along its own.
+inline Place Turned(const Camera& camera, double x, double z) {
+  return {camera.cosine * x - camera.sine * z, camera.cosine * z + camera.sine * x};
+}
+
 inline Place PlaceOf(const Camera& camera, double x, double z) {
-  const double dx = x - camera.x_m;
-  const double dz = z - camera.z_m;
-  return {camera.cosine * dx - camera.sine * dz, camera.cosine * dz + camera.sine * dx};
+  return Turned(camera, x - camera.x_m, z - camera.z_m);
 }
 
 /// Turned to the right by an angle in turns, which is a small part of one.
 inline void Turn(Camera& camera, double turns) {
   camera.sine = SineOfTurns(turns);
   camera.cosine = std::sqrt(1 - camera.sine * camera.sine);
+}
+
+/// Whose picture is displaced.
+inline Camera Displaced(Camera camera, Offset offset) {
+  camera.centre_x += offset.x;
+  camera.horizon += offset.y;
+  return camera;
 }
 
 /// Of the whole picture while our own vehicle waits at the beginning.

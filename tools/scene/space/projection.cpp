@@ -3,10 +3,12 @@
 
 namespace stopngo {
 
-Vector3 ToEye(const Camera& camera, Vector3 point) {
-  const Place place = PlaceOf(camera, point.x, point.z);
-  return {place.across, point.height - camera.height_m, place.ahead};
+Vector3 Turned(const Camera& camera, Vector3 direction) {
+  const auto [across, ahead] = Turned(camera, direction.x, direction.z);
+  return {across, direction.height, ahead};
 }
+
+Vector3 ToEye(const Camera& camera, Vector3 point) { return Turned(camera, point - LensOf(camera)); }
 
 Spot ToPicture(const Camera& camera, Vector3 eye) {
   const double scale = camera.focal / eye.z;

@@ -18,7 +18,12 @@ struct Spot {
 /// Nearer than this nothing is drawn.
 constexpr double kNearest_m = 0.3;
 
-/// A point as seen from the lens, with z along its axis.
+inline Vector3 LensOf(const Camera& camera) { return {camera.x_m, camera.height_m, camera.z_m}; }
+
+/// A direction as seen from the lens, with z along its axis.
+Vector3 Turned(const Camera& camera, Vector3 direction);
+
+/// A point as seen from there.
 Vector3 ToEye(const Camera& camera, Vector3 point);
 
 /// Where a point as seen from the lens, ahead of it, lies in the picture.

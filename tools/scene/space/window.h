@@ -1,4 +1,4 @@
-// window.h: the part of a scene's picture that is rendered.
+// window.h: parts of a scene's picture.
 #pragma once
 
 namespace stopngo {
@@ -7,6 +7,12 @@ namespace stopngo {
 struct SceneWindow {
   int x = 0, y = 0;
   int width = 0, height = 0;  ///< 0: the whole picture
+};
+
+/// A part of a picture: where it begins in the whole, and the sizes of both.
+struct PicturePart {
+  int x, y, width, height;
+  int whole_width, whole_height;
 };
 
 }  // namespace stopngo
