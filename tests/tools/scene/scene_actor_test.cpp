@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
+#include <cstdint>
 #include <vector>
 
 #include "base/random.h"
@@ -11,6 +11,7 @@
 #include "scene/actors/box.h"
 #include "scene/actors/cast.h"
 #include "scene/motion/route.h"
+#include "scene/motion/track.h"
 #include "scene/paint/panel.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"
@@ -67,42 +68,28 @@ std::vector<const Actor*> FromBackToFront(const Actors& actors, double time_s) {
   return present;
 }
 
-/// Draws the actors or the overlay of a name.
-std::vector<float> Drawn(const std::string& name, std::uint64_t seed, double time_s, int x, int y, int width,
-                         int height) {
+constexpr int kActorKinds = static_cast<int>(ActorKind::kBirds) + 1;
+constexpr int kOverlayKinds = static_cast<int>(OverlayKind::kBeacon) + 1;
+
+/// Draws the actors of a kind, or, past those, the overlay of one.
+std::vector<float> Drawn(int kind, std::uint64_t seed, double time_s, int x, int y, int width, int height) {
   const Stage stage = StageWith(x, y);
   Camera camera = TestCamera();
   camera.centre_x -= x;
   camera.horizon -= y;
   Sheet sheet(width, height);
-  for (const ActorKindName& kind : ActorKinds()) {
-    if (name == kind.name) {
-      const Actors actors = MakeActors(kind.kind, stage, seed);
-      for (const Actor* actor : FromBackToFront(actors, time_s)) {
-        actor->Draw(time_s, camera, {0.5F, 0.4F}, sheet);
-      }
+  if (kind < kActorKinds) {
+    const Actors actors = MakeActors(static_cast<ActorKind>(kind), stage, seed);
+    for (const Actor* actor : FromBackToFront(actors, time_s)) {
+      actor->Draw(time_s, camera, {0.5F, 0.4F}, sheet);
     }
-  }
-  for (const OverlayKindName& kind : OverlayKinds()) {
-    if (name == kind.name) {
-      MakeOverlay(kind.kind, stage, seed)->Draw(time_s, sheet);
-    }
+  } else {
+    MakeOverlay(static_cast<OverlayKind>(kind - kActorKinds), stage, seed)->Draw(time_s, sheet);
   }
   return Laid(sheet, 100);
 }
 
-std::vector<std::string> Names() {
-  std::vector<std::string> names;
-  for (const ActorKindName& kind : ActorKinds()) {
-    names.emplace_back(kind.name);
-  }
-  for (const OverlayKindName& kind : OverlayKinds()) {
-    names.emplace_back(kind.name);
-  }
-  return names;
-}
-
-class EveryKind : public testing::TestWithParam<std::string> {};
+class EveryKind : public testing::TestWithParam<int> {};
 
 TEST_P(EveryKind, LooksTheSameThroughAWindow) {
   constexpr int kX = 137;
@@ -150,11 +137,7 @@ TEST_P(EveryKind, ShowsSomethingAndDependsOnTheSeedAlone) {
   EXPECT_LE(repeated, 5);  // what stands looks the same at both times, but not with another seed
 }
 
-INSTANTIATE_TEST_SUITE_P(Scene, EveryKind, testing::ValuesIn(Names()), [](const auto& of) {
-  std::string name = of.param;
-  std::replace(name.begin(), name.end(), '-', '_');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Scene, EveryKind, testing::Range(0, kActorKinds + kOverlayKinds));
 
 /// Where the covered part of a picture lies, and how many pixels it covers.
 struct Cover {
@@ -297,17 +280,17 @@ TEST(OvertakingTest, GetsSmallerAsItDrivesOn) {
   EXPECT_GT(seen, 40);
 }
 
-TEST(PaceTest, HaltsAndStartsWithoutAJump) {
-  Pace pace(-3, 6);
-  pace.Stop(2, 3);
-  pace.Start(7, 2, 5);
+TEST(TrackTest, HaltsAndStartsWithoutAJump) {
+  Track track(-3, 6);
+  track.Stop(2, 3);
+  track.Start(7, 2, 5);
   for (double time_s = -1; time_s < 14; time_s += 0.01) {
-    EXPECT_NEAR(pace.Position(time_s + 0.01), pace.Position(time_s), 0.061) << time_s;
+    EXPECT_NEAR(track.Position(time_s + 0.01), track.Position(time_s), 0.061) << time_s;
   }
-  EXPECT_DOUBLE_EQ(pace.Position(4.001), pace.Position(6.999));
-  EXPECT_NEAR(pace.Position(5), -3 + 12 + 6, 1e-9);
-  EXPECT_NEAR(pace.Position(13) - pace.Position(12), 5, 1e-9);
-  EXPECT_TRUE(pace.BrakingOrStanding(3) && pace.BrakingOrStanding(6) && !pace.BrakingOrStanding(8));
+  EXPECT_DOUBLE_EQ(track.Position(4.001), track.Position(6.999));
+  EXPECT_NEAR(track.Position(5), -3 + 12 + 6, 1e-9);
+  EXPECT_NEAR(track.Position(13) - track.Position(12), 5, 1e-9);
+  EXPECT_TRUE(track.BrakingOrStanding(3) && track.BrakingOrStanding(6) && !track.BrakingOrStanding(8));
 }
 
 TEST(RouteTest, BendsToTheSideItIsToldTo) {

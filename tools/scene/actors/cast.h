@@ -3,27 +3,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 
 #include "scene/actors/actor.h"
 #include "scene/recipe/kinds.h"
 
 namespace stopngo {
-
-struct ActorKindName {
-  ActorKind kind;
-  const char* name;
-  const char* help;
-};
-
-struct OverlayKindName {
-  OverlayKind kind;
-  const char* name;
-  const char* help;
-};
-
-std::span<const ActorKindName> ActorKinds();
-std::span<const OverlayKindName> OverlayKinds();
 
 /// The actors of a kind, drawn from a seed: the same on every machine.
 Actors MakeActors(ActorKind kind, const Stage& stage, std::uint64_t seed);

@@ -8,7 +8,10 @@
 #include "base/exact_math.h"
 #include "scene/actors/skeleton.h"
 #include "scene/motion/route.h"
+#include "scene/motion/track.h"
 #include "scene/paint/sheet.h"
+#include "scene/recipe/chance.h"
+#include "scene/recipe/light.h"
 #include "scene/space/pose.h"
 #include "scene/space/vector.h"
 
@@ -22,11 +25,11 @@ class Figure : public Actor {
  public:
   enum class Kind { kWalker, kBicycle, kMotorcycle };
 
-  Figure(Kind kind, const Person& person, const Route& route, Pace pace)
-      : kind_(kind), person_(person), route_(route), pace_(std::move(pace)) {}
+  Figure(Kind kind, const Person& person, const Route& route, Track track)
+      : kind_(kind), person_(person), route_(route), track_(std::move(track)) {}
 
   [[nodiscard]] std::optional<double> Distance(double time_s) const override {
-    const Pose pose = route_.At(pace_.Position(time_s));
+    const Pose pose = route_.At(track_.Position(time_s));
     if (pose.z < kNearestFigure_m || std::fabs(pose.x) > 0.8 * pose.z + 2) {
       return std::nullopt;
     }
@@ -34,10 +37,10 @@ class Figure : public Actor {
   }
 
   void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
-    const double position = pace_.Position(time_s);
+    const double position = track_.Position(time_s);
     const Limner limner(route_.At(position), camera, light, sheet);
     if (kind_ == Kind::kWalker) {
-      const double speed = (position - pace_.Position(time_s - 0.2)) / 0.2;
+      const double speed = (position - track_.Position(time_s - 0.2)) / 0.2;
       DrawWalker(person_, position, std::clamp(speed / 1.1, 0.0, 1.0), time_s, limner);
     } else {
       DrawRider(person_, kind_ == Kind::kMotorcycle, position, light.Night(), limner);
@@ -48,7 +51,7 @@ class Figure : public Actor {
   Kind kind_;
   Person person_;
   Route route_;
-  Pace pace_;
+  Track track_;
 };
 
 /// A bird, a leaf or a piece of paper in the wind.
@@ -58,7 +61,7 @@ class Drifter : public Actor {
     when_ = stage.event_s + random.Uniform(-2, 2);
     z_ = random.Uniform(2.5, 14);
     height_ = bird ? random.Uniform(1.2, 4) : random.Uniform(0.1, 1.8);
-    const double side = random.Below(2) == 0 ? -1 : 1;
+    const double side = EitherSide(random);
     speed_ = side * (bird ? random.Uniform(3, 9) : random.Uniform(0.5, 4));
     climb_ = bird ? random.Uniform(-0.6, 1) : 0;
     flutter_ = bird ? random.Uniform(3, 8) : random.Uniform(0.8, 2);
@@ -96,13 +99,11 @@ class Drifter : public Actor {
   double when_, z_, height_, speed_, climb_, flutter_, size_, tone_, phase_;
 };
 
-double Sign(Random& random) { return random.Below(2) == 0 ? -1 : 1; }
-
 constexpr double kFarthestWalker_m = 25;  // people any farther are a few pixels tall
 
 /// Across the street, either way.
 double AcrossHeading(Random& random) {
-  const double way = 0.25 * Sign(random);
+  const double way = 0.25 * EitherSide(random);
   return way + random.Uniform(-0.015, 0.015);
 }
 
@@ -114,16 +115,16 @@ void AddWalker(Actors& actors, const Stage& stage, double z, double spread, doub
   const double edge = stage.HalfWidthAt(z);
   const double at = random.Uniform(-0.6, 0.6) * edge;
   const Route route{at, z, heading};
-  Pace pace(-speed * when, speed);
+  Track track(-speed * when, speed);
   const std::uint32_t habit = random.Below(6);
   if (habit == 0) {
-    pace.Stop(when, 2);
-    pace.Start(when + 2 + random.Uniform(0, 3), 1.5, speed);
+    track.Stop(when, 2);
+    track.Start(when + 2 + random.Uniform(0, 3), 1.5, speed);
   } else if (habit == 1) {
-    pace = Pace(0, 0);
-    pace.Start(when, 1.5, speed);
+    track = Track(0, 0);
+    track.Start(when, 1.5, speed);
   }
-  actors.push_back(std::make_unique<Figure>(Figure::Kind::kWalker, person, route, pace));
+  actors.push_back(std::make_unique<Figure>(Figure::Kind::kWalker, person, route, track));
 }
 
 }  // namespace
@@ -186,14 +187,14 @@ Actors MakeBystanders(const Stage& stage, Random& random) {
   const std::uint32_t count = 1 + random.Below(5);
   for (std::uint32_t i = 0; i < count; i++) {
     const Person person = DrawPerson(random);
-    const double side = Sign(random);
+    const double side = EitherSide(random);
     const double x = stage.Beside(side, 0, random.Uniform(0.7, 2.5));
     const Route route{x, random.Uniform(4, 16), random.Uniform(0, 1)};
-    Pace pace(0, 0);
+    Track track(0, 0);
     if (random.Below(2) == 0) {
-      pace = Pace(0, random.Uniform(0.6, 1.6));
+      track = Track(0, random.Uniform(0.6, 1.6));
     }
-    actors.push_back(std::make_unique<Figure>(Figure::Kind::kWalker, person, route, pace));
+    actors.push_back(std::make_unique<Figure>(Figure::Kind::kWalker, person, route, track));
   }
   return actors;
 }
@@ -208,16 +209,16 @@ Actors MakeCyclists(const Stage& stage, Random& random) {
   const bool motor = random.Below(3) == 0;
   const double speed = motor ? random.Uniform(3, 14) : random.Uniform(2, 8);
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
-  Route route{0, z, 0.25 * Sign(random)};
-  Pace pace(-speed * when, speed);
+  Route route{0, z, 0.25 * EitherSide(random)};
+  Track track(-speed * when, speed);
   if (random.Below(3) == 0) {
     // Along the street, between the lanes: past us, or towards us.
-    const double side = Sign(random);
+    const double side = EitherSide(random);
     const double x = stage.Beside(side, 0, random.Uniform(0.5, 1.2));
     route = {x, 3, random.Below(3) == 0 ? 0.5 : 0.0};
   }
   actors.push_back(std::make_unique<Figure>(motor ? Figure::Kind::kMotorcycle : Figure::Kind::kBicycle,
-                                            person, route, pace));
+                                            person, route, track));
   return actors;
 }
 

@@ -7,9 +7,10 @@
 
 #include "base/exact_math.h"
 #include "scene/paint/noise.h"
-#include "scene/paint/panel.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"
+#include "scene/recipe/chance.h"
+#include "scene/recipe/light.h"
 #include "scene/space/projection.h"
 
 namespace stopngo {
@@ -94,7 +95,7 @@ class Shade : public ScreenEffect {
     leaves_ = random.Below(2) == 0;
     depth_ = random.Uniform(0.08, leaves_ ? 0.3 : 0.4);
     when_ = stage.event_s + random.Uniform(-2, 2);
-    const double side = random.Below(2) == 0 ? -1 : 1;
+    const double side = EitherSide(random);
     speed_ = side * random.Uniform(0.05, 0.8) * stage.width;
     grain_ = random.Uniform(0.03, 0.25) * stage.width;
     seed_ = static_cast<std::uint32_t>(random.Next());
@@ -168,7 +169,7 @@ class Beacon : public ScreenEffect {
 Gleam::Course Wander(const Stage& stage, double slowest, double fastest, Random& random) {
   Gleam::Course course{};
   course.when = stage.event_s + random.Uniform(-2, 2);
-  const double side = random.Below(2) == 0 ? -1 : 1;
+  const double side = EitherSide(random);
   course.speed = side * random.Uniform(slowest, fastest);
   course.seed = static_cast<std::uint32_t>(random.Next());
   return course;

@@ -9,7 +9,10 @@
 #include "scene/actors/box.h"
 #include "scene/actors/figure.h"
 #include "scene/motion/route.h"
+#include "scene/motion/track.h"
 #include "scene/paint/sheet.h"
+#include "scene/recipe/chance.h"
+#include "scene/recipe/light.h"
 #include "scene/space/pose.h"
 #include "scene/space/projection.h"
 
@@ -22,11 +25,11 @@ constexpr double kTexelsPerPixel = 1.2;
 
 class TrafficVehicle : public Actor {
  public:
-  TrafficVehicle(BoxVehicle vehicle, Route route, Pace pace)
-      : vehicle_(std::move(vehicle)), route_(route), pace_(std::move(pace)) {}
+  TrafficVehicle(BoxVehicle vehicle, Route route, Track track)
+      : vehicle_(std::move(vehicle)), route_(route), track_(std::move(track)) {}
 
   [[nodiscard]] std::optional<double> Distance(double time_s) const override {
-    const Pose pose = route_.At(pace_.Position(time_s));
+    const Pose pose = route_.At(track_.Position(time_s));
     const auto [nearest, farthest] = vehicle_.Reach(pose);
     const double aside = std::fabs(pose.x) - vehicle_.Length();
     if (farthest < kNearest_m || nearest > kFarthest_m || aside > kViewSlope * farthest) {
@@ -36,15 +39,15 @@ class TrafficVehicle : public Actor {
   }
 
   void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
-    const double position = pace_.Position(time_s);
-    const double brakes = pace_.BrakingOrStanding(time_s) ? 1 : 0;
+    const double position = track_.Position(time_s);
+    const double brakes = track_.BrakingOrStanding(time_s) ? 1 : 0;
     vehicle_.Draw(route_.At(position), position, brakes, camera, light, sheet);
   }
 
  private:
   BoxVehicle vehicle_;
   Route route_;
-  Pace pace_;
+  Track track_;
 };
 
 BoxKind AnyKind(Random& random, std::uint32_t of) {
@@ -64,17 +67,15 @@ BoxVehicle Build(BoxKind kind, const Stage& stage, double nearest_m, Random& ran
   return {kind, kTexelsPerPixel * stage.focal / std::max(nearest_m, 1.0), random};
 }
 
-void Add(Actors& actors, BoxVehicle vehicle, const Route& route, const Pace& pace) {
-  actors.push_back(std::make_unique<TrafficVehicle>(std::move(vehicle), route, pace));
+void Add(Actors& actors, BoxVehicle vehicle, const Route& route, const Track& track) {
+  actors.push_back(std::make_unique<TrafficVehicle>(std::move(vehicle), route, track));
 }
-
-double Sign(Random& random) { return random.Below(2) == 0 ? -1 : 1; }
 
 /// A way across the street, whose position is 0 in front of us.
 Route Across(double z, double direction) { return {0, z, 0.25 * direction}; }
 
 /// Such a passage: steady, braking to a halt, or starting from rest near the picture's edge.
-Pace CrossingPace(const Stage& stage, double z, double most, Random& random) {
+Track CrossingTrack(const Stage& stage, double z, double most, Random& random) {
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
   const double edge = stage.HalfWidthAt(z);
   const double speed = random.Uniform(2, most);
@@ -83,14 +84,14 @@ Pace CrossingPace(const Stage& stage, double z, double most, Random& random) {
       const double deceleration = random.Uniform(1, 3.5);
       const double halt = random.Uniform(-0.6, 0.9) * edge;
       const double way = 0.5 * speed * speed / deceleration;
-      Pace pace(halt - way - speed * when, speed);
-      pace.Stop(when, deceleration);
-      return pace;
+      Track track(halt - way - speed * when, speed);
+      track.Stop(when, deceleration);
+      return track;
     }
     case 1: {
-      Pace pace(random.Uniform(-1.3, 0.2) * edge, 0);
-      pace.Start(when, random.Uniform(0.5, 3), speed);
-      return pace;
+      Track track(random.Uniform(-1.3, 0.2) * edge, 0);
+      track.Start(when, random.Uniform(0.5, 3), speed);
+      return track;
     }
     default:
       return {random.Uniform(-0.5, 0.5) * edge - speed * when, speed};
@@ -124,8 +125,8 @@ Actors MakeCrossing(const Stage& stage, Random& random) {
     const double nearest = stage.lead_distance(0) + 7;
     const double z = random.Uniform(nearest, std::max(30.0, nearest + 5));
     BoxVehicle vehicle = Build(AnyKind(random, kAll), stage, z, random);
-    const Route route = Across(z, Sign(random));
-    Add(actors, std::move(vehicle), route, CrossingPace(stage, z, 18, random));
+    const Route route = Across(z, EitherSide(random));
+    Add(actors, std::move(vehicle), route, CrossingTrack(stage, z, 18, random));
   }
   return actors;
 }
@@ -140,8 +141,8 @@ Actors MakeCrossingNear(const Stage& stage, Random& random) {
   const double z = random.Uniform(2.6, std::max(2.7, lead - 1.5));
   const BoxKind kind = AnyKind(random, lead - z > 1.8 ? kNoTram : kShort);
   BoxVehicle vehicle = Build(kind, stage, z - 0.9, random);
-  const Route route = Across(z, Sign(random));
-  Add(actors, std::move(vehicle), route, CrossingPace(stage, z, 8, random));
+  const Route route = Across(z, EitherSide(random));
+  Add(actors, std::move(vehicle), route, CrossingTrack(stage, z, 8, random));
   return actors;
 }
 
@@ -149,7 +150,7 @@ Actors MakeCrossingQueue(const Stage& stage, Random& random) {
   Actors actors;
   const double nearest = stage.lead_distance(0) + 7;
   const double z = random.Uniform(nearest, nearest + 12);
-  const Route route = Across(z, Sign(random));
+  const Route route = Across(z, EitherSide(random));
   const double speed = random.Uniform(2, 12);
   const double edge = stage.HalfWidthAt(z);
   const double first = edge - speed * std::max(0.0, stage.event_s - random.Uniform(0, 4));
@@ -158,9 +159,9 @@ Actors MakeCrossingQueue(const Stage& stage, Random& random) {
   for (std::uint32_t i = 0; i < count; i++) {
     BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, z, random);
     at -= 0.5 * vehicle.Length();
-    const Pace pace(at, speed);
+    const Track track(at, speed);
     at -= 0.5 * vehicle.Length() + random.Uniform(2, 12);
-    Add(actors, std::move(vehicle), route, pace);
+    Add(actors, std::move(vehicle), route, track);
   }
   return actors;
 }
@@ -171,11 +172,11 @@ Actors MakeTurning(const Stage& stage, Random& random) {
   const double corner = stage.lead_distance(0) + 7 + random.Uniform(0, 8) + radius;
   const double speed = random.Uniform(3, 7);
   BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, corner - radius, random);
-  const double side = Sign(random);
+  const double side = EitherSide(random);
   Route route;
   if (random.Below(2) == 0) {
     // From a cross street into ours: away from us, or towards us in the other lane.
-    const double bend = Sign(random) * 0.25;
+    const double bend = EitherSide(random) * 0.25;
     route = {-side * 20, corner, 0.25 * side, 20 - radius + random.Uniform(-4, 1), radius, bend};
   } else {
     // From the lane that leads towards us into a cross street.
@@ -183,7 +184,7 @@ Actors MakeTurning(const Stage& stage, Random& random) {
     route = {lane, corner + 20, 0.5, 20, radius, 0.25 * side};
   }
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
-  Add(actors, std::move(vehicle), route, Pace(20 - speed * when, speed));
+  Add(actors, std::move(vehicle), route, Track(20 - speed * when, speed));
   return actors;
 }
 
@@ -198,7 +199,7 @@ Actors MakeNeighbours(const Stage& stage, Random& random) {
     for (std::uint32_t left = 1 + random.Below(2); left > 0; left--) {
       Neighbour neighbour = MakeNeighbour(stage, side, behind, random);
       behind += neighbour.vehicle.Length() + random.Uniform(1, 3);
-      Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, Pace(0, 0));
+      Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, Track(0, 0));
     }
   }
   return actors;
@@ -206,42 +207,42 @@ Actors MakeNeighbours(const Stage& stage, Random& random) {
 
 Actors MakeNeighbourStarts(const Stage& stage, Random& random) {
   Actors actors;
-  const double side = Sign(random);
+  const double side = EitherSide(random);
   Neighbour neighbour = MakeNeighbour(stage, side, random.Uniform(-3, 4), random);
-  Pace pace(0, 0);
+  Track track(0, 0);
   const double when = stage.event_s + random.Uniform(-2, 2);
   const double acceleration = random.Uniform(0.3, 3);
-  pace.Start(when, acceleration, random.Uniform(5, 14));
-  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, pace);
+  track.Start(when, acceleration, random.Uniform(5, 14));
+  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
   return actors;
 }
 
 Actors MakeNeighbourStops(const Stage& stage, Random& random) {
   Actors actors;
-  const double side = Sign(random);
+  const double side = EitherSide(random);
   Neighbour neighbour = MakeNeighbour(stage, side, random.Uniform(-2, 4), random);
   const double speed = random.Uniform(3, 11);
   const double deceleration = random.Uniform(1, 3.5);
   const double when = stage.event_s + random.Uniform(-1.5, 1.5) - 0.5 * speed / deceleration;
-  Pace pace(-0.5 * speed * speed / deceleration - speed * when, speed);
-  pace.Stop(when, deceleration);
-  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, pace);
+  Track track(-0.5 * speed * speed / deceleration - speed * when, speed);
+  track.Stop(when, deceleration);
+  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
   return actors;
 }
 
 Actors MakeOvertaking(const Stage& stage, Random& random) {
   Actors actors;
-  const double side = Sign(random);
+  const double side = EitherSide(random);
   double when = stage.event_s + random.Uniform(-1.5, 1);
   for (std::uint32_t left = 1 + random.Below(2); left > 0; left--) {
     Neighbour neighbour = MakeNeighbour(stage, side, 0, random);
     const double speed = random.Uniform(2.5, 14);
-    Pace pace(-speed * when, speed);
+    Track track(-speed * when, speed);
     if (random.Below(3) == 0) {
-      pace.Change(when, random.Uniform(0.3, 1.5));
+      track.Accelerate(when, random.Uniform(0.3, 1.5));
     }
     when += (neighbour.vehicle.Length() + random.Uniform(4, 15)) / speed;
-    Add(actors, std::move(neighbour.vehicle), {neighbour.x, 2.5}, pace);
+    Add(actors, std::move(neighbour.vehicle), {neighbour.x, 2.5}, track);
   }
   return actors;
 }
@@ -255,9 +256,9 @@ Actors MakeOncoming(const Stage& stage, Random& random) {
     BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, 3, random);
     const double x = LaneX(stage, side, vehicle.HalfWidth(), random);
     when += 0.5 * vehicle.Length() / speed;
-    const Pace pace(-speed * when, speed);
+    const Track track(-speed * when, speed);
     when += (0.5 * vehicle.Length() + random.Uniform(5, 25)) / speed;
-    Add(actors, std::move(vehicle), {x, 6, 0.5}, pace);
+    Add(actors, std::move(vehicle), {x, 6, 0.5}, track);
   }
   return actors;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/exact_math.h"
+#include "scene/paint/noise.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"
 
@@ -93,8 +94,6 @@ class Blades {
   struct Point {
     double x, y;
   };
-  /// share: of the way up, as time passes evenly.
-  [[nodiscard]] static double Eased(double share) { return share * share * (3 - 2 * share); }
   [[nodiscard]] double Raised(double time_s) const {
     if (time_s < begin_s_) {
       return 0;

@@ -12,6 +12,7 @@
 #include "scene/lane/vehicle.h"
 #include "scene/lane/vehicle_looks.h"
 #include "scene/paint/texture.h"
+#include "scene/recipe/chance.h"
 
 namespace stopngo {
 namespace {
@@ -77,7 +78,7 @@ double DrawTone(const VehicleOptions& options, Random& random) {
 VehicleKind DrawKind(const VehicleOptions& options, Random& random) {
   constexpr std::array<VehicleKind, 3> kCars{VehicleKind::kHatchback, VehicleKind::kSaloon,
                                              VehicleKind::kMinivan};
-  const VehicleKind any = kCars[random.Below(kCars.size())];
+  const VehicleKind any = OneOf(kCars, random);
   return options.kind.value_or(any);
 }
 

@@ -1,12 +1,19 @@
-// track.cpp: stretches of constant jerk, one after the other.
+// track.cpp: stretches of constant jerk, which may be none, one after the other.
 #include "scene/motion/track.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace stopngo {
+namespace {
 
-Track::Track(const MotionOptions& motion) : phases_{{0, 0, motion.speed, 0, 0}} {
+constexpr double kBuildUp_s = 0.5;
+constexpr int kSteps = 5;  // in which an acceleration builds up
+
+}  // namespace
+
+Track::Track(const MotionOptions& motion) : Track(0, motion.speed) {
   for (const SpeedChange& change : motion.changes) {
     Change(change);
   }
@@ -31,6 +38,28 @@ void Track::Change(const SpeedChange& change) {
   phases_.back().acceleration = 0;
 }
 
+void Track::Accelerate(double start_s, double acceleration) {
+  Phase phase = After(phases_.back(), start_s - phases_.back().begin_s, 0);
+  phase.begin_s = start_s;
+  phase.acceleration = acceleration;
+  phases_.push_back(phase);
+}
+
+void Track::Start(double start_s, double acceleration, double speed) {
+  for (int step = 1; step <= kSteps; step++) {
+    Accelerate(start_s + (step - 1) * kBuildUp_s / kSteps, acceleration * step / kSteps);
+  }
+  const Phase& full = phases_.back();
+  Accelerate(full.begin_s + std::max(0.0, speed - full.speed) / acceleration, 0);
+}
+
+void Track::Stop(double start_s, double deceleration) {
+  Accelerate(start_s, -deceleration);
+  const Phase& phase = phases_.back();
+  Accelerate(phase.begin_s + phase.speed / deceleration, 0);
+  phases_.back().speed = 0;  // exactly, where a rounding error would let it creep
+}
+
 Track::Phase Track::After(const Phase& phase, double t, double jerk) {
   return {phase.begin_s + t,
           phase.position + t * (phase.speed + t * (phase.acceleration / 2 + t * phase.jerk / 6)),
@@ -52,6 +81,11 @@ double Track::Position(double time_s) const {
 double Track::Speed(double time_s) const {
   const Phase& phase = At(time_s);
   return After(phase, time_s - phase.begin_s, 0).speed;
+}
+
+bool Track::BrakingOrStanding(double time_s) const {
+  const Phase& phase = At(time_s);
+  return phase.acceleration < 0 || (phase.speed == 0 && phase.acceleration == 0);
 }
 
 std::vector<Span> Track::Moving(double end_s) const {

@@ -15,14 +15,21 @@ inline float LatticeValue(std::int32_t x, std::int32_t y, std::uint32_t seed) {
   return static_cast<float>(Mix32(ux * 0x8da6b343U ^ uy * 0xd8163841U ^ seed) >> 8) * 0x1p-24F;
 }
 
+/// How far a value lies beyond the lattice point below it.
+inline float Fraction(float value) { return value - static_cast<float>(FloorToInt(value)); }
+
+/// 0 … 1 with a share, without corners at its ends.
+template <typename Number>
+Number Eased(Number share) {
+  return share * share * (3 - 2 * share);
+}
+
 /// Smooth noise with one lattice point a unit, -1 … 1.
 inline float ValueNoise(float x, float y, std::uint32_t seed) {
   const std::int32_t ix = FloorToInt(x);
   const std::int32_t iy = FloorToInt(y);
-  const float fx = x - static_cast<float>(ix);
-  const float fy = y - static_cast<float>(iy);
-  const float sx = fx * fx * (3 - 2 * fx);
-  const float sy = fy * fy * (3 - 2 * fy);
+  const float sx = Eased(x - static_cast<float>(ix));
+  const float sy = Eased(y - static_cast<float>(iy));
   const float v00 = LatticeValue(ix, iy, seed);
   const float v10 = LatticeValue(ix + 1, iy, seed);
   const float v01 = LatticeValue(ix, iy + 1, seed);

@@ -1,9 +1,11 @@
 // driving.cpp: drawing how our own vehicle drives.
+#include "scene/script/driving.h"
+
 #include <algorithm>
 #include <array>
 
-#include "base/random.h"
 #include "scene/motion/track.h"
+#include "scene/recipe/chance.h"
 #include "scene/script/events.h"
 
 namespace stopngo {
@@ -124,7 +126,7 @@ void AddDriving(SceneOptions& scene, Random& random) {
   using Manner = void (*)(SceneOptions&, Random&);
   constexpr std::array<Manner, 8> kManners{Approach,    Approach, Follow,  Follow,
                                            DriveFreely, TurnOff,  Shuffle, StartTogether};
-  kManners[random.Below(kManners.size())](scene, random);
+  OneOf(kManners, random)(scene, random);
 }
 
 }  // namespace stopngo

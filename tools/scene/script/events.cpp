@@ -5,6 +5,7 @@
 #include <array>
 
 #include "scene/motion/track.h"
+#include "scene/recipe/chance.h"
 #include "scene/recipe/kinds.h"
 
 namespace stopngo {
@@ -15,7 +16,7 @@ constexpr double kNoticed = 0.1;
 constexpr double kNoticed_s = 2.2;
 
 void AddActor(SceneOptions& scene, std::span<const ActorKind> kinds, double at_s, Random& random) {
-  const ActorKind kind = kinds[random.Below(static_cast<std::uint32_t>(kinds.size()))];
+  const ActorKind kind = OneOf(kinds, random);
   scene.actors.push_back({kind, random.Next(), at_s});
 }
 
@@ -111,7 +112,7 @@ void AddWipers(SceneOptions& scene, double at_s, Random& random) {
 
 void AddRain(SceneOptions& scene, double at_s, Random& random) {
   constexpr std::array<OverlayKind, 3> kKinds{OverlayKind::kRain, OverlayKind::kDrops, OverlayKind::kSnow};
-  AddOverlay(scene, kKinds[random.Below(kKinds.size())], at_s, random);
+  AddOverlay(scene, OneOf(kKinds, random), at_s, random);
   scene.light.wet = std::max(scene.light.wet, 0.4F);
 }
 

@@ -6,7 +6,10 @@
 
 #include "base/random.h"
 #include "base/streams.h"
+#include "scene/recipe/chance.h"
+#include "scene/script/driving.h"
 #include "scene/script/events.h"
+#include "scene/script/setting.h"
 
 namespace stopngo {
 namespace {
@@ -33,6 +36,12 @@ void Distract(SceneOptions& scene, Random& random) {
   const std::uint32_t times = 1 + random.Below(3);
   for (std::uint32_t i = 0; i < times; i++) {
     kDistractor(scene, SomeTime(scene, random), random);
+  }
+}
+
+void DistractOften(SceneOptions& scene, std::span<const Distractor> by, std::uint32_t times, Random& random) {
+  for (std::uint32_t i = 0; i < times; i++) {
+    OneOf(by, random)(scene, SomeTime(scene, random), random);
   }
 }
 
@@ -66,12 +75,7 @@ void Drive(SceneOptions& scene, Random& random) { AddDriving(scene, random); }
 void Empty(SceneOptions& scene, Random& random) {
   scene.lead_present = false;
   scene.others.clear();
-  const auto distractors = Distractors();
-  const std::uint32_t times = 1 + random.Below(4);
-  for (std::uint32_t i = 0; i < times; i++) {
-    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, SomeTime(scene, random),
-                                                                              random);
-  }
+  DistractOften(scene, Distractors(), 1 + random.Below(4), random);
 }
 
 /// A departure, with one to three things before it and none to two during it. Nothing passes close before
@@ -81,17 +85,14 @@ void Mix(SceneOptions& scene, Random& random) {
   AddDeparture(scene, start_s, random);
   const auto distractors = Distractors();
   const auto harmless = distractors.subspan(kHidingDistractors);
-  const auto any = [&random](std::span<const Distractor> from) {
-    return from[random.Below(static_cast<std::uint32_t>(from.size()))];
-  };
   const std::uint32_t before = 1 + random.Below(3);
   const std::uint32_t during = random.Below(3);
   for (std::uint32_t i = 0; i < before; i++) {
-    const Distractor distract = any(distractors);
+    const Distractor distract = OneOf(distractors, random);
     distract(scene, random.Uniform(0.3, start_s - 2), random);
   }
   for (std::uint32_t i = 0; i < during; i++) {
-    const Distractor distract = any(harmless);
+    const Distractor distract = OneOf(harmless, random);
     distract(scene, start_s + random.Uniform(-0.5, 2.5), random);
   }
 }
@@ -108,12 +109,8 @@ void LookFromAbove(SceneOptions& scene, Random& random) {
   scene.region = {};
   scene.region.shift_x = static_cast<int>(random.Below(401)) - 200;
   scene.region.shift_y = static_cast<int>(random.Below(281)) - 200;
-  const std::array distractors{AddCrossing, AddPedestrians, AddNeighbours, AddExposure};
-  const std::uint32_t times = 2 + random.Below(4);
-  for (std::uint32_t i = 0; i < times; i++) {
-    distractors[random.Below(static_cast<std::uint32_t>(distractors.size()))](scene, SomeTime(scene, random),
-                                                                              random);
-  }
+  constexpr std::array<Distractor, 4> kSeen{AddCrossing, AddPedestrians, AddNeighbours, AddExposure};
+  DistractOften(scene, kSeen, 2 + random.Below(4), random);
 }
 
 struct Script {

@@ -1,11 +1,13 @@
 // setting.cpp: drawing the setting of a scene: light, street, camera, sensor, the vehicle ahead.
+#include "scene/script/setting.h"
+
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "base/random.h"
+#include "scene/recipe/chance.h"
 #include "scene/recipe/kinds.h"
-#include "scene/script/events.h"
+#include "scene/recipe/light.h"
 
 namespace stopngo {
 namespace {
@@ -14,9 +16,7 @@ constexpr double kLeastWidth_px = 130;  // of a rear in 800 columns: a smaller o
 
 void DrawLight(SceneOptions& scene, Random& random) {
   Light& light = scene.light;
-  const auto number = [&random](double low, double high) {
-    return static_cast<float>(random.Uniform(low, high));
-  };
+  const auto number = [&random](double low, double high) { return UniformFloat(random, low, high); };
   const double time = random.Uniform(0, 1);
   const bool wet = Chance(random, 0.3);
   if (time < 0.6) {
@@ -40,7 +40,7 @@ void DrawWorld(SceneOptions& scene, Random& random) {
   constexpr std::array<Style, 10> kStyles{Style::kStreet,   Style::kStreet, Style::kStreet, Style::kStreet,
                                           Style::kStreet,   Style::kOpen,   Style::kOpen,   Style::kWall,
                                           Style::kMotorway, Style::kTunnel};
-  scene.world.style = kStyles[random.Below(kStyles.size())];
+  scene.world.style = OneOf(kStyles, random);
   scene.world.street_end_m = LogUniform(random, 40, 150);
   scene.world.contrast = random.Uniform(0.6, 1.4);
   scene.world.brightness = random.Uniform(-25, 25);
@@ -90,7 +90,7 @@ VehicleKind DrawKind(Random& random) {
       VehicleKind::kSaloon,    VehicleKind::kMinivan,   VehicleKind::kMinivan,     VehicleKind::kOffRoad,
       VehicleKind::kOffRoad,   VehicleKind::kOffRoad,   VehicleKind::kTransporter, VehicleKind::kTransporter,
       VehicleKind::kLorry,     VehicleKind::kLorry,     VehicleKind::kBus,         VehicleKind::kMotorcycle};
-  return kKinds[random.Below(kKinds.size())];
+  return OneOf(kKinds, random);
 }
 
 /// A vehicle that waits, at no place yet.
@@ -135,25 +135,6 @@ void DrawRegion(SceneOptions& scene, Random& random) {
 }
 
 }  // namespace
-
-double LogUniform(Random& random, double low, double high) {
-  // Between its ends by repeated square roots: no logarithm gives the same bits everywhere. Twelve halvings
-  // leave steps too small to notice.
-  double share = random.Uniform(0, 1);
-  double from = low;
-  double to = high;
-  for (int i = 0; i < 12; i++) {
-    const double middle = std::sqrt(from * to);
-    share *= 2;
-    if (share < 1) {
-      to = middle;
-    } else {
-      from = middle;
-      share -= 1;
-    }
-  }
-  return from + (to - from) * share;
-}
 
 void DrawSetting(SceneOptions& scene, Random& random) {
   scene.length_s = random.Uniform(10, 20);

@@ -8,6 +8,7 @@
 #include "base/exact_math.h"
 #include "base/streams.h"
 #include "scene/paint/noise.h"
+#include "scene/recipe/chance.h"
 
 namespace stopngo {
 namespace {
@@ -15,16 +16,13 @@ namespace {
 constexpr float kKerbHeight = 0.12F;
 constexpr float kHazeTone = 190;
 constexpr float kHazeDistance = 450;  // at which half of the light is haze
-constexpr float kNowhere = 1e9F;
-constexpr float kLampGap = 28;  // between street lamps
+constexpr float kLampGap = 28;        // between street lamps
 constexpr float kCeiling = 5.2F;
 
 }  // namespace
 
 World::Profile World::ProfileOf(WorldOptions::Style style, Random& random) {
-  const auto number = [&random](double low, double high) {
-    return static_cast<float>(random.Uniform(low, high));
-  };
+  const auto number = [&random](double low, double high) { return UniformFloat(random, low, high); };
   const auto lanes = static_cast<float>(random.Below(3));
   const float left_pavement = number(1.5, 6);
   const float right_pavement = number(1.5, 6);
@@ -59,11 +57,11 @@ World::World(const WorldOptions& options, const Light& light, double camera_heig
   Random random = RandomOf(seed, stream::kWorld);
   seed_ = static_cast<std::uint32_t>(random.Next());
   profile_ = ProfileOf(options.style, random);
-  sun_edge_ = static_cast<float>(random.Uniform(-6, 14));
-  pool_phase_ = static_cast<float>(random.Uniform(0, 28));
-  sky_bright_ = static_cast<float>(random.Uniform(170, 232));
-  sky_fall_ = static_cast<float>(random.Uniform(20, 120));
-  clouds_ = static_cast<float>(random.Uniform(2, 16));
+  sun_edge_ = UniformFloat(random, -6, 14);
+  pool_phase_ = UniformFloat(random, 0, 28);
+  sky_bright_ = UniformFloat(random, 170, 232);
+  sky_fall_ = UniformFloat(random, 20, 120);
+  clouds_ = UniformFloat(random, 2, 16);
   BuildHouses(random);
   BuildUprights(random);
 }
@@ -75,11 +73,11 @@ void World::BuildHouses(Random& random) {
   const auto row = [&random](float from, float to, double least, double most) {
     std::vector<House> houses;
     for (float at = from; at < to;) {
-      const auto length = static_cast<float>(random.Uniform(7, 22));
-      const auto height = static_cast<float>(random.Uniform(least, most));
-      const auto tone = static_cast<float>(random.Uniform(60, 190));
-      const auto floor_height = static_cast<float>(random.Uniform(2.7, 3.6));
-      const auto bay_width = static_cast<float>(random.Uniform(1.6, 3.6));
+      const auto length = UniformFloat(random, 7, 22);
+      const auto height = UniformFloat(random, least, most);
+      const auto tone = UniformFloat(random, 60, 190);
+      const auto floor_height = UniformFloat(random, 2.7, 3.6);
+      const auto bay_width = UniformFloat(random, 1.6, 3.6);
       houses.push_back({at, at + length, height, tone, floor_height, bay_width,
                         static_cast<std::uint32_t>(random.Next())});
       at += length;
@@ -92,9 +90,7 @@ void World::BuildHouses(Random& random) {
 }
 
 void World::BuildUprights(Random& random) {
-  const auto number = [&random](double low, double high) {
-    return static_cast<float>(random.Uniform(low, high));
-  };
+  const auto number = [&random](double low, double high) { return UniformFloat(random, low, high); };
   const auto add = [&](Upright::Kind kind, float x, float z, float height, float width) {
     uprights_.push_back({kind, x, z, height, width, static_cast<std::uint32_t>(random.Next())});
   };
@@ -138,7 +134,7 @@ float World::Seen(const Hit& hit, float across) const {
   if (light_.street > 0 && hit.y < 6) {
     const float from = hit.z - pool_phase_ + 1000 * kLampGap;
     const float phase = from / kLampGap;
-    const float off = (phase - static_cast<float>(FloorToInt(phase)) - 0.5F) * kLampGap / 7;
+    const float off = (Fraction(phase) - 0.5F) * kLampGap / 7;
     factor += light_.street / (1 + off * off);
   }
   const float haze = hit.distance / (hit.distance + kHazeDistance);
@@ -195,43 +191,44 @@ World::Hit World::Houses(const Ray& ray) const {
   if (ray.z > 0.01F && !far_.empty()) {
     return Front(ray, (end_ - ray.from_z) / ray.z, false);
   }
-  return {kNowhere, 0, 0, 0, 0};
+  return Nothing();
+}
+
+World::Hit World::Reached(const Ray& ray, float distance) const {
+  return {distance, 0, ray.from_x + distance * ray.x, camera_height_ + distance * ray.y,
+          ray.from_z + distance * ray.z};
 }
 
 World::Hit World::Front(const Ray& ray, float distance, bool side) const {
-  const Hit nothing{kNowhere, 0, 0, 0, 0};
-  const float x = ray.from_x + distance * ray.x;
-  const float y = camera_height_ + distance * ray.y;
-  const float z = ray.from_z + distance * ray.z;
-  if (distance < 0 || y < 0 || (side && z > end_)) return nothing;
+  Hit hit = Reached(ray, distance);
+  if (distance < 0 || hit.y < 0 || (side && hit.z > end_)) return Nothing();
   if (options_.style == WorldOptions::Style::kWall || options_.style == WorldOptions::Style::kTunnel) {
     return Wall(ray, distance, side);
   }
   const auto& houses = !side ? far_ : (ray.x < 0 ? left_ : right_);
-  const float along = side ? z : x;
+  const float along = side ? hit.z : hit.x;
   const auto house = std::find_if(houses.begin(), houses.end(),
                                   [along](const House& candidate) { return along < candidate.end; });
-  if (house == houses.end() || along < house->begin || y > house->height) return nothing;
-  Hit hit{distance, 0, x, y, z};
+  if (house == houses.end() || along < house->begin || hit.y > house->height) return Nothing();
   const float light = !side ? 0.85F : (ray.x < 0 ? 1.05F : 0.72F);
-  hit.tone = Facade(*house, along - house->begin, y, light, hit.glow);
+  hit.tone = Facade(*house, along - house->begin, hit.y, light, hit.glow);
   return hit;
 }
 
 World::Hit World::Ceiling(const Ray& ray) const {
-  if (ray.y <= 0.001F) return {kNowhere, 0, 0, 0, 0};
+  if (ray.y <= 0.001F) return Nothing();
   const float distance = (kCeiling - camera_height_) / ray.y;
   const float x = ray.from_x + distance * ray.x;
   const float z = ray.from_z + distance * ray.z;
   const float across = std::fabs(x + 1.7F) - 1.6F;
-  const float along = z / 6 - static_cast<float>(FloorToInt(z / 6));
+  const float along = Fraction(z / 6);
   const bool lamp = std::fabs(across) < 0.15F && along < 0.5F;
   return {distance, 70 + 6 * ValueNoise(x, z, seed_ + 14), x, kCeiling, z, lamp ? 150.0F : 0.0F};
 }
 
 World::Hit World::Ground(const Ray& ray) const {
   if (ray.y > -camera_height_ / (reach_ + 30)) {
-    return {kNowhere, 0, 0, 0, 0};  // behind the last houses
+    return Nothing();  // behind the last houses
   }
   const auto off_road = [this](float x) { return x < profile_.left_kerb || x > profile_.right_kerb; };
   const auto at = [&ray](float distance) {

@@ -21,9 +21,9 @@ class World {
         double travel_m, std::uint64_t seed);
   /// The light from a direction: metres across and up for each metre ahead along the camera's axis.
   [[nodiscard]] float Shade(const Camera& camera, float across, float up) const;
-  /// A row of the picture, with 2 × 1 rays a pixel when fine, else with one at a part of the pixel that
-  /// phase, 0 … 3, chooses.
+  /// A row of the picture, of one ray a pixel.
   void Row(const Camera& camera, int row, std::span<float> light) const;
+  /// Adds a quarter of one, whose rays pass through the part of a pixel that phase, 0 … 3, chooses.
   void RowPart(const Camera& camera, int row, int phase, std::span<float> light) const;
 
  private:
@@ -60,10 +60,14 @@ class World {
     float x, y, z;
     float glow = 0;
   };
+  static constexpr float kNowhere = 1e9F;
+  static Hit Nothing() { return {kNowhere, 0, 0, 0, 0}; }
 
   static Profile ProfileOf(WorldOptions::Style style, Random& random);
   void BuildHouses(Random& random);
   void BuildUprights(Random& random);
+  /// The place that a ray has reached at a distance.
+  [[nodiscard]] Hit Reached(const Ray& ray, float distance) const;
   [[nodiscard]] float Sky(const Ray& ray) const;
   [[nodiscard]] Hit Houses(const Ray& ray) const;
   [[nodiscard]] Hit Front(const Ray& ray, float distance, bool side) const;

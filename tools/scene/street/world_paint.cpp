@@ -14,8 +14,6 @@ constexpr float kEdgeLine = 1.65F;
 
 bool Within(float value, float low, float high) { return value >= low && value < high; }
 
-float Fraction(float value) { return value - static_cast<float>(FloorToInt(value)); }
-
 /// 1 at the middle of a band, a half at its width, falling off slowly.
 float Band(float distance, float width) {
   const float relative = distance / width;
@@ -64,14 +62,13 @@ float World::Facade(const House& house, float along, float y, float light, float
 
 /// Concrete with joints, ribs and stains: a bridge, a car park, a tunnel's lining, a noise barrier.
 World::Hit World::Wall(const Ray& ray, float distance, bool side) const {
-  const float x = ray.from_x + distance * ray.x;
-  const float y = camera_height_ + distance * ray.y;
-  const float z = ray.from_z + distance * ray.z;
-  const float along = side ? z : x;
+  Hit hit = Reached(ray, distance);
+  const float y = hit.y;
+  const float along = side ? hit.z : hit.x;
   const float height = 2.2F + 6 * LatticeValue(side ? 1 : 0, ray.x < 0 ? 1 : 0, seed_ + 17);
   const bool tunnel = options_.style == WorldOptions::Style::kTunnel;
   if (!tunnel && y > height) {
-    return {1e9F, 0, 0, 0, 0};
+    return Nothing();
   }
   const float base = 70 + 90 * LatticeValue(side ? 1 : 0, ray.x < 0 ? 3 : 2, seed_ + 18);
   const float joint = Fraction(along / 2.5F) < 0.02F || Fraction(y / 1.2F) < 0.025F ? -28.0F : 0.0F;
@@ -80,8 +77,9 @@ World::Hit World::Wall(const Ray& ray, float distance, bool side) const {
   const bool poster = LatticeValue(FloorToInt(along / 3), 7, seed_ + 21) < 0.15F && Within(y, 0.8F, 2.0F);
   const float print = poster ? 60 * LatticeValue(FloorToInt(along * 5), FloorToInt(y * 6), seed_ + 22) : 0.0F;
   // The portal of a tunnel's end lets daylight in.
-  const float glow = tunnel && !side ? 120.0F : 0.0F;
-  return {distance, base + joint + stain + print, x, y, z, glow};
+  hit.glow = tunnel && !side ? 120.0F : 0.0F;
+  hit.tone = base + joint + stain + print;
+  return hit;
 }
 
 float World::Wear(float x, float z) const {
