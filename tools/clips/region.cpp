@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "scene/lane/lane.h"
+#include "scene/lane/lane_vehicle.h"
 #include "scene/motion/ego_path.h"
 
 namespace stopngo {
@@ -56,7 +56,7 @@ Region SuggestedRegion(const SceneOptions& options) {
     const double time_s = NearestTime(options, lead);
     Camera camera = WaitingCamera(options);
     EgoPath(options.ego, options.ego_turning, options.length_s).Place(camera, time_s);
-    const VehicleView view(lead.Look(), camera, lead.At(time_s), options.light);
+    const RearView view(lead.Look(), camera, lead.At(time_s), options.light);
     const double across = static_cast<double>(kPictureWidth) / options.width;
     const double down = static_cast<double>(kPictureHeight) / options.height;
     // Keeps a stretch where it is when it lies between the limits, else takes it to a share of their way.

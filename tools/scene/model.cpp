@@ -92,7 +92,6 @@ Stage SceneModel::MakeStage(double event_s) const {
   stage.window_x = part.x;
   stage.window_y = part.y;
   stage.focal = camera_.focal;
-  stage.camera_height_m = camera_.height_m;
   stage.length_s = options.length_s;
   stage.event_s = event_s;
   stage.night = options.light.Night();
@@ -178,7 +177,7 @@ std::vector<SceneModel::Item> SceneModel::Items(double time_s, const Camera& cam
 void SceneModel::DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Offset shake) {
   const LaneVehicle& vehicle = lane[index];
   const VehicleState state = vehicle.At(time_s);
-  VehicleView view(vehicle.Look(), shaken, state, options.light);
+  RearView view(vehicle.Look(), shaken, state, options.light);
   if (!view.Visible()) {
     return;
   }
@@ -186,7 +185,7 @@ void SceneModel::DrawVehicle(std::size_t index, double time_s, const Camera& sha
   if (kept) {
     DrawCutout(still_->vehicles[index], shake,
                [this, &vehicle, &state](const Camera& camera, int row, std::span<float> light) {
-                 VehicleView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
+                 RearView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
                });
   }
   for (int row = 0; row < part.height; row++) {

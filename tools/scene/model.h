@@ -9,7 +9,7 @@
 
 #include "base/label.h"
 #include "scene/actors/actor.h"
-#include "scene/lane/lane.h"
+#include "scene/lane/lane_vehicle.h"
 #include "scene/lens/coder.h"
 #include "scene/lens/sensor.h"
 #include "scene/lens/shake.h"

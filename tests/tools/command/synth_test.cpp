@@ -17,7 +17,7 @@
 
 #include "clips/region.h"
 #include "host/file.h"
-#include "scene/lane/lane.h"
+#include "scene/lane/lane_vehicle.h"
 #include "scene/lens/sensor.h"
 #include "scene/scene.h"
 #include "scene/script/script.h"

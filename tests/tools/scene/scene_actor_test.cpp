@@ -8,7 +8,7 @@
 
 #include "base/random.h"
 #include "scene/actors/actor.h"
-#include "scene/actors/box.h"
+#include "scene/actors/box_vehicle.h"
 #include "scene/actors/cast.h"
 #include "scene/motion/route.h"
 #include "scene/motion/track.h"

@@ -37,7 +37,6 @@ struct Stage {
   int window_x = 0;  ///< of the part that is rendered
   int window_y = 0;
   double focal = 720;  ///< pixels
-  double camera_height_m = 1.3;
   double length_s = 12;
   double event_s = 5;        ///< a moment that passing things should be in view at, roughly
   bool lead_present = true;  ///< if not, what follows is of the place that is left free for one

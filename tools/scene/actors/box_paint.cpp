@@ -1,4 +1,6 @@
 // box_paint.cpp: what the vehicles in traffic look like from the side, from behind and from ahead.
+#include "scene/actors/box_paint.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,7 +9,6 @@
 
 #include "base/exact_math.h"
 #include "base/random.h"
-#include "scene/actors/box.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/texture.h"
 

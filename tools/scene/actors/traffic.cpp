@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "scene/actors/box.h"
+#include "scene/actors/box_vehicle.h"
 #include "scene/actors/figure.h"
 #include "scene/motion/route.h"
 #include "scene/motion/track.h"

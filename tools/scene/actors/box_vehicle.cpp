@@ -1,12 +1,14 @@
-// box.cpp: drawing a vehicle's visible faces, its wheels, its shadow and its lamps.
-#include "scene/actors/box.h"
+// box_vehicle.cpp: drawing a vehicle's visible faces, its wheels, its shadow and its lamps.
+#include "scene/actors/box_vehicle.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "base/exact_math.h"
+#include "scene/paint/panel.h"
 #include "scene/paint/stroke.h"
 #include "scene/space/projection.h"
+#include "scene/space/vector.h"
 
 namespace stopngo {
 namespace {

@@ -1,16 +1,15 @@
-// vehicle_paint.cpp: painting the rear of a vehicle.
+// rear.cpp: painting the rear of a vehicle.
+#include "scene/lane/rear.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <utility>
-#include <vector>
 
 #include "base/random.h"
 #include "base/streams.h"
-#include "scene/lane/vehicle.h"
-#include "scene/lane/vehicle_looks.h"
+#include "scene/lane/rear_looks.h"
 #include "scene/paint/texture.h"
 #include "scene/recipe/chance.h"
 
@@ -30,9 +29,8 @@ Shape Scaled(Shape shape, double across, double up) {
   return shape;
 }
 
-void PaintParts(Texture& texture, const std::vector<VehiclePart>& parts, double across, double up,
-                double body) {
-  for (const VehiclePart& part : parts) {
+void PaintParts(Texture& texture, const std::vector<RearPart>& parts, double across, double up, double body) {
+  for (const RearPart& part : parts) {
     Shape shape = Scaled(part.shape, across, up);
     if (part.body) {
       shape.tone_bottom = std::clamp(shape.tone_bottom + body, 18.0, 228.0);
@@ -44,10 +42,9 @@ void PaintParts(Texture& texture, const std::vector<VehiclePart>& parts, double 
 }
 
 /// Painted lamps come in pairs, and the outer quarter of a bright one blinks; one in the middle only brakes.
-void AddLamps(std::vector<VehicleLamp>& lamps, const std::vector<VehiclePart>& parts, double across,
-              double up) {
-  using Role = VehicleLamp::Role;
-  for (const VehiclePart& part : parts) {
+void AddLamps(std::vector<RearLamp>& lamps, const std::vector<RearPart>& parts, double across, double up) {
+  using Role = RearLamp::Role;
+  for (const RearPart& part : parts) {
     if (part.shape.lamp <= 0) {
       continue;
     }
@@ -103,11 +100,11 @@ void PaintPlate(Texture& texture, double low, Random& random) {
 
 }  // namespace
 
-Vehicle BuildVehicle(const VehicleOptions& options, double texels_per_metre, double most_texels,
-                     std::uint64_t seed) {
+Rear PaintRear(const VehicleOptions& options, double texels_per_metre, double most_texels,
+               std::uint64_t seed) {
   Random random = RandomOf(seed, stream::kPaint);
-  const VehicleVariant& variant = VariantOf(DrawKind(options, random));
-  const VehicleLook& look = variant.look;
+  const RearVariant& variant = VariantOf(DrawKind(options, random));
+  const RearLook& look = variant.look;
   const double half_width = random.Uniform(variant.least_half, variant.most_half);
   const double across = half_width / look.outline[2].half_width;
   const double up = random.Uniform(variant.least_up, variant.most_up);
@@ -125,18 +122,18 @@ Vehicle BuildVehicle(const VehicleOptions& options, double texels_per_metre, dou
   }
   const double margin = variant.car ? 0.04 : 0.25;
   const double area = 2 * (widest + margin) * outline.back().height;
-  Texture rear(widest + margin, outline.back().height + 0.03,
-               std::min(texels_per_metre, std::sqrt(most_texels / area)));
-  if (variant.car) PaintParts(rear, PartsUnderCars(), across, up, body);
-  rear.Fill(outline, 0.86 * body, std::min(1.08 * body, 232.0));
-  PaintParts(rear, look.parts, across, up, body);
-  if (variant.car) PaintParts(rear, LowerPartsOfCars(), across, up, body);
-  if (variant.plate > 0) PaintPlate(rear, variant.plate * up, random);
-  rear.Roughen(options.dirt, static_cast<std::uint32_t>(random.Next()));
-  rear.Seal();
-  std::vector<VehicleLamp> lamps;
+  Texture texture(widest + margin, outline.back().height + 0.03,
+                  std::min(texels_per_metre, std::sqrt(most_texels / area)));
+  if (variant.car) PaintParts(texture, PartsUnderCars(), across, up, body);
+  texture.Fill(outline, 0.86 * body, std::min(1.08 * body, 232.0));
+  PaintParts(texture, look.parts, across, up, body);
+  if (variant.car) PaintParts(texture, LowerPartsOfCars(), across, up, body);
+  if (variant.plate > 0) PaintPlate(texture, variant.plate * up, random);
+  texture.Roughen(options.dirt, static_cast<std::uint32_t>(random.Next()));
+  texture.Seal();
+  std::vector<RearLamp> lamps;
   AddLamps(lamps, look.parts, across, up);
-  return {widest, variant.length, body, std::move(profile), std::move(rear), std::move(lamps)};
+  return {widest, variant.length, body, std::move(profile), std::move(texture), std::move(lamps)};
 }
 
 }  // namespace stopngo

@@ -1,5 +1,5 @@
-// vehicle.cpp: drawing a vehicle's rear, its shadow and its lamps at any distance.
-#include "scene/lane/vehicle.h"
+// rear_view.cpp: drawing a vehicle's rear, its shadow and its lamps at any distance.
+#include "scene/lane/rear_view.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,16 +17,27 @@ double Ramp(double value, double low, double high) {
   return std::clamp((value - low) / (high - low), 0.0, 1.0);
 }
 
+struct Columns {
+  std::size_t first, end;
+};
+
+/// The columns of a row from one to before another, as far as it has them.
+Columns Within(std::span<float> light, double first, double end) {
+  const auto whole = [width = static_cast<double>(light.size())](double column) {
+    return static_cast<std::size_t>(std::clamp(column, 0.0, width));
+  };
+  return {whole(first), whole(end)};
+}
+
 }  // namespace
 
-VehicleView::VehicleView(const Vehicle& vehicle, const Camera& camera, const VehicleState& state,
-                         const Light& light)
-    : vehicle_(vehicle), camera_(camera), state_(state), light_(light), across_(0), distance_(0), centre_(0) {
+RearView::RearView(const Rear& rear, const Camera& camera, const VehicleState& state, const Light& light)
+    : rear_(rear), camera_(camera), state_(state), light_(light), across_(0), distance_(0), centre_(0) {
   const Place place = PlaceOf(camera, state.x, state.z);
   across_ = place.across;
   distance_ = std::max(place.ahead, 0.1);
   centre_ = camera_.centre_x + across_ * camera_.focal / distance_;
-  for (const ProfilePoint& point : vehicle.profile) {
+  for (const ProfilePoint& point : rear.profile) {
     const double away = distance_ + point.depth;
     // The wheels stay on the road while the body rocks.
     const double height = point.height + state.lift * Ramp(point.height, 0.1, 0.3);
@@ -37,7 +48,7 @@ VehicleView::VehicleView(const Vehicle& vehicle, const Camera& camera, const Veh
 
 // Between two knots the surface is a straight line from (height, distance) to (height, distance), which
 // the ray through the row meets at a share of its length.
-VehicleView::Knot VehicleView::At(double row) const {
+RearView::Knot RearView::At(double row) const {
   const auto above =
       std::find_if(knots_.begin() + 1, knots_.end() - 1, [row](const Knot& k) { return k.row <= row; });
   const Knot& high = *above;
@@ -51,7 +62,7 @@ VehicleView::Knot VehicleView::At(double row) const {
           low.distance + share * (high.distance - low.distance)};
 }
 
-void VehicleView::DrawShadow(int row, std::span<float> light) const {
+void RearView::DrawShadow(int row, std::span<float> light) const {
   const double slope = (row + 0.5 - camera_.horizon) / camera_.focal;
   if (slope <= 0) {
     return;
@@ -60,45 +71,44 @@ void VehicleView::DrawShadow(int row, std::span<float> light) const {
   // Far away a row of pixels spans metres of road, and the edge must not be sharper than that.
   const double edge = std::max(kShadowEdge_m, z * z / (camera_.height_m * camera_.focal));
   const double depth = kShadowDepth * Ramp(z, distance_ - 0.5 * edge, distance_ + 0.5 * edge) *
-                       (1 - Ramp(z, distance_ + vehicle_.length, distance_ + vehicle_.length + edge));
+                       (1 - Ramp(z, distance_ + rear_.length, distance_ + rear_.length + edge));
   if (depth <= 0) {
     return;
   }
   const double scale = camera_.focal / z;
   const double middle = camera_.centre_x + across_ * scale;
-  const double half = (vehicle_.half_width + 0.5 * kShadowEdge_m) * scale;
-  const auto width = static_cast<double>(light.size());
-  const auto end = static_cast<std::size_t>(std::clamp(middle + half + 1, 0.0, width));
-  for (auto x = static_cast<std::size_t>(std::clamp(middle - half, 0.0, width)); x < end; x++) {
+  const double half = (rear_.half_width + 0.5 * kShadowEdge_m) * scale;
+  const auto [first, end] = Within(light, middle - half, middle + half + 1);
+  for (std::size_t x = first; x < end; x++) {
     const double inside = half - std::fabs(static_cast<double>(x) + 0.5 - middle);
     const double dark = depth * Ramp(inside, 0, std::max(1.0, kShadowEdge_m * scale));
     light[x] = static_cast<float>(light[x] - (light[x] - kBlack) * dark);
   }
 }
 
-void VehicleView::DrawRow(int row, std::span<float> light) {
+void RearView::DrawRow(int row, std::span<float> light) {
   DrawShadow(row, light);
   const double upper = std::clamp<double>(row, Top(), Bottom());
   const double lower = std::clamp<double>(row + 1.0, Top(), Bottom());
   if (lower <= upper) {
     return;
   }
-  const Texture& rear = vehicle_.rear;
+  const Texture& texture = rear_.texture;
   const Knot middle_knot = At(0.5 * (upper + lower));
   const double scale = camera_.focal / middle_knot.distance;  // pixels a metre
-  const double low = At(lower).height * rear.TexelsPerMetre();
-  const double high = At(upper).height * rear.TexelsPerMetre();
+  const double low = At(lower).height * texture.TexelsPerMetre();
+  const double high = At(upper).height * texture.TexelsPerMetre();
   if (high <= low) {
     return;
   }
-  const double step = rear.TexelsPerMetre() / (scale * state_.cosine);  // texels a pixel
+  const double step = texture.TexelsPerMetre() / (scale * state_.cosine);  // texels a pixel
   const double middle = camera_.centre_x + across_ * scale;
-  const double half = rear.Centre() / step;
-  const auto width = static_cast<double>(light.size());
-  const auto first = static_cast<std::size_t>(std::clamp(std::floor(middle - half), 0.0, width));
-  const auto end = static_cast<std::size_t>(std::clamp(std::ceil(middle + half), 0.0, width));
-  const auto texel = [&](std::size_t x) { return (static_cast<double>(x) - middle) * step + rear.Centre(); };
-  rear.SumRows(low, high, texel(first), texel(end), sums_);
+  const double half = texture.Centre() / step;
+  const auto [first, end] = Within(light, middle - half, std::ceil(middle + half));
+  const auto texel = [&](std::size_t x) {
+    return (static_cast<double>(x) - middle) * step + texture.Centre();
+  };
+  texture.SumRows(low, high, texel(first), texel(end), sums_);
 
   const float factor = light_.At(static_cast<float>(across_), static_cast<float>(middle_knot.height),
                                  static_cast<float>(middle_knot.distance));
@@ -117,7 +127,7 @@ void VehicleView::DrawRow(int row, std::span<float> light) {
 }
 
 /// An open boot is a dark hole that grows upwards, with the lid above the roof at last.
-void VehicleView::DrawBoot(int row, std::span<float> light) const {
+void RearView::DrawBoot(int row, std::span<float> light) const {
   if (state_.boot <= 0) {
     return;
   }
@@ -132,31 +142,30 @@ void VehicleView::DrawBoot(int row, std::span<float> light) const {
     return;
   }
   const double factor = static_cast<double>(light_.ambient);
-  const double tone = kBlack + ((hole ? 34 : 0.6 * vehicle_.body) - kBlack) * factor;
-  const double half = 0.72 * vehicle_.half_width * scale;
-  const auto width = static_cast<double>(light.size());
-  const auto end = static_cast<std::size_t>(std::clamp(centre_ + half, 0.0, width));
-  for (auto x = static_cast<std::size_t>(std::clamp(centre_ - half, 0.0, width)); x < end; x++) {
+  const double tone = kBlack + ((hole ? 34 : 0.6 * rear_.body) - kBlack) * factor;
+  const double half = 0.72 * rear_.half_width * scale;
+  const auto [first, end] = Within(light, centre_ - half, centre_ + half);
+  for (std::size_t x = first; x < end; x++) {
     light[x] = static_cast<float>(tone);
   }
 }
 
-double VehicleView::Power(const VehicleLamp& lamp) const {
+double RearView::Power(const RearLamp& lamp) const {
   switch (lamp.role) {
-    case VehicleLamp::Role::kTail:
+    case RearLamp::Role::kTail:
       return lamp.power * std::max(0.55 * state_.tail, state_.brake);
-    case VehicleLamp::Role::kBrake:
+    case RearLamp::Role::kBrake:
       return lamp.power * state_.brake;
-    case VehicleLamp::Role::kLeft:
+    case RearLamp::Role::kLeft:
       return lamp.power * state_.left;
-    case VehicleLamp::Role::kRight:
+    case RearLamp::Role::kRight:
       return lamp.power * state_.right;
   }
   return 0;
 }
 
-void VehicleView::DrawLamps(int row, std::span<float> light) const {
-  for (const VehicleLamp& lamp : vehicle_.lamps) {
+void RearView::DrawLamps(int row, std::span<float> light) const {
+  for (const RearLamp& lamp : rear_.lamps) {
     const double power = Power(lamp);
     if (power <= 0) {
       continue;
@@ -168,8 +177,8 @@ void VehicleView::DrawLamps(int row, std::span<float> light) const {
   }
 }
 
-void VehicleView::DrawLamp(const VehicleLamp& lamp, double power, double height, double stretch, int row,
-                           std::span<float> light) const {
+void RearView::DrawLamp(const RearLamp& lamp, double power, double height, double stretch, int row,
+                        std::span<float> light) const {
   const double scale = camera_.focal / distance_;
   const double away = std::fabs(camera_.height_m - height - (row + 0.5 - camera_.horizon) / scale);
   const double dy = std::max(0.0, away - lamp.half_height * stretch);
@@ -182,9 +191,8 @@ void VehicleView::DrawLamp(const VehicleLamp& lamp, double power, double height,
   const double middle = centre_ + lamp.centre * scale * state_.cosine;
   const double half = (lamp.half_width * state_.cosine + reach) * scale;
   const double core = Ramp(0.5 - dy * scale, 0, 1);
-  const auto width = static_cast<double>(light.size());
-  const auto end = static_cast<std::size_t>(std::clamp(middle + half, 0.0, width));
-  for (auto x = static_cast<std::size_t>(std::clamp(middle - half, 0.0, width)); x < end; x++) {
+  const auto [first, end] = Within(light, middle - half, middle + half);
+  for (std::size_t x = first; x < end; x++) {
     const double dx =
         std::max(0.0, std::fabs(static_cast<double>(x) + 0.5 - middle) / scale - lamp.half_width);
     const double square = (dx * dx + dy * dy) / (kHalo_m * kHalo_m);

@@ -1,4 +1,4 @@
-// box.h: vehicles in traffic, built from flat faces and seen from any side.
+// box_paint.h: what a vehicle of flat faces is made of: its measures, its faces and their textures.
 #pragma once
 
 #include <array>
@@ -6,13 +6,7 @@
 #include <vector>
 
 #include "base/random.h"
-#include "scene/actors/actor.h"
-#include "scene/paint/panel.h"
-#include "scene/paint/sheet.h"
 #include "scene/paint/texture.h"
-#include "scene/recipe/light.h"
-#include "scene/space/camera.h"
-#include "scene/space/pose.h"
 #include "scene/space/vector.h"
 
 namespace stopngo {
@@ -55,27 +49,5 @@ struct BoxParts {
 
 /// texels_per_metre: wanted; long vehicles get fewer.
 BoxParts PaintBox(BoxKind kind, double texels_per_metre, Random& random);
-
-class BoxVehicle {
- public:
-  BoxVehicle(BoxKind kind, double texels_per_metre, Random& random);
-  [[nodiscard]] double Length() const { return shape_.length; }
-  [[nodiscard]] double HalfWidth() const { return shape_.half_width; }
-  [[nodiscard]] double Height() const { return shape_.roof; }
-  /// Smallest and largest distance ahead of the camera's place of any part.
-  [[nodiscard]] std::array<double, 2> Reach(const Pose& pose) const;
-  /// travelled: metres, which turn the wheels; brakes: how brightly their lamps are lit, 0 … 1.
-  void Draw(const Pose& pose, double travelled, double brakes, const Camera& camera, const Light& light,
-            Sheet& sheet) const;
-
- private:
-  struct Look;
-  void DrawFaces(const std::vector<Face>& faces, const Look& look) const;
-  void DrawWheels(const Look& look, double travelled) const;
-  void DrawGlows(const Look& look, double brakes) const;
-
-  const BoxShape& shape_;
-  BoxParts parts_;
-};
 
 }  // namespace stopngo

@@ -1,5 +1,5 @@
-// vehicle_looks.cpp: the tables of what vehicles look like from behind.
-#include "scene/lane/vehicle_looks.h"
+// rear_looks.cpp: the tables of what vehicles look like from behind.
+#include "scene/lane/rear_looks.h"
 
 #include <algorithm>
 #include <array>
@@ -11,13 +11,13 @@ namespace {
 // opacity, added tone of a brake light.
 
 /// What is on the road side of the body and painted before it.
-const std::vector<VehiclePart> kUnder{
+const std::vector<RearPart> kUnder{
     {{0.68, 0.00, 0.38, 0.10, 0.10, 0.03, 22, 34}},  // tyres
     {{0, 0.13, 0.32, 0.62, 0.62, 0.04, 20, 16}},     // axle, exhaust, spare wheel: dark
 };
 
 /// Bumper and number plate are at the same height on all of them, by regulation.
-const std::vector<VehiclePart> kLower{
+const std::vector<RearPart> kLower{
     {{0, 0.31, 0.585, 0.90, 0.91, 0.07, -8, 10}, true},      {{0, 0.24, 0.36, 0.78, 0.80, 0.04, 34, 46}},
     {{0, 0.583, 0.597, 0.88, 0.88, 0, -45, -45, 0.8}, true},  // gap above the bumper
     {{0, 0.545, 0.57, 0.84, 0.84, 0.01, 34, 34, 0.6}, true},  // light along its edge
@@ -25,7 +25,7 @@ const std::vector<VehiclePart> kLower{
     {{0.46, 0.26, 0.31, 0.05, 0.05, 0.02, 120, 150}},         // exhaust pipes
 };
 
-const VehicleLook kHatchback{
+const RearLook kHatchback{
     {{0, 0.30},
      {0.24, 0.05},
      {0.31, 0},
@@ -59,7 +59,7 @@ const VehicleLook kHatchback{
         {{0.45, 0.875, 0.90, 0.11, 0.11, 0.003, 190, 200, 0.75}},  // lettering
     }};
 
-const VehicleLook kSaloon{
+const RearLook kSaloon{
     {{0, 0.35}, {0.24, 0.05}, {0.31, 0}, {0.60, 0.01}, {0.97, 0.07}, {1.03, 0.48}, {1.37, 1.05}, {1.43, 1.4}},
     {{0.24, 0.80},
      {0.32, 0.88},
@@ -85,7 +85,7 @@ const VehicleLook kSaloon{
         {{0.40, 0.87, 0.895, 0.09, 0.09, 0.003, 190, 200, 0.75}},
     }};
 
-const VehicleLook kMinivan{
+const RearLook kMinivan{
     {{0, 0.30}, {0.24, 0.04}, {0.31, 0}, {0.60, 0.01}, {1.84, 0.06}, {1.92, 0.20}},
     {{0.24, 0.82}, {0.32, 0.89}, {0.60, 0.90}, {1.50, 0.86}, {1.80, 0.82}, {1.88, 0.76}, {1.92, 0.66}},
     {
@@ -105,7 +105,7 @@ const VehicleLook kMinivan{
         {{0, 1.84, 1.88, 0.72, 0.66, 0.01, 30, 40, 0.6}, true},
     }};
 
-const VehicleLook kTransporter{
+const RearLook kTransporter{
     {{0, 0.30}, {0.30, 0.04}, {0.36, 0}, {0.70, 0.01}, {2.40, 0.06}, {2.50, 0.20}},
     {{0.30, 0.86}, {0.38, 0.94}, {0.66, 0.97}, {2.00, 0.93}, {2.36, 0.90}, {2.46, 0.84}, {2.50, 0.70}},
     {
@@ -123,7 +123,7 @@ const VehicleLook kTransporter{
     }};
 
 /// A box body with two doors, their bars and hinges, on a frame with an underrun guard.
-const VehicleLook kLorry{
+const RearLook kLorry{
     {{0, 0.55}, {0.42, 0.25}, {0.50, 0.02}, {0.95, 0.05}, {1.02, 0}, {3.66, 0.01}, {3.72, 0.03}},
     {{0.60, 0.30}, {0.92, 0.32}, {1.00, 1.24}, {1.05, 1.25}, {3.66, 1.25}, {3.72, 1.23}},
     {
@@ -145,49 +145,49 @@ const VehicleLook kLorry{
         {{0.55, 1.95, 2.05, 0.30, 0.30, 0.005, -40, -40, 0.5}, true},
     }};
 
-const VehicleLook kBus{{{0, 0.50}, {0.30, 0.06}, {0.38, 0}, {1.60, 0.03}, {2.90, 0.16}, {3.05, 0.40}},
-                       {{0.30, 1.16}, {0.40, 1.24}, {0.80, 1.25}, {2.80, 1.23}, {2.98, 1.15}, {3.05, 0.95}},
-                       {
-                           {{0.88, 0.00, 0.40, 0.28, 0.28, 0.05, 22, 34}},
-                           {{0, 1.72, 2.66, 1.05, 1.00, 0.10, 30, 78}},  // rear window
-                           {{0, 2.70, 2.90, 0.42, 0.42, 0.02, 20, 24}},  // line number
-                           {{0, 2.74, 2.86, 0.14, 0.14, 0.01, 150, 150, 0.7}},
-                           {{0, 0.78, 1.42, 0.86, 0.86, 0.03, -16, -10}, true},    // engine's door
-                           {{0, 0.88, 0.93, 0.80, 0.80, 0, -45, -45, 0.7}, true},  // its slats
-                           {{0, 1.02, 1.07, 0.80, 0.80, 0, -45, -45, 0.7}, true},
-                           {{0, 1.16, 1.21, 0.80, 0.80, 0, -45, -45, 0.7}, true},
-                           {{0, 1.50, 1.56, 1.20, 1.20, 0, 45, 45, 0.6}, true},
-                           {{1.08, 0.80, 1.36, 0.09, 0.09, 0.03, 58, 84, 1, 22}},
-                           {{1.08, 1.10, 1.30, 0.07, 0.07, 0.03, 78, 92, 1, 125}},
-                           {{0, 0.40, 0.62, 1.22, 1.23, 0.03, -12, 8}, true},
-                           {{0, 0.62, 0.64, 1.20, 1.20, 0, -45, -45, 0.8}, true},
-                       }};
+const RearLook kBus{{{0, 0.50}, {0.30, 0.06}, {0.38, 0}, {1.60, 0.03}, {2.90, 0.16}, {3.05, 0.40}},
+                    {{0.30, 1.16}, {0.40, 1.24}, {0.80, 1.25}, {2.80, 1.23}, {2.98, 1.15}, {3.05, 0.95}},
+                    {
+                        {{0.88, 0.00, 0.40, 0.28, 0.28, 0.05, 22, 34}},
+                        {{0, 1.72, 2.66, 1.05, 1.00, 0.10, 30, 78}},  // rear window
+                        {{0, 2.70, 2.90, 0.42, 0.42, 0.02, 20, 24}},  // line number
+                        {{0, 2.74, 2.86, 0.14, 0.14, 0.01, 150, 150, 0.7}},
+                        {{0, 0.78, 1.42, 0.86, 0.86, 0.03, -16, -10}, true},    // engine's door
+                        {{0, 0.88, 0.93, 0.80, 0.80, 0, -45, -45, 0.7}, true},  // its slats
+                        {{0, 1.02, 1.07, 0.80, 0.80, 0, -45, -45, 0.7}, true},
+                        {{0, 1.16, 1.21, 0.80, 0.80, 0, -45, -45, 0.7}, true},
+                        {{0, 1.50, 1.56, 1.20, 1.20, 0, 45, 45, 0.6}, true},
+                        {{1.08, 0.80, 1.36, 0.09, 0.09, 0.03, 58, 84, 1, 22}},
+                        {{1.08, 1.10, 1.30, 0.07, 0.07, 0.03, 78, 92, 1, 125}},
+                        {{0, 0.40, 0.62, 1.22, 1.23, 0.03, -12, 8}, true},
+                        {{0, 0.62, 0.64, 1.20, 1.20, 0, -45, -45, 0.8}, true},
+                    }};
 
 /// A machine with a rider on it.
-const VehicleLook kMotorcycle{{{0, 0.25}, {0.30, 0}, {0.90, 0.05}, {1.20, 0.40}, {1.78, 0.55}},
-                              {{0.55, 0.10},
-                               {0.75, 0.19},
-                               {0.92, 0.21},
-                               {1.20, 0.24},
-                               {1.42, 0.24},
-                               {1.50, 0.11},
-                               {1.56, 0.10},
-                               {1.60, 0.13},
-                               {1.72, 0.135},
-                               {1.78, 0.08}},
-                              {
-                                  {{0, 0.00, 0.64, 0.075, 0.075, 0.05, 20, 30}},     // tyre
-                                  {{0.16, 0.28, 0.42, 0.05, 0.05, 0.04, 110, 140}},  // silencers
-                                  {{0, 0.58, 0.72, 0.15, 0.17, 0.03, 40, 52}},
-                                  {{0, 0.76, 0.84, 0.09, 0.09, 0.02, 70, 84, 1, 125}},     // lamp
-                                  {{0.33, 0.90, 1.32, 0.06, 0.05, 0.04, 0, 10}, true},     // arms
-                                  {{0.36, 1.12, 1.18, 0.07, 0.07, 0.02, 44, 52}},          // mirrors
-                                  {{0.24, 0.30, 0.90, 0.07, 0.08, 0.04, -22, -10}, true},  // legs
-                                  {{0, 1.56, 1.79, 0.13, 0.12, 0.10, 46, 96}},             // helmet
-                                  {{0, 0.92, 1.02, 0.18, 0.18, 0.02, -20, -20}, true},
-                              }};
+const RearLook kMotorcycle{{{0, 0.25}, {0.30, 0}, {0.90, 0.05}, {1.20, 0.40}, {1.78, 0.55}},
+                           {{0.55, 0.10},
+                            {0.75, 0.19},
+                            {0.92, 0.21},
+                            {1.20, 0.24},
+                            {1.42, 0.24},
+                            {1.50, 0.11},
+                            {1.56, 0.10},
+                            {1.60, 0.13},
+                            {1.72, 0.135},
+                            {1.78, 0.08}},
+                           {
+                               {{0, 0.00, 0.64, 0.075, 0.075, 0.05, 20, 30}},     // tyre
+                               {{0.16, 0.28, 0.42, 0.05, 0.05, 0.04, 110, 140}},  // silencers
+                               {{0, 0.58, 0.72, 0.15, 0.17, 0.03, 40, 52}},
+                               {{0, 0.76, 0.84, 0.09, 0.09, 0.02, 70, 84, 1, 125}},     // lamp
+                               {{0.33, 0.90, 1.32, 0.06, 0.05, 0.04, 0, 10}, true},     // arms
+                               {{0.36, 1.12, 1.18, 0.07, 0.07, 0.02, 44, 52}},          // mirrors
+                               {{0.24, 0.30, 0.90, 0.07, 0.08, 0.04, -22, -10}, true},  // legs
+                               {{0, 1.56, 1.79, 0.13, 0.12, 0.10, 46, 96}},             // helmet
+                               {{0, 0.92, 1.02, 0.18, 0.18, 0.02, -20, -20}, true},
+                           }};
 
-const std::array<VehicleVariant, 8> kVariants{{
+const std::array<RearVariant, 8> kVariants{{
     {VehicleKind::kHatchback, kHatchback, 0.885, 0.95, 0.97, 1.04, 4.1, true, 0.665},
     {VehicleKind::kSaloon, kSaloon, 0.885, 0.95, 0.97, 1.04, 4.7, true, 0.665},
     {VehicleKind::kMinivan, kMinivan, 0.885, 0.95, 0.97, 1.04, 4.5, true, 0.665},
@@ -200,12 +200,12 @@ const std::array<VehicleVariant, 8> kVariants{{
 
 }  // namespace
 
-const std::vector<VehiclePart>& PartsUnderCars() { return kUnder; }
-const std::vector<VehiclePart>& LowerPartsOfCars() { return kLower; }
+const std::vector<RearPart>& PartsUnderCars() { return kUnder; }
+const std::vector<RearPart>& LowerPartsOfCars() { return kLower; }
 
-const VehicleVariant& VariantOf(VehicleKind kind) {
+const RearVariant& VariantOf(VehicleKind kind) {
   return *std::find_if(kVariants.begin(), kVariants.end(),
-                       [kind](const VehicleVariant& variant) { return variant.kind == kind; });
+                       [kind](const RearVariant& variant) { return variant.kind == kind; });
 }
 
 }  // namespace stopngo

@@ -1,5 +1,5 @@
-// lane.cpp: motion and lamps of the vehicles in our own lane.
-#include "scene/lane/lane.h"
+// lane_vehicle.cpp: motion and lamps of the vehicles in our own lane.
+#include "scene/lane/lane_vehicle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +20,7 @@ constexpr double kTurn = 6.283185307179586;
 LaneVehicle::LaneVehicle(const VehicleOptions& options, double texels_per_metre, double most_texels,
                          std::uint64_t seed)
     : options_(options),
-      vehicle_(BuildVehicle(options, texels_per_metre, most_texels, seed)),
+      rear_(PaintRear(options, texels_per_metre, most_texels, seed)),
       track_(options.motion),
       blink_phase_(RandomOf(seed, stream::kBlink).Uniform(0, 1)) {}
 
