@@ -3,15 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <cstdint>
 #include <filesystem>
 #include <string>
-#include <thread>
+#include <variant>
 #include <vector>
 
-#include "clips/region.h"
 #include "host/failure.h"
-#include "support/command.h"
+#include "host/settings.h"
+#include "support/damage.h"
+#include "support/failure_text.h"
+#include "support/temporary_folder.h"
 
 namespace stopngo::test {
 namespace {
@@ -110,62 +112,13 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
   EXPECT_THROW(ReadManifest(folder / "."), Failure);
 }
 
-std::vector<LumaFrame> FramesOf(const Clip& clip, double rate, int margin) {
-  const OpenedClip opened = OpenClip(clip, rate, margin);
-  std::vector<LumaFrame> frames;
-  for (LumaFrame frame; opened.frames->Next(frame);) frames.push_back(frame);
-  EXPECT_EQ(opened.frames->Info().frames, static_cast<std::int64_t>(frames.size()));
-  return frames;
-}
-
-TEST(Clip, SceneGivesTheFramesNearestToTheRate) {
-  // Without compression, whose marks depend on the frames before.
-  const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kStanding, 4}};
-  const std::vector<LumaFrame> all = FramesOf(clip, 0, 0);
-  ASSERT_FALSE(all.empty());
-  for (const double rate : {8.0, 10.0, 25.0}) {
-    const std::vector<LumaFrame> some = FramesOf(clip, rate, 0);
-    EXPECT_NEAR(static_cast<double>(some.size()), static_cast<double>(all.size()) * rate / 25, 1);
-    for (std::size_t i = 0; i < some.size(); ++i) {
-      EXPECT_NEAR(some[i].time_s, static_cast<double>(i) / rate, 0.5 / 25 + 1e-9);
-      EXPECT_TRUE(some[i].pixels == all.at(static_cast<std::size_t>(some[i].index)).pixels);
-    }
-  }
-  EXPECT_EQ(FramesOf(clip, 26, 0).size(), all.size());
-  // What the manifest says wins over the settings.
-  Clip slow = clip;
-  slow.rate = 2;
-  EXPECT_NEAR(static_cast<double>(FramesOf(slow, 8, 0).size()), static_cast<double>(all.size()) * 2 / 25, 1);
-}
-
-TEST(Clip, WindowIsCutAtThePicturesEdges) {
-  Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kStanding, 3}};
-  clip.region = Region{5, 330, 220, 140};
-  const OpenedClip opened = OpenClip(clip, 8, 20);
-  EXPECT_EQ(opened.region.x, 5);
-  EXPECT_EQ(opened.region.y, 20);
-  EXPECT_EQ(opened.frames->Info().width, 245);
-  EXPECT_EQ(opened.frames->Info().height, 170);
-  EXPECT_FALSE(opened.labels.empty());
-}
-
-TEST(Clip, ThreadsDoNotDisturbEachOther) {
-  const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, 5}};
-  const std::vector<LumaFrame> alone = FramesOf(clip, 2, 0);
-  std::atomic<int> equal = 0;
-  {
-    std::vector<std::jthread> threads;
-    threads.reserve(4);
-    for (int i = 0; i < 4; ++i) {
-      threads.emplace_back([&] {
-        const std::vector<LumaFrame> frames = FramesOf(clip, 2, 0);
-        const bool same = std::equal(frames.begin(), frames.end(), alone.begin(), alone.end(),
-                                     [](const auto& a, const auto& b) { return a.pixels == b.pixels; });
-        equal += same ? 1 : 0;
-      });
-    }
-  }
-  EXPECT_EQ(equal, 4);
+TEST(Manifest, DamagedOnesAreReadOrRefused) {
+  const TemporaryFolder folder;
+  static_cast<void>(folder.File("a.y4m", ""));
+  const std::string intact =
+      "clip\tregion\trate\tlabels\tkind\n# comment\na.y4m\t300,250,220,140\t6.5\t0 12.4 still;12.4 15 "
+      "lead_departs\tday\nsynth:mixed:1-20\t-\t7\t-\t-\nsynth:standing:3\t-\t-\t-\tnight\n";
+  ReadDamaged(folder, "list.tsv", intact, 4000, [](const std::string& path) { ReadManifest(path); });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -11,12 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "clips/region.h"
-#include "host/detector.h"
 #include "host/file.h"
-#include "host/module.h"
-#include "overlay/sampled_area.h"
-#include "support/command.h"
+#include "program.h"
+#include "support/squares.h"
+#include "video/open_source.h"
 
 namespace stopngo::test {
 namespace {
@@ -83,18 +82,10 @@ class RenderTest : public testing::Test {
  protected:
   // A clip in the folder, of squares that move two pixels down and one to the right a frame.
   [[nodiscard]] std::string Clip(int width, int height) const {
-    const std::string size = " W" + std::to_string(width) + " H" + std::to_string(height);
-    std::string clip = "YUV4MPEG2" + size + " F25:1 Ip Cmono\n";
-    for (int frame = 0; frame < kFrames; ++frame) {
-      clip += "FRAME\n";
-      for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-          const auto u = static_cast<unsigned>(x - frame + 1000) / 5;
-          const auto v = static_cast<unsigned>(y - 2 * frame + 1000) / 5;
-          clip.push_back(static_cast<char>(((u * 2654435761U) ^ (v * 2246822519U)) >> 13));
-        }
-      }
-    }
+    std::string clip =
+        "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F25:1 Ip Cmono\n";
+    for (int frame = 0; frame < kFrames; ++frame)
+      clip += "FRAME\n" + Squares(width, height, frame, 2 * frame);
     return folder_.File("clip.y4m", clip);
   }
 
@@ -177,6 +168,30 @@ TEST_F(RenderTest, VideoOnStandardOutputLeavesTheSummaryToStandardError) {
   EXPECT_NE(result.err.find("3 frames, 0 alarms"), std::string::npos) << result.err;
 }
 
+#if STOPNGO_WITH_FFMPEG
+// A video has to show a moment when the recording did.
+TEST_F(RenderTest, VideosKeepTheTimesBehindAGap) {
+  constexpr std::size_t kPacket = 188;
+  ASSERT_EQ(Stopngo("synth " + folder_ / "piece.ts" + " --length 2 --size 320x192").exit_code, 0);
+  const std::string piece = ReadFile(folder_ / "piece.ts");
+  const std::size_t third = piece.size() / kPacket / 3 * kPacket;
+  const std::string gap = folder_.File("gap.ts", piece.substr(0, third) + piece.substr(2 * third));
+  SourceOptions options;
+  options.input = gap;
+  const auto source = OpenSource(options);
+  LumaFrame last;
+  int frames = 0;
+  for (LumaFrame frame; source->Next(frame); ++frames) last = frame;
+  ASSERT_LT(frames, 50);
+  const std::string video = folder_ / "seen.y4m";
+  const CommandResult result = Stopngo("render " + gap + " " + video + " --no-weights --rate 0");
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  constexpr std::size_t kPicture = 6 + 3 * 800 * 480;
+  const std::size_t pictures = ReadFile(video).size() / kPicture;
+  EXPECT_EQ(pictures, std::llround(last.time_s * 25) + 1);
+}
+#endif
+
 TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
   const std::string clip = Clip(800, 480);
   const std::string out = folder_ / "out.y4m";
@@ -206,41 +221,11 @@ TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
   };
   const std::string before = ReadFile(clip);
   for (const Case& refused : cases) {
-    const CommandResult result = Stopngo("render " + refused.arguments);
-    EXPECT_EQ(result.exit_code, refused.exit_code) << refused.arguments << '\n' << result.err;
-    EXPECT_EQ(result.err.rfind("stopngo: ", 0), 0U) << result.err;
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-    EXPECT_NE(result.err.find(refused.word), std::string::npos) << result.err;
-    EXPECT_EQ(result.out, "");
+    SCOPED_TRACE(refused.arguments);
+    ExpectRefusal(Stopngo("render " + refused.arguments), refused.exit_code, {refused.word});
     EXPECT_EQ(folder_.Files(), files) << refused.arguments;
   }
   EXPECT_EQ(ReadFile(clip), before);
-}
-
-// The zoom halves the region to 110 × 70, off centre; a 1920 wide frame is sampled in steps of 2.5 and
-// 2.25; a scale of 3 has no pattern and samples nothing.
-TEST(SampledAreaTest, TheModuleTellsWhereItLooks) {
-  const Module module(STOPNGO_MODULE_FILE);
-  Settings settings;
-  settings.roi_y = 200;
-  settings.scale = 5;
-  const FrameFormat working{800, 480, 25};
-  const SampledArea zoomed = ProbeSampledArea(module, settings, working);
-  EXPECT_EQ(zoomed.left, 345);
-  EXPECT_EQ(zoomed.top, 246);
-  EXPECT_NEAR(zoomed.step_x * 220, 110, 1);
-  EXPECT_NEAR(zoomed.step_y * 140, 70, 1);
-
-  settings.scale = 0;
-  const FrameFormat original{1920, 1080, 25};
-  const SampledArea large = ProbeSampledArea(module, settings, original);
-  EXPECT_EQ(large.left, 696);
-  EXPECT_EQ(large.top, 450);
-  EXPECT_NEAR(large.step_x * 220, 550, 3);
-  EXPECT_NEAR(large.step_y * 140, 315, 3);
-
-  settings.scale = 3;
-  EXPECT_FALSE(ProbeSampledArea(module, settings, working).Valid());
 }
 
 }  // namespace

@@ -3,25 +3,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <span>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "clips/clip.h"
-#include "clips/region.h"
-#include "host/detector.h"
 #include "host/file.h"
-#include "host/module.h"
-#include "host/settings.h"
-#include "support/command.h"
-#include "train/report.h"
-#include "train/training_set.h"
-#include "vel_stopngo_ctx.h"
-#include "video/frame_source.h"
+#include "program.h"
 
 namespace stopngo::test {
 namespace {
@@ -125,49 +113,6 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
     EXPECT_NE(result.err.find(refused.word), std::string::npos) << result.err;
     EXPECT_EQ(folder_.Files(), files) << refused.arguments;
   }
-}
-
-// Nothing to be seen may not mean that nothing is drawn, or for ever.
-TEST(LearningCurves, AreDrawnWhateverTheLossIs) {
-  for (const double loss : {0.0, 1e-300, 1.0, 1e30}) {
-    Training training;
-    for (int iteration = 1; iteration <= 3; iteration++) training.curve.push_back({iteration, loss, loss});
-    std::ostringstream picture;
-    WriteLearningCurves(picture, std::vector{training, Training{}});
-    EXPECT_EQ(picture.str().substr(1, 3), "PNG") << loss;
-  }
-}
-
-// What a network is trained on has to be what it will be shown.
-TEST(CollectTracks, FirstLookIsTheModulesOwnFramePath) {
-  const TemporaryFolder folder;
-  Clip clip;
-  clip.name = clip.kind = "recording";
-  clip.source = folder / "clip.y4m";
-  clip.region = Region{290, 260, 220, 140};
-  clip.labels = {{0, 4, Activity::kStill}, {4, 8, Activity::kLeadDeparts}};
-  ASSERT_EQ(Stopngo("synth " + folder / "clip.y4m" + " --length 8 --departure 4").exit_code, 0);
-  const Module module(STOPNGO_MODULE_FILE);
-  Settings settings;
-  settings.no_weights = true;
-  settings.threshold = 2;  // never reached: an alarm would hold the analysis
-  const auto tracks = CollectTracks(module, settings, std::span(&clip, 1), {3, 1}, 1, [] {});
-  ASSERT_EQ(tracks.size(), 3U);
-
-  const OpenedClip opened = OpenClip(clip, settings.rate, 0);
-  Detector detector(module, settings, opened.frames->Info());
-  std::vector<std::int8_t> expected;
-  LumaFrame frame;
-  while (opened.frames->Next(frame)) {
-    if (!detector.Write(frame).analysed) continue;
-    const auto* const histogram = detector.Context().MotionChunk;
-    expected.insert(expected.end(), histogram, histogram + detector.Context().Features);
-  }
-  EXPECT_TRUE(tracks[0].histograms == expected);
-  EXPECT_FALSE(tracks[1].histograms == expected) << "other looks differ";
-  EXPECT_EQ(tracks[1].Frames(), tracks[0].Frames()) << "up to three looks share their frames";
-  ASSERT_EQ(tracks[0].departures.size(), 1U);
-  EXPECT_EQ(tracks[1].departures[0].begin, tracks[0].departures[0].begin);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "clips/clip.h"
 #include "host/settings.h"
 #include "host/weights_file.h"
-#include "support/command.h"
+#include "support/temporary_folder.h"
 
 namespace stopngo::test {
 namespace {

@@ -1,34 +1,12 @@
-// command.cpp: runs the stopngo program as a user would and keeps what it said.
-#include "support/command.h"
-
-#include <sys/wait.h>
+// temporary_folder.cpp: a folder of its own for a test.
+#include "support/temporary_folder.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
-#include "host/file.h"
-
 namespace stopngo::test {
-
-CommandResult Shell(const std::string& command, std::string_view input) {
-  const TemporaryFolder folder;
-  const std::string in = folder.File("in", input);
-  // In braces, so that redirections and pipes in the command go before these.
-  const std::string line = "{ " + command + " ; } <" + in + " >" + folder / "out" + " 2>" + folder / "err";
-  const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): a shell is what a user has
-  CommandResult result;
-  if (WIFEXITED(status)) result.exit_code = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) result.exit_code = 128 + WTERMSIG(status);
-  result.out = ReadFile(folder / "out");
-  result.err = ReadFile(folder / "err");
-  return result;
-}
-
-CommandResult Stopngo(const std::string& arguments, std::string_view input) {
-  return Shell(STOPNGO_PROGRAM " " + arguments, input);
-}
 
 TemporaryFolder::TemporaryFolder() {
   std::string name = (std::filesystem::temp_directory_path() / "stopngo-test-XXXXXX").string();

@@ -1,4 +1,4 @@
-// command.h: runs the stopngo program as a user would and keeps what it said.
+// temporary_folder.h: a folder of its own for a test.
 #pragma once
 
 #include <filesystem>
@@ -7,20 +7,7 @@
 
 namespace stopngo::test {
 
-struct CommandResult {
-  int exit_code = -1;  ///< 128 + the signal's number when a signal ended the program
-  std::string out;
-  std::string err;
-};
-
-/// Runs a command line in a shell.
-CommandResult Shell(const std::string& command, std::string_view input = {});
-
-/// Runs "stopngo ARGUMENTS" in a shell, so that arguments may redirect and pipe. input: what standard
-/// input gives.
-CommandResult Stopngo(const std::string& arguments, std::string_view input = {});
-
-/// A folder of its own for a test, removed with everything in it.
+/// Removed with everything in it.
 class TemporaryFolder {
  public:
   TemporaryFolder();

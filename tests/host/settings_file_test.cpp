@@ -1,0 +1,72 @@
+// settings_file_test.cpp: settings in TOML files: taken, left, refused with their line.
+#include "host/settings_file.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/settings.h"
+#include "support/damage.h"
+#include "support/failure_text.h"
+#include "support/temporary_folder.h"
+
+namespace stopngo::test {
+namespace {
+
+bool Nothing(const std::string& /*name*/) { return false; }
+
+TEST(SettingsFile, GivesWhatIsNotSettledOtherwise) {
+  const TemporaryFolder folder;
+  const std::string path =
+      folder.File("car.toml", "rate = 6.25\nthreshold = 0.1\nweights = \"sub/w.bin\"\nno-weights = false");
+  Settings settings;
+  const auto taken =
+      ReadSettingsFile(path, settings, [](const std::string& name) { return name == "threshold"; });
+  EXPECT_EQ(taken, (std::set<std::string>{"no-weights", "rate", "weights"}));
+  EXPECT_EQ(settings.rate, 6.25);
+  EXPECT_EQ(settings.threshold, Settings().threshold);
+  EXPECT_EQ(settings.weights, folder / "sub/w.bin") << "paths start at the file";
+}
+
+TEST(SettingsFile, FaultsAreToldWithTheirLine) {
+  const TemporaryFolder folder;
+  struct Case {
+    std::string text;
+    std::vector<std::string> words;
+  };
+  const std::vector<Case> cases = {
+      {"rate = 5\n\nbogus = 1\n", {"c.toml:3", "bogus", "no such setting"}},
+      {"roi-x = [1]\n", {"c.toml:1", "roi-x", "single value"}},
+      {"rate = 5\nroi-x = 4294967296\n", {"c.toml:2", "roi-x", "4294967296"}},
+      {"weights = 3\n", {"c.toml:1", "weights", "path in quotes"}},
+      {"weights = \"\"\n", {"c.toml:1", "weights", "missing"}},
+      {"no-weights = \"yes\"\n", {"c.toml:1", "no-weights", "neither true nor false"}},
+      {"rate = \n", {"c.toml:1"}},
+  };
+  for (const Case& bad : cases) {
+    const std::string path = folder.File("c.toml", bad.text);
+    Settings settings;
+    ExpectWords(FailureOf([&] { (void)ReadSettingsFile(path, settings, Nothing); }), bad.words);
+  }
+  Settings settings;
+  ExpectWords(FailureOf([&] { (void)ReadSettingsFile(folder / "gone.toml", settings, Nothing); }),
+              {"gone.toml", "No such file"});
+  ExpectWords(FailureOf([&] { (void)ReadSettingsFile(folder / ".", settings, Nothing); }), {"a folder"});
+}
+
+TEST(SettingsFile, DamagedOnesAreReadOrRefused) {
+  const TemporaryFolder folder;
+  const std::string intact =
+      "# a car's\nrate = 6.5\nroi-x = 300\ntime-cooling = \"5s\"\nthreshold = 0.4\nfilter = "
+      "\"median\"\nweights = \"w.bin\"\n";
+  ReadDamaged(folder, "car.toml", intact, 3000, [](const std::string& path) {
+    Settings settings;
+    (void)ReadSettingsFile(path, settings, Nothing);
+    EXPECT_TRUE(settings.rate == 0 || settings.rate >= kLowestRate) << settings.rate;
+  });
+}
+
+}  // namespace
+}  // namespace stopngo::test

@@ -1,0 +1,68 @@
+// weights_file_test.cpp: the layout of weights files, and files of the wrong size.
+#include "host/weights_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "classify.h"
+#include "host/failure.h"
+#include "host/file.h"
+#include "support/failure_text.h"
+#include "support/temporary_folder.h"
+
+namespace stopngo::test {
+namespace {
+
+// Two cells a frame and three hidden nodes.
+constexpr std::size_t kInputs = 16;
+constexpr std::size_t kHiddens = 3;
+
+TEST(WeightsFile, HasTheLayoutThatTheModuleReads) {
+  const TemporaryFolder folder;
+  Network network{kInputs, kHiddens, std::vector<float>(NetworkLength(kInputs, kHiddens))};
+  for (std::size_t i = 0; i < network.numbers.size(); ++i) {
+    network.numbers[i] = static_cast<float>(static_cast<int>(i * 37 % 19) - 9) / 8;
+  }
+  network.numbers[0] = 1.5F;
+  const std::string path = folder.File("w.bin", WeightsBytes(network));
+  // 1.5 is 0x3FC00000, its lowest byte first.
+  EXPECT_EQ(ReadFile(path).substr(0, 4), std::string("\0\0\xC0\x3F", 4));
+  const Network read = ReadWeights(path, kInputs, kHiddens, "here");
+  EXPECT_EQ(read.numbers, network.numbers);
+  EXPECT_EQ(read.HiddenWeights(2).data(), read.numbers.data() + 32);
+  EXPECT_EQ(read.HiddenBiases().data(), read.numbers.data() + 48);
+  EXPECT_EQ(read.OutputWeights().data(), read.numbers.data() + 51);
+  EXPECT_EQ(read.OutputBias(), read.numbers[54]);
+  // Counts whose product passes 64 bits are refused, not wrapped around to few.
+  constexpr std::uint64_t kMany = (std::uint64_t{1} << 33) - 2;
+  EXPECT_EQ(NetworkLength(kMany, std::uint64_t{1} << 31), std::numeric_limits<std::uint64_t>::max());
+  ExpectWords(FailureOf([&] { ReadWeights(path, kMany, std::uint64_t{1} << 31, "x"); }), {"2600"});
+}
+
+TEST(WeightsFile, OnlyTheExactSizeIsTaken) {
+  const TemporaryFolder folder;
+  const std::uint64_t counts[] = {0, 1, 16, 160, 161, 65536, 1ULL << 32, ~0ULL};
+  const std::string path = folder.File("w.bin", std::string(10372, '\x01'));
+  int taken = 0;
+  for (const std::uint64_t inputs : counts) {
+    for (const std::uint64_t hiddens : counts) {
+      try {
+        CheckWeightsSize(path, inputs, hiddens, "--features");
+        taken++;
+      } catch (const Failure& failure) {
+        EXPECT_NE(std::string(failure.what()).find("--features"), std::string::npos) << failure.what();
+      }
+    }
+  }
+  EXPECT_EQ(taken, 1) << "160 inputs and 16 hidden nodes fit, nothing else";
+  ExpectWords(FailureOf([&] { CheckWeightsSize(folder / "gone.bin", 160, 16, ""); }),
+              {"gone.bin", "No such file"});
+}
+
+}  // namespace
+}  // namespace stopngo::test

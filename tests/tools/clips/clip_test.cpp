@@ -1,0 +1,77 @@
+// clip_test.cpp: the frames of clips as a detector is given them.
+#include "clips/clip.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+#include "clips/region.h"
+
+namespace stopngo::test {
+namespace {
+
+std::vector<LumaFrame> FramesOf(const Clip& clip, double rate, int margin) {
+  const OpenedClip opened = OpenClip(clip, rate, margin);
+  std::vector<LumaFrame> frames;
+  for (LumaFrame frame; opened.frames->Next(frame);) frames.push_back(frame);
+  EXPECT_EQ(opened.frames->Info().frames, static_cast<std::int64_t>(frames.size()));
+  return frames;
+}
+
+TEST(Clip, SceneGivesTheFramesNearestToTheRate) {
+  // Without compression, whose marks depend on the frames before.
+  const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kStanding, 4}};
+  const std::vector<LumaFrame> all = FramesOf(clip, 0, 0);
+  ASSERT_FALSE(all.empty());
+  for (const double rate : {8.0, 10.0, 25.0}) {
+    const std::vector<LumaFrame> some = FramesOf(clip, rate, 0);
+    EXPECT_NEAR(static_cast<double>(some.size()), static_cast<double>(all.size()) * rate / 25, 1);
+    for (std::size_t i = 0; i < some.size(); ++i) {
+      EXPECT_NEAR(some[i].time_s, static_cast<double>(i) / rate, 0.5 / 25 + 1e-9);
+      EXPECT_TRUE(some[i].pixels == all.at(static_cast<std::size_t>(some[i].index)).pixels);
+    }
+  }
+  EXPECT_EQ(FramesOf(clip, 26, 0).size(), all.size());
+  // What the manifest says wins over the settings.
+  Clip slow = clip;
+  slow.rate = 2;
+  EXPECT_NEAR(static_cast<double>(FramesOf(slow, 8, 0).size()), static_cast<double>(all.size()) * 2 / 25, 1);
+}
+
+TEST(Clip, WindowIsCutAtThePicturesEdges) {
+  Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kStanding, 3}};
+  clip.region = Region{5, 330, 220, 140};
+  const OpenedClip opened = OpenClip(clip, 8, 20);
+  EXPECT_EQ(opened.region.x, 5);
+  EXPECT_EQ(opened.region.y, 20);
+  EXPECT_EQ(opened.frames->Info().width, 245);
+  EXPECT_EQ(opened.frames->Info().height, 170);
+  EXPECT_FALSE(opened.labels.empty());
+}
+
+TEST(Clip, ThreadsDoNotDisturbEachOther) {
+  const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, 5}};
+  const std::vector<LumaFrame> alone = FramesOf(clip, 2, 0);
+  std::atomic<int> equal = 0;
+  {
+    std::vector<std::jthread> threads;
+    threads.reserve(4);
+    for (int i = 0; i < 4; ++i) {
+      threads.emplace_back([&] {
+        const std::vector<LumaFrame> frames = FramesOf(clip, 2, 0);
+        const bool same = std::equal(frames.begin(), frames.end(), alone.begin(), alone.end(),
+                                     [](const auto& a, const auto& b) { return a.pixels == b.pixels; });
+        equal += same ? 1 : 0;
+      });
+    }
+  }
+  EXPECT_EQ(equal, 4);
+}
+
+}  // namespace
+}  // namespace stopngo::test
