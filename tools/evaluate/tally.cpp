@@ -78,16 +78,6 @@ void Tally::Add(std::span<const Event> events, std::span<const LabelSpan> labels
   }
 }
 
-void Tally::Add(const Tally& other) {
-  for (const auto count : {&Tally::clips, &Tally::departures, &Tally::right, &Tally::false_standing,
-                           &Tally::false_driving, &Tally::repeats, &Tally::unjudged}) {
-    this->*count += other.*count;
-  }
-  standing_s += other.standing_s;
-  driving_s += other.driving_s;
-  delays_s.insert(delays_s.end(), other.delays_s.begin(), other.delays_s.end());
-}
-
 std::optional<Share> Tally::Recall() const {
   if (departures == 0) return std::nullopt;
   return Wilson(right, departures);

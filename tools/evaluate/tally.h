@@ -38,7 +38,6 @@ struct Tally {
 
   /// One clip.
   void Add(std::span<const Event> events, std::span<const LabelSpan> labels);
-  void Add(const Tally& other);
 
   // Each without a value where there is nothing to divide by.
   /// Right alarms among departures; the interval is Wilson's.
