@@ -116,7 +116,7 @@ int ChoiceOf(const std::string& text, const Choice& choice) {
 }
 
 // One overload a kind of field: how its text is read, and how it is written.
-struct Reader {
+struct TextReader {
   Settings& settings;
   const std::string& text;
 
@@ -138,7 +138,7 @@ struct Reader {
   void operator()(const Choice& choice) const { settings.*choice.field = ChoiceOf(text, choice); }
 };
 
-struct Writer {
+struct TextWriter {
   const Settings& settings;
 
   std::string operator()(Internal) const { return {}; }
@@ -169,11 +169,11 @@ const Setting* FindSetting(std::string_view name) {
 }
 
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text) {
-  std::visit(Reader{settings, text}, setting.field);
+  std::visit(TextReader{settings, text}, setting.field);
 }
 
 std::string TextOf(const Settings& settings, const Setting& setting) {
-  return std::visit(Writer{settings}, setting.field);
+  return std::visit(TextWriter{settings}, setting.field);
 }
 
 }  // namespace stopngo

@@ -48,9 +48,9 @@ Json ParsedJson(const std::string& path) {
 }
 
 /// Takes the entries out of a file's object; every fault names the file and the entry.
-class Reader {
+class EntryReader {
  public:
-  explicit Reader(const std::string& path) : path_(path), object_(ParsedJson(path)) {
+  explicit EntryReader(const std::string& path) : path_(path), object_(ParsedJson(path)) {
     if (!object_.is_object()) throw Failure(path + ": an object is expected");
   }
 
@@ -161,7 +161,7 @@ std::optional<Sidecar> ReadSidecar(const std::string& weights_path) {
   const std::string path = SidecarPath(weights_path);
   std::error_code error;
   if (!std::filesystem::exists(path, error) && !error) return std::nullopt;
-  Reader reader(path);
+  EntryReader reader(path);
   if (reader.Count("format") != kFormat) throw reader.Fault("format", "a newer one than this program knows");
   Sidecar sidecar;
   sidecar.inputs = reader.Count("inputs");

@@ -63,11 +63,7 @@ TEST(Tally, IntervalsAreThoseOfTheTables) {
 
 TEST(Tally, DelaysAreNearestRanks) {
   Tally tally;
-  for (const double delay_s : {2.0, 0.5, 1.0, 1.5}) {
-    Tally one;
-    one.delays_s = {delay_s};
-    tally.Add(one);
-  }
+  tally.delays_s = {2.0, 0.5, 1.0, 1.5};
   EXPECT_DOUBLE_EQ(*tally.Delay_s(0.5), 1.0);
   EXPECT_DOUBLE_EQ(*tally.Delay_s(0.51), 1.5);
   EXPECT_DOUBLE_EQ(*tally.Delay_s(0.9), 2.0);

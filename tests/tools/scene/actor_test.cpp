@@ -45,7 +45,7 @@ constexpr int kActorKinds = static_cast<int>(ActorKind::kBirds) + 1;
 constexpr int kOverlayKinds = static_cast<int>(OverlayKind::kBeacon) + 1;
 
 /// Draws the actors of a kind, or, past those, the overlay of one.
-std::vector<float> Drawn(int kind, std::uint64_t seed, double time_s, int x, int y, int width, int height) {
+std::vector<float> DrawnKind(int kind, std::uint64_t seed, double time_s, int x, int y, int width, int height) {
   const Stage stage = StageWith(x, y);
   Camera camera = TestCamera();
   camera.centre_x -= x;
@@ -71,8 +71,8 @@ TEST_P(EveryKind, LooksTheSameThroughAWindow) {
   constexpr int kWindowHeight = 90;
   for (std::uint64_t seed = 1; seed <= 3; seed++) {
     for (const double time_s : {4.7, 5.9}) {
-      const auto full = Drawn(GetParam(), seed, time_s, 0, 0, kWidth, kHeight);
-      const auto part = Drawn(GetParam(), seed, time_s, kX, kY, kWindowWidth, kWindowHeight);
+      const auto full = DrawnKind(GetParam(), seed, time_s, 0, 0, kWidth, kHeight);
+      const auto part = DrawnKind(GetParam(), seed, time_s, kX, kY, kWindowWidth, kWindowHeight);
       float worst = 0;
       for (int y = 0; y < kWindowHeight; y++) {
         for (int x = 0; x < kWindowWidth; x++) {
@@ -96,7 +96,7 @@ TEST_P(EveryKind, ShowsSomethingAndDependsOnTheSeedAlone) {
   std::vector<float> before;
   for (std::uint64_t seed = 1; seed <= 5; seed++) {
     for (const double time_s : {4.5, 5.5}) {
-      const auto once = Drawn(GetParam(), seed, time_s, 0, 0, kWidth, kHeight);
+      const auto once = DrawnKind(GetParam(), seed, time_s, 0, 0, kWidth, kHeight);
       shown += once != nothing ? 1 : 0;
       repeated += once != nothing && once == before ? 1 : 0;
       // Nobody is as bright as the sun or brings less light than none.
@@ -104,7 +104,7 @@ TEST_P(EveryKind, ShowsSomethingAndDependsOnTheSeedAlone) {
       EXPECT_LE(*std::max_element(once.begin(), once.end()), 700.0F);
       before = once;
     }
-    EXPECT_EQ(before, Drawn(GetParam(), seed, 5.5, 0, 0, kWidth, kHeight));
+    EXPECT_EQ(before, DrawnKind(GetParam(), seed, 5.5, 0, 0, kWidth, kHeight));
   }
   EXPECT_GE(shown, 1);
   EXPECT_LE(repeated, 5);  // what stands looks the same at both times, but not with another seed
