@@ -61,7 +61,8 @@ std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settin
   const toml::table table = ParsedToml(path);
   for (const auto& [key, node] : table) {
     const std::string name(key.str());
-    const std::string where = path + ":" + std::to_string(key.source().begin.line) + ": " + name + ": ";
+    std::string where = path;
+    where.append(":").append(std::to_string(key.source().begin.line)).append(": ").append(name).append(": ");
     const Setting* const setting = FindSetting(name);
     if (setting == nullptr) throw Failure(where + "no such setting");
     if (settled(name)) continue;

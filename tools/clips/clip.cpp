@@ -7,7 +7,6 @@
 #include "clips/scene_source.h"
 #include "host/settings.h"
 #include "host/text.h"
-#include "scene/scene.h"
 #include "video/open_source.h"
 
 namespace stopngo {
@@ -41,13 +40,10 @@ OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
   options.height = kPictureHeight;
   const Region region = clip.region ? *clip.region : SuggestedRegion(options);
   const SceneWindow window = Around(region, margin);
-  auto scene = std::make_unique<Scene>(options, window);
-  std::vector<LabelSpan> labels = scene->Labels();
-  SceneFrames frames{clip.name,     std::move(scene), window.width,
-                     window.height, options.fps,      std::min(rate, options.fps)};
-  return {OpenSceneFrames(std::move(frames)),
+  SceneFrames scene = OpenSceneFrames(clip.name, options, window, std::min(rate, options.fps));
+  return {std::move(scene.frames),
           {region.x - window.x, region.y - window.y, region.width, region.height},
-          std::move(labels)};
+          std::move(scene.labels)};
 }
 
 }  // namespace

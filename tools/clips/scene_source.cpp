@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "scene/scene.h"
+
 namespace stopngo {
 namespace {
 
@@ -15,37 +17,40 @@ std::int64_t Nearest(double time_s, double fps) {
 
 class SceneSource : public FrameSource {
  public:
-  explicit SceneSource(SceneFrames frames)
-      : frames_(std::move(frames)), rate_(frames_.rate > 0 ? frames_.rate : frames_.fps) {
-    info_.width = frames_.width;
-    info_.height = frames_.height;
+  SceneSource(const std::string& name, const SceneOptions& options, const SceneWindow& window, double rate)
+      : scene_(options, window), fps_(options.fps), rate_(rate > 0 ? rate : options.fps) {
+    info_.width = window.width;
+    info_.height = window.height;
     info_.fps = rate_;
-    info_.description = frames_.name;
+    info_.description = name;
     std::int64_t count = 0;
-    while (FrameAt(count) < frames_.scene->Frames()) ++count;
+    while (FrameAt(count) < scene_.Frames()) ++count;
     info_.frames = count;
   }
+
+  [[nodiscard]] std::vector<LabelSpan> Labels() const { return scene_.Labels(); }
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
   bool Next(LumaFrame& frame) override {
     if (slot_ == info_.frames) return false;
-    frame.width = frames_.width;
-    frame.height = frames_.height;
+    frame.width = info_.width;
+    frame.height = info_.height;
     frame.index = FrameAt(slot_);
-    frame.time_s = static_cast<double>(frame.index) / frames_.fps;
-    frame.pixels.resize(static_cast<std::size_t>(frames_.width) * static_cast<std::size_t>(frames_.height));
-    frames_.scene->Render(frame.index, frame.pixels);
+    frame.time_s = static_cast<double>(frame.index) / fps_;
+    frame.pixels.resize(static_cast<std::size_t>(info_.width) * static_cast<std::size_t>(info_.height));
+    scene_.Render(frame.index, frame.pixels);
     ++slot_;
     return true;
   }
 
  private:
   [[nodiscard]] std::int64_t FrameAt(std::int64_t slot) const {
-    return Nearest(static_cast<double>(slot) / rate_, frames_.fps);
+    return Nearest(static_cast<double>(slot) / rate_, fps_);
   }
 
-  SceneFrames frames_;
+  Scene scene_;
+  double fps_;  ///< of the scene
   double rate_;
   SourceInfo info_;
   std::int64_t slot_ = 0;
@@ -53,8 +58,11 @@ class SceneSource : public FrameSource {
 
 }  // namespace
 
-std::unique_ptr<FrameSource> OpenSceneFrames(SceneFrames frames) {
-  return std::make_unique<SceneSource>(std::move(frames));
+SceneFrames OpenSceneFrames(const std::string& name, const SceneOptions& options, const SceneWindow& window,
+                            double rate) {
+  auto source = std::make_unique<SceneSource>(name, options, window, rate);
+  std::vector<LabelSpan> labels = source->Labels();
+  return {std::move(source), std::move(labels)};
 }
 
 }  // namespace stopngo

@@ -3,22 +3,23 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "scene/scene.h"
+#include "base/label.h"
+#include "scene/recipe/recipe.h"
+#include "scene/space/window.h"
 #include "video/frame_source.h"
 
 namespace stopngo {
 
 struct SceneFrames {
-  std::string name;  ///< for the user
-  std::unique_ptr<Scene> scene;
-  int width;  ///< of what the scene renders
-  int height;
-  double fps;   ///< of the scene
-  double rate;  ///< frames a second to give, the nearest ones; at most fps; 0: all
+  std::unique_ptr<FrameSource> frames;
+  std::vector<LabelSpan> labels;  ///< of the whole scene
 };
 
-/// Renders the frames that a recording of the scene would give at the rate, and no others.
-std::unique_ptr<FrameSource> OpenSceneFrames(SceneFrames frames);
+/// Renders the frames that a recording of the scene would give at a rate, and no others. name: for the user;
+/// rate: frames a second to give, the nearest ones, at most the scene's; 0: all.
+SceneFrames OpenSceneFrames(const std::string& name, const SceneOptions& options, const SceneWindow& window,
+                            double rate);
 
 }  // namespace stopngo

@@ -41,6 +41,7 @@ void DrawAxes(Canvas& canvas) {
   canvas.Fill({0, 0, kWidth, kHeight}, style::kPaper);
   const TextStyle name{.size = 15, .colour = style::kCurveInk, .align = Align::kCentre, .bold = true};
   std::vector<AxisMark> rates;
+  rates.reserve(kRates.size());
   for (const double rate : kRates) rates.push_back({Across(rate), Print("%g", rate)});
   std::vector<AxisMark> recalls;
   for (int tenth = 0; tenth <= 10; ++tenth)

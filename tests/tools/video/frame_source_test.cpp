@@ -70,8 +70,9 @@ TEST(FrameSource, VideosAreScaledWithoutTouchingTheirRange) {
     for (const char level : {'\0', '\x10', '\xeb', '\xff'}) {
       const std::string frame =
           "FRAME\n" + std::string(400 * 240, level) + std::string(2 * 200 * 120, '\x80');
-      options.input =
-          folder.File("v", "YUV4MPEG2 W400 H240 F25:1 C420jpeg XCOLORRANGE=" + range + "\n" + frame + frame);
+      std::string video = "YUV4MPEG2 W400 H240 F25:1 C420jpeg XCOLORRANGE=";
+      video.append(range).append("\n").append(frame).append(frame);
+      options.input = folder.File("v", video);
       const std::vector<LumaFrame> frames = FramesOf(options);
       ASSERT_EQ(frames.size(), 2U);
       EXPECT_EQ(frames[1].pixels, Luma(800 * 480, static_cast<std::uint8_t>(level))) << range;
