@@ -23,8 +23,8 @@ std::vector<int> Taken(double rate, double fps, const std::vector<double>& times
 }
 
 std::vector<double> Even(int frames, double fps) {
-  std::vector<double> times_s;
-  for (int i = 0; i < frames; ++i) times_s.push_back(i / fps);
+  std::vector<double> times_s(static_cast<std::size_t>(frames));
+  for (int i = 0; i < frames; ++i) times_s[static_cast<std::size_t>(i)] = i / fps;
   return times_s;
 }
 
