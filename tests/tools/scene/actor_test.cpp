@@ -45,7 +45,8 @@ constexpr int kActorKinds = static_cast<int>(ActorKind::kBirds) + 1;
 constexpr int kOverlayKinds = static_cast<int>(OverlayKind::kBeacon) + 1;
 
 /// Draws the actors of a kind, or, past those, the overlay of one.
-std::vector<float> DrawnKind(int kind, std::uint64_t seed, double time_s, int x, int y, int width, int height) {
+std::vector<float> DrawnKind(int kind, std::uint64_t seed, double time_s, int x, int y, int width,
+                             int height) {
   const Stage stage = StageWith(x, y);
   Camera camera = TestCamera();
   camera.centre_x -= x;
