@@ -6,23 +6,14 @@
 # and what that uses.
 #   USES FOLDER…  others' folders that the tests need besides
 #   NEEDS TARGET…  what has to be built before they run
-add_library(stopngo_test_support STATIC support/temporary_folder.cpp)
-target_include_directories(stopngo_test_support PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-target_link_libraries(stopngo_test_support PUBLIC test_main PRIVATE stopngo_options)
-target_compile_definitions(stopngo_test_support PUBLIC
-  STOPNGO_PROGRAM="${CMAKE_BINARY_DIR}/stopngo" STOPNGO_MODULE_FILE="$<TARGET_FILE:zetstopngo>"
-  STOPNGO_WITH_FFMPEG=$<BOOL:${STOPNGO_WITH_FFMPEG}>)
-
 function(stopngo_folder_tests folder)
   cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "USES;NEEDS")
   if(folder STREQUAL "host")
     set(place ${CMAKE_CURRENT_SOURCE_DIR})
-    set(name host)
-    set(labels host)
+    set(prefix host)
   else()
     set(place ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
-    set(name tools.${folder})
-    set(labels "tools;${folder}")
+    set(prefix tools.${folder})
   endif()
   set(program ${folder}_tests)
   file(GLOB sources CONFIGURE_DEPENDS ${place}/*.cpp)
@@ -32,5 +23,5 @@ function(stopngo_folder_tests folder)
     stopngo_options test_options)
   add_dependencies(${program} zetstopngo ${folder_NEEDS})
   compile_together(${program})
-  gtest_discover_tests(${program} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES LABELS "${labels}")
+  gtest_discover_tests(${program} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${folder})
 endfunction()
