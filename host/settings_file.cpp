@@ -61,8 +61,7 @@ std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settin
   const toml::table table = ParsedToml(path);
   for (const auto& [key, node] : table) {
     const std::string name(key.str());
-    std::string where = path;
-    where.append(":").append(std::to_string(key.source().begin.line)).append(": ").append(name).append(": ");
+    const std::string where = Print("%s:%u: %s: ", path.c_str(), key.source().begin.line, name.c_str());
     const Setting* const setting = FindSetting(name);
     if (setting == nullptr) throw Failure(where + "no such setting");
     if (settled(name)) continue;
