@@ -2,8 +2,6 @@
 #pragma once
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libswscale/swscale.h>
 }
 
@@ -12,20 +10,22 @@ extern "C" {
 #include <memory>
 #include <string>
 
+#include "video/ffmpeg_calls.h"
+
 namespace stopngo {
 
 struct FfmpegDeleter {
   void operator()(AVFormatContext* format) const {
     if (format->iformat != nullptr) {
-      avformat_close_input(&format);
+      Ffmpeg().avformat_close_input(&format);
       return;
     }
-    if (format->pb != nullptr) avio_closep(&format->pb);
-    avformat_free_context(format);
+    if (format->pb != nullptr) Ffmpeg().avio_closep(&format->pb);
+    Ffmpeg().avformat_free_context(format);
   }
-  void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+  void operator()(AVCodecContext* codec) const { Ffmpeg().avcodec_free_context(&codec); }
   void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+  void operator()(AVPacket* packet) const { Ffmpeg().av_packet_free(&packet); }
   void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 /// An object of the libraries, opened for reading or for writing, and freed as it has to be.

@@ -1,6 +1,5 @@
 // ffmpeg_reader.cpp: reads video files, image sequences and cameras through FFmpeg's libraries.
 extern "C" {
-#include <libavdevice/avdevice.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/pixdesc.h>
 }
@@ -30,7 +29,8 @@ const AVInputFormat* FormatOf(const SourceOptions& options) {
   const bool camera = options.format.empty() && options.input.starts_with("/dev/video");
   const std::string name = camera ? "v4l2" : options.format;
   if (name.empty()) return nullptr;
-  const AVInputFormat* const format = av_find_input_format(name.c_str());
+  RegisterDevices();
+  const AVInputFormat* const format = Ffmpeg().av_find_input_format(name.c_str());
   if (format == nullptr)
     throw Failure("--format: FFmpeg knows no input format '" + name + "'", ExitCode::kUsage);
   return format;
@@ -38,7 +38,6 @@ const AVInputFormat* FormatOf(const SourceOptions& options) {
 
 FfmpegOwned<AVFormatContext> OpenInput(const SourceOptions& options) {
   av_log_set_level(AV_LOG_QUIET);  // The one sentence of a Failure says what a user needs.
-  avdevice_register_all();
   const AVInputFormat* const format = FormatOf(options);
   AVDictionary* settings = nullptr;
   // A camera has a size of its own choice unless it is asked; it answers with the nearest that it has.
@@ -46,11 +45,11 @@ FfmpegOwned<AVFormatContext> OpenInput(const SourceOptions& options) {
     av_dict_set(&settings, "video_size", "1920x1080", 0);
   }
   AVFormatContext* opened = nullptr;
-  const int error = avformat_open_input(&opened, UrlOf(options.input).c_str(), format, &settings);
+  const int error = Ffmpeg().avformat_open_input(&opened, UrlOf(options.input).c_str(), format, &settings);
   av_dict_free(&settings);
   FfmpegOwned<AVFormatContext> input(opened);
   if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
-  const int unknown = avformat_find_stream_info(input.get(), nullptr);
+  const int unknown = Ffmpeg().avformat_find_stream_info(input.get(), nullptr);
   if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));
   return input;
 }
@@ -73,10 +72,10 @@ class FfmpegSource : public FrameSource {
   explicit FfmpegSource(const SourceOptions& options)
       : name_(options.input),
         input_(OpenInput(options)),
-        packet_(av_packet_alloc()),
+        packet_(Ffmpeg().av_packet_alloc()),
         frame_(av_frame_alloc()) {
     const AVCodec* decoder = nullptr;
-    const int found = av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
+    const int found = Ffmpeg().av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
     if (found == AVERROR_DECODER_NOT_FOUND) Fail("no decoder for its video");
     if (found < 0) Fail("no video in it");
     stream_ = input_->streams[found];
@@ -107,10 +106,10 @@ class FfmpegSource : public FrameSource {
   [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
 
   void OpenDecoder(const AVCodec* decoder) {
-    codec_.reset(avcodec_alloc_context3(decoder));
-    avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
+    codec_.reset(Ffmpeg().avcodec_alloc_context3(decoder));
+    Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
     codec_->thread_count = 0;  // as many as there are processors
-    const int error = avcodec_open2(codec_.get(), decoder, nullptr);
+    const int error = Ffmpeg().avcodec_open2(codec_.get(), decoder, nullptr);
     if (error < 0) Fail("its video cannot be decoded: " + FfmpegError(error));
   }
 
@@ -118,20 +117,21 @@ class FfmpegSource : public FrameSource {
     info_.width = stream_->codecpar->width;
     info_.height = stream_->codecpar->height;
     if (info_.width < 1 || info_.height < 1) Fail("no video of a known size in it");
-    const AVRational rate = av_guess_frame_rate(input_.get(), stream_, nullptr);
+    const AVRational rate = Ffmpeg().av_guess_frame_rate(input_.get(), stream_, nullptr);
     info_.fps = rate.num > 0 && rate.den > 0 ? av_q2d(rate) : kUnknownRate;
     if (stream_->nb_frames > 0) {
       info_.frames = stream_->nb_frames;
     } else if (input_->duration > 0) {
       info_.frames = std::llround(static_cast<double>(input_->duration) / AV_TIME_BASE * info_.fps);
     }
-    info_.description = name_ + ": " + avcodec_get_name(stream_->codecpar->codec_id) + ", " +
+    info_.description = name_ + ": " + Ffmpeg().avcodec_get_name(stream_->codecpar->codec_id) + ", " +
                         std::to_string(info_.width) + " x " + std::to_string(info_.height);
   }
 
   // A camera mounted upside down writes its pictures so, and beside them how they are to be turned.
   void TakeOrientation() {
-    const std::uint8_t* const data = av_stream_get_side_data(stream_, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    const std::uint8_t* const data =
+        Ffmpeg().av_stream_get_side_data(stream_, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
     if (data == nullptr) return;
     std::array<std::int32_t, 9> matrix{};
     std::memcpy(matrix.data(), data, sizeof matrix);
@@ -144,7 +144,7 @@ class FfmpegSource : public FrameSource {
   // Fills frame_ with the next picture; false at the end.
   bool Decode() {
     for (;;) {
-      const int received = avcodec_receive_frame(codec_.get(), frame_.get());
+      const int received = Ffmpeg().avcodec_receive_frame(codec_.get(), frame_.get());
       if (received >= 0) return true;
       if (received == AVERROR_EOF) return false;
       // A damaged picture costs itself alone; the decoder finds its way back at the next one.
@@ -156,16 +156,16 @@ class FfmpegSource : public FrameSource {
   // Hands the decoder the next packet of the stream, or tells it that there are no more.
   void SendPacket() {
     for (;;) {
-      const int read = av_read_frame(input_.get(), packet_.get());
+      const int read = Ffmpeg().av_read_frame(input_.get(), packet_.get());
       if (read == AVERROR(EAGAIN) || read == AVERROR(EINTR)) continue;
       if (read < 0 && read != AVERROR_EOF) Fail("frame " + std::to_string(index_) + ": " + FfmpegError(read));
       if (read == AVERROR_EOF) {
-        avcodec_send_packet(codec_.get(), nullptr);
+        Ffmpeg().avcodec_send_packet(codec_.get(), nullptr);
         return;
       }
       const bool wanted = packet_->stream_index == stream_->index;
-      if (wanted) avcodec_send_packet(codec_.get(), packet_.get());
-      av_packet_unref(packet_.get());
+      if (wanted) Ffmpeg().avcodec_send_packet(codec_.get(), packet_.get());
+      Ffmpeg().av_packet_unref(packet_.get());
       if (wanted) return;
     }
   }

@@ -25,7 +25,7 @@ namespace {
 constexpr AVPixelFormat kEncoded = AV_PIX_FMT_YUV420P;
 
 const AVOutputFormat* FormatByEnding(const std::string& path) {
-  const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
+  const AVOutputFormat* format = Ffmpeg().av_guess_format(nullptr, path.c_str(), nullptr);
   // Formats without a file of their own are series of pictures and devices.
   if (format == nullptr || (format->flags & AVFMT_NOFILE) != 0 || format->video_codec == AV_CODEC_ID_NONE) {
     throw Failure(path + ": no video format goes by this ending (.y4m, .mp4, .mkv and .avi do)");
@@ -35,14 +35,15 @@ const AVOutputFormat* FormatByEnding(const std::string& path) {
 
 const AVCodec* FindEncoder(const AVOutputFormat* format) {
   // The last one is for .webm, which holds neither of the others.
-  const std::array<const AVCodec*, 3> candidates{avcodec_find_encoder_by_name("libx264"),
-                                                 avcodec_find_encoder_by_name("mpeg4"),
-                                                 avcodec_find_encoder_by_name("libvpx-vp9")};
+  const std::array<const AVCodec*, 3> candidates{Ffmpeg().avcodec_find_encoder_by_name("libx264"),
+                                                 Ffmpeg().avcodec_find_encoder_by_name("mpeg4"),
+                                                 Ffmpeg().avcodec_find_encoder_by_name("libvpx-vp9")};
   // Of transport streams the library cannot tell what they hold; they hold any of these but the last.
   const bool transport = std::strcmp(format->name, "mpegts") == 0;
   const auto fits = [format, transport](const AVCodec* codec) {
     if (codec == nullptr) return false;
-    if (!transport && avformat_query_codec(format, codec->id, FF_COMPLIANCE_NORMAL) != 1) return false;
+    if (!transport && Ffmpeg().avformat_query_codec(format, codec->id, FF_COMPLIANCE_NORMAL) != 1)
+      return false;
     const AVPixelFormat* pixels = codec->pix_fmts;
     while (pixels != nullptr && *pixels != kEncoded && *pixels != AV_PIX_FMT_NONE) pixels++;
     return pixels == nullptr || *pixels == kEncoded;
@@ -57,7 +58,7 @@ class FfmpegSink : public VideoSink {
     av_log_set_level(AV_LOG_QUIET);  // encoders chatter on standard error; what matters comes back as a code
     const AVOutputFormat* guessed = FormatByEnding(options.path);
     AVFormatContext* format = nullptr;
-    Must(avformat_alloc_output_context2(&format, guessed, nullptr, file_.WorkingPath().c_str()));
+    Must(Ffmpeg().avformat_alloc_output_context2(&format, guessed, nullptr, file_.WorkingPath().c_str()));
     format_.reset(format);
     OpenEncoder(guessed);
     OpenFile();
@@ -81,8 +82,8 @@ class FfmpegSink : public VideoSink {
 
   void Finish() override {
     Encode(nullptr);
-    Must(av_write_trailer(format_.get()));
-    Must(avio_closep(&format_->pb));
+    Must(Ffmpeg().av_write_trailer(format_.get()));
+    Must(Ffmpeg().avio_closep(&format_->pb));
     file_.Commit();
   }
 
@@ -108,7 +109,7 @@ class FfmpegSink : public VideoSink {
       throw Failure(options_.path +
                     ": there is no encoder for this kind of file (for .mp4, .mkv and .avi there is)");
     const FrameRate rate = RationalRate(options_.fps);
-    codec_.reset(avcodec_alloc_context3(encoder));
+    codec_.reset(Ffmpeg().avcodec_alloc_context3(encoder));
     codec_->width = options_.width;
     codec_->height = options_.height;
     codec_->pix_fmt = kEncoded;
@@ -123,18 +124,18 @@ class FfmpegSink : public VideoSink {
     av_opt_set(codec_->priv_data, "crf", "16", 0);  // encoders without it go by the quality above
     av_opt_set(codec_->priv_data, "preset", "veryfast", 0);
     if ((format->flags & AVFMT_GLOBALHEADER) != 0) codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    Must(avcodec_open2(codec_.get(), encoder, nullptr));
+    Must(Ffmpeg().avcodec_open2(codec_.get(), encoder, nullptr));
   }
 
   void OpenFile() {
-    stream_ = avformat_new_stream(format_.get(), nullptr);
+    stream_ = Ffmpeg().avformat_new_stream(format_.get(), nullptr);
     Must(stream_ == nullptr ? AVERROR(ENOMEM) : 0);
     stream_->time_base = codec_->time_base;
     stream_->avg_frame_rate = codec_->framerate;
-    Must(avcodec_parameters_from_context(stream_->codecpar, codec_.get()));
-    Must(avio_open(&format_->pb, file_.WorkingPath().c_str(), AVIO_FLAG_WRITE));
-    Must(avformat_write_header(format_.get(), nullptr));
-    packet_.reset(av_packet_alloc());
+    Must(Ffmpeg().avcodec_parameters_from_context(stream_->codecpar, codec_.get()));
+    Must(Ffmpeg().avio_open(&format_->pb, file_.WorkingPath().c_str(), AVIO_FLAG_WRITE));
+    Must(Ffmpeg().avformat_write_header(format_.get(), nullptr));
+    packet_.reset(Ffmpeg().av_packet_alloc());
     Must(packet_ ? 0 : AVERROR(ENOMEM));
   }
 
@@ -169,15 +170,15 @@ class FfmpegSink : public VideoSink {
 
   /// frame: null drains the encoder.
   void Encode(const AVFrame* frame) {
-    Must(avcodec_send_frame(codec_.get(), frame));
+    Must(Ffmpeg().avcodec_send_frame(codec_.get(), frame));
     for (;;) {
-      const int result = avcodec_receive_packet(codec_.get(), packet_.get());
+      const int result = Ffmpeg().avcodec_receive_packet(codec_.get(), packet_.get());
       if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
       Must(result);
       packet_->duration = 1;
       packet_->stream_index = stream_->index;
-      av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
-      Must(av_interleaved_write_frame(format_.get(), packet_.get()));
+      Ffmpeg().av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
+      Must(Ffmpeg().av_interleaved_write_frame(format_.get(), packet_.get()));
       Must(format_->pb->error);
     }
   }
