@@ -23,14 +23,14 @@ class Fenced {
   Fenced(const Fenced&) = delete;
   Fenced& operator=(const Fenced&) = delete;
 
-  [[nodiscard]] bool Mapped() const { return mapping_ != nullptr; }
+  [[nodiscard]] bool Mapped() const { return body_ != nullptr; }
   [[nodiscard]] std::uint8_t* Data() const { return data_; }
   [[nodiscard]] std::span<std::uint8_t> Bytes() const { return {data_, size_}; }
 
  private:
   std::size_t size_;
-  std::size_t mapping_size_;
-  void* mapping_;
+  std::size_t body_size_;  ///< in whole pages
+  std::uint8_t* body_;
   std::uint8_t* data_ = nullptr;
 };
 
