@@ -13,6 +13,7 @@
 #include "clips/clip.h"
 #include "clips/region.h"
 #include "host/file.h"
+#include "host/text.h"
 #include "program.h"
 #include "scene/scene.h"
 #include "support/squares.h"
@@ -146,28 +147,25 @@ TEST_F(Steady, TunedSettingsAreWhatRunTakes) {
   EXPECT_EQ(JsonLines(none.out, "setting").at(0)["threshold"], "0.6") << "no alarm is within the limit";
 }
 
-// The alarms in scenes of which only the region is rendered are those of run on whole pictures. This one
-// has no compression, whose marks depend on the frames before.
+// The alarms in a scene are those of run on a recording of its region. This one has no compression, whose marks
+// depend on the frames before.
 TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
   const TemporaryFolder folder;
   const std::string weights = " --rate 8 --weights " + ContractionWeights(folder);
   constexpr std::uint64_t kSeed = 2;
   const Clip clip{.name = "scene", .source = DrawnScene{SceneKind::kDeparture, kSeed}};
   const OpenedClip opened = OpenClip(clip, 0, 0);
-  const SceneOptions options = DrawScene(SceneKind::kDeparture, kSeed);
-  const Region region = SuggestedRegion(options);
-  std::string video = Y4mHeader(25);
+  const Region region = SuggestedRegion(DrawScene(SceneKind::kDeparture, kSeed));
+  const std::string width = std::to_string(region.width);
+  const std::string height = std::to_string(region.height);
+  std::string video = Print("YUV4MPEG2 W%d H%d F25:1 Ip A1:1 Cmono\n", region.width, region.height);
   for (LumaFrame frame; opened.frames->Next(frame);) {
-    std::string plane(std::size_t{kPictureWidth} * kPictureHeight, '\0');
-    for (int y = 0; y < region.height; ++y) {
-      std::copy_n(frame.pixels.begin() + y * region.width, region.width,
-                  plane.begin() + (region.y + y) * kPictureWidth + region.x);
-    }
-    video += "FRAME\n" + plane;
+    video.append("FRAME\n").append(frame.pixels.begin(), frame.pixels.end());
   }
   const std::string file = folder.File("scene.y4m", video);
-  const CommandResult run = Stopngo(std::string("run --json ").append(file).append(weights) + " --roi-x " +
-                                    std::to_string(region.x) + " --roi-y " + std::to_string(region.y));
+  const CommandResult run =
+      Stopngo(std::string("run --json ").append(file).append(weights) +
+              " --roi-x 0 --roi-y 0 --input-width " + width + " --input-height " + height);
   ASSERT_EQ(run.exit_code, 0) << run.err;
   std::vector<double> expected;
   for (const auto& line : JsonLines(run.out, "decision")) {

@@ -43,10 +43,11 @@ TEST(SceneLabels, LabelsAgreeWithThePicture) {
 }
 
 TEST(SceneLabels, LabelsOfEveryKindFollowOneAnother) {
+  constexpr int kSeeds = 4;
   for (const SceneKindName& kind : SceneKinds()) {
     int departures = 0;
     bool moving = false;
-    for (std::uint64_t seed = 1; seed <= 8; seed++) {
+    for (std::uint64_t seed = 1; seed <= kSeeds; seed++) {
       const SceneOptions options = Drawn(kind.kind, seed);
       Scene scene(options, {0, 0, 8, 8});
       double last = 0;
@@ -64,7 +65,7 @@ TEST(SceneLabels, LabelsOfEveryKindFollowOneAnother) {
     const bool leaves = kind.kind == SceneKind::kDeparture || kind.kind == SceneKind::kCreep ||
                         kind.kind == SceneKind::kMixed;
     if (leaves) {
-      EXPECT_EQ(departures, 8) << kind.name;
+      EXPECT_EQ(departures, kSeeds) << kind.name;
     } else if (kind.kind != SceneKind::kQueue) {
       EXPECT_EQ(departures, 0) << kind.name;
     }

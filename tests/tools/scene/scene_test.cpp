@@ -68,7 +68,7 @@ TEST(Scene, WindowIsAPartOfThePicture) {
       const SceneWindow window{131, 90, 141, 93};
       Scene part(options, window);
       Luma seen(static_cast<std::size_t>(window.width) * static_cast<std::size_t>(window.height));
-      for (std::int64_t frame = 0; frame < 70; frame += 7) {
+      for (std::int64_t frame = 0; frame < 70; frame += 20) {
         const Luma picture = Rendered(whole, options, frame);
         part.Render(frame, seen);
         Luma cut;
