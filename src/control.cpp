@@ -85,7 +85,7 @@ void LoadWeights(VEL_STOPNGO_CTX& ctx, int* Result) {
 
 /// Takes the code's value off the list and applies it.
 void Apply(VEL_STOPNGO_CTX& ctx, const Code& Given, va_list* List) {
-  switch (Given.Value) {  // GCOVR_EXCL_BR_LINE: every kind has its case
+  switch (Given.Value) {  // LCOV_EXCL_BR_LINE: every kind has its case
     case Kind::kWord:
       Store(ctx, Given.Field, va_arg(*List, int));
       break;

@@ -80,12 +80,12 @@ extern "C" void pixel_qsort(data_08* pix_arr, int npix) {
     }
     const auto [i, j] = Sorting.Partition(l, ir);
     j_stack += 2;
-    // GCOVR_EXCL_START: takes an array of 230 MB that halves exactly, again and again
+    // LCOV_EXCL_START: takes an array of 230 MB that halves exactly, again and again
     if (j_stack > kStack) {
       std::printf("pixel_qsort - stack too small in pixel_qsort: aborting");
       return;
     }
-    // GCOVR_EXCL_STOP
+    // LCOV_EXCL_STOP
     // The larger side waits.
     const bool UpperWaits = ir - i + 1 >= j - l;
     i_stack[j_stack - 1] = UpperWaits ? ir : j - 1;

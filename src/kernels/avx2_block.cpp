@@ -18,8 +18,11 @@ constexpr int kStrip = 16;
 
 template <int Pixels>
 [[gnu::always_inline]] inline __m256i Widen(const DATA_08* p) {
-  if constexpr (Pixels == 16) return v256::Widen(p);
-  return _mm256_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+  if constexpr (Pixels == 16) {
+    return v256::Widen(p);
+  } else {
+    return _mm256_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+  }
 }
 
 template <int Pixels>

@@ -65,8 +65,6 @@ struct Shape {
   constexpr int SquareHalf() const { return Columns / 2; }
   constexpr int SquareStride() const { return 2 * SquareHalf(); }
   constexpr int Bytes() const { return PairRows() * PairStride() + kPositions * SquareStride() * 4; }
-  /// Of the weights of a block.
-  constexpr int BlockWeights() const { return 32 * RowPairs; }
 };
 
 /// The most blocks of a size that a tile takes.
@@ -76,9 +74,10 @@ constexpr int LargestTile(int Size) {
   return Count;
 }
 
-constexpr bool WeightsFit() {
+consteval bool WeightsFit() {
+  constexpr int kRowPairWeights = 32;  // bytes, of one block
   for (int Size = 9; Size <= kPatch; ++Size) {
-    if (LargestTile(Size) * Shape(Size, 1).BlockWeights() > kWeightBytes) return false;
+    if (LargestTile(Size) * Shape(Size, 1).RowPairs * kRowPairWeights > kWeightBytes) return false;
   }
   return true;
 }

@@ -25,14 +25,14 @@ constexpr KernelTable kTables[] = {
 /// How many of them this processor runs.
 std::size_t CountTables() {
 #if defined(__x86_64__)
-  // GCOVR_EXCL_BR_START: one processor takes one way; Dispatch.OffersTheFormsOfThisProcessor holds it to that.
+  // LCOV_EXCL_BR_START: one processor takes one way; Dispatch.OffersTheFormsOfThisProcessor holds it to that.
   __builtin_cpu_init();
   if (!__builtin_cpu_supports("sse4.1")) return 1;
   if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma")) return 2;
   const bool Vnni = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                     __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vnni");
   return Vnni ? 4 : 3;
-  // GCOVR_EXCL_BR_STOP
+  // LCOV_EXCL_BR_STOP
 #elif defined(__aarch64__)
   return (getauxval(AT_HWCAP) & HWCAP_ASIMDDP) != 0 ? 3 : 2;
 #else
