@@ -152,9 +152,9 @@ VEL_STOPNGO_API int vel_stopngo_update_params(VEL_STOPNGO_CTX* ctx);
 
 /* One motion vector a block of BlockSize pixels, by a three-step search for the block of ImageNew in
  * ImageOld. MotionVector receives NumY × NumX pairs (down, right), each -7 … 7. The first block lies
- * at (BlockSize, BlockSize); rows are EndX bytes apart. The blocks, their
- * rows rounded up to 8 pixels, lie inside both images, and 7 pixels more on every side inside ImageOld, all
- * as linear offsets. */
+ * at (BlockSize, BlockSize). Both images have (NumY + 2) × BlockSize rows of EndX bytes. Where the search
+ * could leave them, as linear offsets (the blocks with their rows rounded up to 8 pixels, and in ImageOld 7
+ * pixels more on every side), nothing is read and all vectors are 0: with blocks of 6 and less always. */
 VEL_STOPNGO_API void Block_Match_TSS_(const uint8_t* ImageOld, const uint8_t* ImageNew, int8_t* MotionVector,
                                       uint32_t BlockSize, uint32_t NumY, uint32_t NumX, uint32_t EndX);
 

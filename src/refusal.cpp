@@ -33,8 +33,7 @@ static_assert(kChunkCapacity <= kFeatureCapacity);
 const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes) {
   const std::uint64_t Blocks = std::uint64_t{ctx.NumY} * ctx.NumX;
   if (Blocks > kMotionCapacity / 2) return "more blocks than the motion field holds";
-  const MatchExtent Read = ExtentOfMatch(ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX);
-  if (Read.Old > Sizes.Previous || Read.New > Sizes.Current) {
+  if (!SearchStaysInside({Sizes.Previous, Sizes.Current}, ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX)) {
     return "block matching would leave the analysis buffers";
   }
   if (ctx.Features > kChunkCapacity) return "more features than the histogram has entries";

@@ -7,6 +7,7 @@
 #include "decide.h"
 #include "filter.h"
 #include "geometry.h"
+#include "match.h"
 #include "mirror.h"
 #include "refusal.h"
 #include "vel_stopngo.h"
@@ -94,7 +95,7 @@ void CropAndFilter(const VEL_STOPNGO_CTX& ctx, const FrameGeometry& Geometry, co
 
 /// Scores the motion between the two buffers together with that of the frame analysed before.
 real_32 Analyse(VEL_STOPNGO_CTX& ctx) {
-  Block_Match_TSS_(ctx.FrameOld, ctx.FrameNew, ctx.Motion, ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX);
+  MatchMotion(ctx.FrameOld, ctx.FrameNew, ctx.Motion, ctx.BlockSize, ctx.NumY, ctx.NumX, ctx.EndX);
   Block_Local_Histogram_(ctx.Motion, ctx.MotionChunk, ctx.SumY, ctx.SumX);
   // The halves overlap when Features has grown since the derivation.
   std::memmove(ctx.FeatureOld, ctx.FeatureNew, ctx.Features * sizeof(real_32));

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 #include <vector>
 
 #include "fenced.h"
+#include "kernels/kernels.h"
 #include "random.h"
 #include "seed.h"
 #include "vel_stopngo.h"
@@ -126,6 +128,73 @@ TEST(BlockMatch, BlocksReadNothingBeyondTheImages) {
       std::ranges::fill(motion, std::int8_t{99});
       Block_Match_TSS_(old_image.Data(), new_image.Data(), motion, block_size, 3, 2, width);
       for (const std::int8_t component : motion) EXPECT_LE(std::abs(component), 7);
+    }
+  }
+}
+
+/// Two fenced images of exactly the rows that a direct call takes them to have, in noise.
+struct DirectCall {
+  std::uint32_t block_size, rows, columns, width;
+
+  /// The vectors, which those behind them bear out to be all that was written.
+  [[nodiscard]] std::vector<std::int8_t> Vectors(test::Fenced::Side side) const {
+    const std::size_t bytes = std::size_t{rows + 2} * block_size * width;
+    const test::Fenced old_image(bytes, side);
+    const test::Fenced new_image(bytes, side);
+    test::Random random(test::Seed(bytes));
+    random.Fill(old_image.Bytes());
+    random.Fill(new_image.Bytes());
+    const std::uint8_t nothing = 0;  // an empty image is none to Fenced
+    const std::size_t count = std::size_t{2} * rows * columns;
+    std::vector<std::int8_t> motion(count + 2, 99);
+    Block_Match_TSS_(bytes > 0 ? old_image.Data() : &nothing, bytes > 0 ? new_image.Data() : &nothing,
+                     motion.data(), block_size, rows, columns, width);
+    EXPECT_EQ(motion[count], 99);
+    EXPECT_EQ(motion[count + 1], 99);
+    motion.resize(count);
+    return motion;
+  }
+};
+
+bool AllZero(const std::vector<std::int8_t>& motion) {
+  return std::ranges::all_of(motion, [](int component) { return component == 0; });
+}
+
+TEST(BlockMatch, ASearchThatCouldLeaveTheImagesReadsNothingAndGivesZeros) {
+  for (const KernelTable& table : AvailableKernels()) {
+    ForceKernels(&table);
+    for (std::uint32_t size = 1; size <= 40; ++size) {
+      for (std::uint32_t rest = 0; rest <= size; ++rest) {
+        SCOPED_TRACE(std::string(table.Name) + ", blocks of " + std::to_string(size) + ", rest " +
+                     std::to_string(rest));
+        // At least four blocks: in noise they do not all stay where they are by chance.
+        const DirectCall call{size, 2 + rest % 2, 2 + rest % 3, (4 + rest % 3) * size + rest};
+        for (const auto side : {test::Fenced::Side::kStart, test::Fenced::Side::kEnd}) {
+          const std::vector<std::int8_t> motion = call.Vectors(side);
+          // Blocks of 7 with a pixel to spare are the smallest whose margin holds the reach.
+          const bool inside = size >= 8 || (size == 7 && rest > 0);
+          EXPECT_EQ(AllZero(motion), !inside);
+        }
+      }
+    }
+    // Rows shorter than the grid: linear offsets decide, and nothing lies outside.
+    for (std::uint32_t width = 0; width < 60; ++width) {
+      for (const std::uint32_t size : {7U, 8U, 10U, 16U, 33U}) {
+        const DirectCall call{size, 2, 3, width};
+        EXPECT_EQ(call.Vectors(test::Fenced::Side::kStart), call.Vectors(test::Fenced::Side::kEnd));
+      }
+    }
+    EXPECT_FALSE(AllZero(DirectCall{10, 2, 3, 40}.Vectors(test::Fenced::Side::kEnd)));
+    EXPECT_TRUE(AllZero(DirectCall{10, 2, 3, 6}.Vectors(test::Fenced::Side::kEnd)));
+  }
+  ForceKernels(nullptr);
+  // Sizes whose products wrap; one block, so that there is room for its vector.
+  for (const std::uint32_t width : {0x80000000U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t size : {1U, 6U, 0xFFFFFFFFU}) {
+      const std::uint8_t nothing = 0;
+      std::int8_t motion[2] = {99, 99};
+      Block_Match_TSS_(&nothing, &nothing, motion, size, 1, 1, width);
+      EXPECT_EQ(motion[0] | motion[1], 0) << size << " " << width;
     }
   }
 }
