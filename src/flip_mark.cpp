@@ -7,7 +7,7 @@
 extern "C" {
 
 void Image_Flipping_(data_08* Image, data_08* Buffer, DATA_32 EndY, DATA_32 EndX) {
-  if (Image == nullptr || Buffer == nullptr) return;
+  if (Image == nullptr || Buffer == nullptr || EndX == 0) return;
   const std::size_t RowLength = EndX;
   for (DATA_32 Row = 0; Row < EndY / 2; ++Row) {
     data_08* LineA = Image + Row * RowLength;

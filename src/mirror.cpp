@@ -23,7 +23,8 @@ std::uint64_t MirrorExtent(const VEL_STOPNGO_CTX& ctx) {
 }
 
 void Mirror(const VEL_STOPNGO_CTX& ctx) {
-  if (ctx.debug_fb == nullptr) return;
+  // Rows without columns may be four thousand million.
+  if (MirrorExtent(ctx) == 0) return;
   auto* Framebuffer = reinterpret_cast<data_08*>(ctx.debug_fb);
   for (DATA_32 y = 0; y < MirrorRows(ctx); ++y) {
     const DATA_08* Row = ctx.FrameNew + std::size_t{y} * ctx.EndX;

@@ -13,16 +13,38 @@ namespace {
 
 // ---- Block matching ----
 
+data_32 Square(DATA_08 Old, DATA_08 New) {
+  const data_32 Temporary = data_32{New} - data_32{Old};
+  return Temporary * Temporary;
+}
+
+/// The matching error where rows of the patch overlap: the sum of the next row is this one's without its first
+/// EndX pixels and with those behind it. A large block over short rows, each pixel of which is in hundreds of
+/// its rows, costs no more than its pixels then.
+data_32 OverlappingSquareSum(const DATA_08* Old, const DATA_08* New, std::size_t Columns, DATA_32 BlockSize,
+                             DATA_32 EndX) {
+  data_32 RowSum = 0;
+  for (std::size_t Column = 0; Column < Columns; ++Column) RowSum += Square(Old[Column], New[Column]);
+  data_32 ErrorSum = RowSum;
+  for (DATA_32 Row = 1; Row < BlockSize; ++Row, Old += EndX, New += EndX) {
+    for (std::size_t k = 0; k < EndX; ++k) {
+      RowSum += Square(Old[Columns + k], New[Columns + k]) - Square(Old[k], New[k]);
+    }
+    ErrorSum += RowSum;
+  }
+  return ErrorSum;
+}
+
 /// The matching error: the sum of squared differences over BlockSize rows of whole runs of 8 pixels. Runs
 /// may pass the right edge: positions are linear offsets.
 data_32 _Block_Error_Square_Sum_(const DATA_08* BlockOld, const DATA_08* BlockNew, DATA_32 BlockSize,
                                  DATA_32 EndX) {
   const std::size_t Columns = (std::size_t{BlockSize} + 7) / 8 * 8;
+  if (EndX < BlockSize) return OverlappingSquareSum(BlockOld, BlockNew, Columns, BlockSize, EndX);
   data_32 ErrorSum = 0;
   for (DATA_32 Row = 0; Row < BlockSize; ++Row) {
     for (std::size_t Column = 0; Column < Columns; ++Column) {
-      const data_32 Temporary = data_32{BlockNew[Column]} - data_32{BlockOld[Column]};
-      ErrorSum += Temporary * Temporary;
+      ErrorSum += Square(BlockOld[Column], BlockNew[Column]);
     }
     BlockOld += EndX;
     BlockNew += EndX;

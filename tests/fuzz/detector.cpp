@@ -1,13 +1,16 @@
 // detector.cpp: fuzz target: any control calls and frames, with the frames exactly as large as declared.
 //
 // Input: records of five bytes, a code and a 32-bit value. Codes of control are applied; others write a
-// frame whose pixels follow from the value. The address sanitizer sees every access beyond a buffer.
+// frame whose pixels follow from the value. The address sanitizer sees every access beyond a buffer, and no call
+// may take longer than its pixels are worth.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <vector>
 
+#include "time_limit.h"
 #include "vel_stopngo.h"
 #include "vel_stopngo_ctx.h"
 
@@ -39,11 +42,24 @@ bool TakesAnInt(std::uint8_t code) {
   }
 }
 
-void WriteFrame(VEL_STOPNGO_CTX& ctx, std::uint32_t pixels) {
+/// As large as declared, or none when that is too large; without rows or columns it is still there.
+std::unique_ptr<char[]> FramebufferFor(const VEL_STOPNGO_CTX& ctx) {
+  const std::uint64_t rows = ctx.debug_fb_height > 0 ? ctx.debug_fb_height : ctx.EndY;
+  const std::uint64_t pixels = rows * ctx.debug_fb_width;
+  return pixels > kLargest ? nullptr : std::make_unique<char[]>(4 * pixels);
+}
+
+/// Region: the largest one so far, since buffers keep the size that they were allocated with.
+void WriteFrame(VEL_STOPNGO_CTX& ctx, std::uint32_t pixels, std::uint64_t& region) {
   const std::uint64_t size = DeclaredSize(ctx);
-  if (size > kLargest || std::uint64_t{ctx.EndY} * ctx.EndX > kLargest || ctx.EndY > kLargest) return;
+  const std::uint64_t now = std::uint64_t{ctx.EndY} * ctx.EndX;
+  if (size > kLargest || now > kLargest) return;
+  region = std::max(region, now);
   const auto frame = std::make_unique<std::uint8_t[]>(size);
   for (std::uint64_t i = 0; i < size; ++i) frame[i] = static_cast<std::uint8_t>(pixels * (i / 7 + 1) >> 13);
+  const std::unique_ptr<char[]> framebuffer = FramebufferFor(ctx);
+  ctx.debug_fb = framebuffer.get();
+  const fuzz::TimeLimit limit("write", region);
   vel_stopngo_write(&ctx, frame.get(), 0);
 }
 
@@ -56,6 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // A small working frame, so that a run takes little time; the input may change it.
   vel_stopngo_control(ctx, VEL_CTRL_STOPNGO_INPUT_WIDTH, 240, VEL_CTRL_STOPNGO_INPUT_HEIGHT, 150,
                       VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, 240, VEL_CTRL_STOPNGO_END);
+  std::uint64_t region = 0;
   for (; size >= 5; data += 5, size -= 5) {
     std::uint32_t value = 0;
     std::memcpy(&value, data + 1, sizeof value);
@@ -65,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else if (data[0] == VEL_CTRL_STOPNGO_UPDATE_PARAMS) {
       vel_stopngo_update_params(ctx);
     } else {
-      WriteFrame(*ctx, value);
+      WriteFrame(*ctx, value, region);
     }
   }
   vel_stopngo_close(ctx);

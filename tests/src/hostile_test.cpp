@@ -68,10 +68,8 @@ std::unique_ptr<Fenced> FrameFor(const VEL_STOPNGO_CTX& ctx) {
   return Declared(ctx.EndYInput, ctx.EndXInput, 1);
 }
 
-/// A region too large for a test's time: the module would take it, row by row.
-bool TooLong(const VEL_STOPNGO_CTX& ctx) {
-  return std::uint64_t{ctx.EndY} * ctx.EndX > (1U << 22) || ctx.EndY > (1U << 22);
-}
+/// A region with more pixels than a test has time for. Rows without pixels cost nothing, however many.
+bool TooLong(const VEL_STOPNGO_CTX& ctx) { return std::uint64_t{ctx.EndY} * ctx.EndX > (1U << 22); }
 
 struct Outcomes {
   int accepted = 0, refused = 0;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fenced.h"
+#include "kernels/kernels.h"
 #include "random.h"
 #include "seed.h"
 #include "vel_stopngo.h"
@@ -86,6 +87,34 @@ TEST(Utilities, EmptyRectanglesAndNullPointersWriteNothing) {
   Image_Flipping_(nullptr, output.data(), 4, 4);
   Image_Flipping_(output.data(), nullptr, 4, 4);
   EXPECT_EQ(output, std::vector<std::uint8_t>(16, 77));
+}
+
+TEST(Utilities, RowsWithoutPixelsCostNothing) {
+  static int calls;
+  calls = 0;
+  KernelTable counting = AvailableKernels().back();
+  counting.ExchangeRows = [](std::uint8_t*, std::uint8_t*, std::uint8_t*, std::uint32_t) { ++calls; };
+  counting.MarkRows = [](std::uint8_t*, const std::uint8_t*, std::uint32_t, std::uint32_t, std::uint32_t) {
+    ++calls;
+  };
+  counting.Resample = [](const std::uint8_t*, std::ptrdiff_t, const Pattern&, const Pattern&, std::uint8_t*,
+                         std::uint32_t, std::uint32_t) { ++calls; };
+  ForceKernels(&counting);
+  constexpr std::uint32_t kMany = 0xFFFFFFFF;
+  const std::uint8_t input = 1;
+  std::uint8_t output = 2;
+  const std::uint32_t no_columns[] = {0, 3, kMany, 3};
+  Image_Flipping_(&output, &output, kMany, 0);
+  Image_Marking_(&output, &input, no_columns, 0);
+  Image_Subsampling_2_(&input, &output, kMany, 0);
+  Image_Subsampling_3_(&input, &output, kMany, 0);
+  Image_Cropping_(&input, &output, no_columns, no_columns, 0, 0, kMany, 0);
+  Image_Original_Cropping_(1920, 1080, &input, &output, no_columns, no_columns, 0, 0, kMany, 0);
+  for (const CropRoutine crop : {Image_Cropping_2_, Image_ROI_2_, Image_ROI_3_}) {
+    crop(&input, &output, no_columns, 0, kMany, 0);
+  }
+  ForceKernels(nullptr);
+  EXPECT_EQ(calls, 0);
 }
 
 TEST(Flipping, ExchangesRowsAndKeepsTheMiddle) {
