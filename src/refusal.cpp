@@ -49,7 +49,9 @@ const char* AnalysisRefusal(const VEL_STOPNGO_CTX& ctx, const BufferSizes& Sizes
 const char* RefusalReason(const VEL_STOPNGO_CTX& ctx, const FrameInput& Input, const BufferSizes& Sizes,
                           bool FirstFrame, bool Analyse) {
   const std::uint64_t Frame = std::uint64_t{Input.EndY} * Input.EndX;
-  if (SamplingExtent(Input.Source, ctx.EndY, ctx.EndX, Input.EndX) > Frame) {
+  // A corner before the frame is a large number, and sums with it may wrap to a place inside.
+  const bool BeforeFrame = static_cast<inte_32>(ctx.ROI_Y) < 0 || static_cast<inte_32>(ctx.ROI_X) < 0;
+  if (BeforeFrame || SamplingExtent(Input.Source, ctx.EndY, ctx.EndX, Input.EndX) > Frame) {
     return "region reaches outside the frame";
   }
   if (CropExtent(ctx, Input) > Sizes.Current) return "region does not fit the analysis buffer";

@@ -1,6 +1,7 @@
 // refusal_test.cpp: which settings a frame is refused with, in which words, and which just still run.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,8 @@ struct RefusalCase {
   Settings then;        ///< in force from the next frame on
   const char* refusal;  ///< of that frame; null: it runs
 };
+
+constexpr int kLowest = std::numeric_limits<int>::min();
 
 constexpr const char* kRuns = nullptr;
 constexpr const char* kRegion = "region reaches outside the frame";
@@ -41,6 +44,22 @@ const RefusalCase kRefusalCases[] = {
     {{}, 1, {{VEL_CTRL_STOPNGO_ROI_Y, 340}, {VEL_CTRL_STOPNGO_ROI_X, 581}}, kRegion},
     {{}, 3, {{VEL_CTRL_STOPNGO_INPUT_HEIGHT, 140}}, kRuns},
     {{}, 3, {{VEL_CTRL_STOPNGO_INPUT_HEIGHT, 139}}, kRegion},
+    // A corner before the frame, also where zoom, scale to full resolution or the declared height wrap it back
+    // inside, and where nothing would be read of it.
+    {{}, 0, {{VEL_CTRL_STOPNGO_ROI_X, -1}}, kRegion},
+    {{}, 2, {{VEL_CTRL_STOPNGO_ROI_Y, -10}, {VEL_CTRL_STOPNGO_SET_SCALE, 2}}, kRegion},
+    {{}, 2, {{VEL_CTRL_STOPNGO_ROI_X, -22}, {VEL_CTRL_STOPNGO_SET_SCALE, 2}}, kRegion},
+    {{}, 2, {{VEL_CTRL_STOPNGO_ROI_X, -1}, {VEL_CTRL_STOPNGO_SET_SCALE, 1}}, kRegion},
+    {{}, 0, {{VEL_CTRL_STOPNGO_ROI_X, kLowest}, {VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, 1280}}, kRegion},
+    {{}, 0, {{VEL_CTRL_STOPNGO_ROI_Y, -200}, {VEL_CTRL_STOPNGO_INPUT_HEIGHT, -1}}, kRegion},
+    {{}, 0, {{VEL_CTRL_STOPNGO_ROI_X, -1}, {VEL_CTRL_STOPNGO_ROI_WIDTH, 0}}, kRegion},
+    // Rows without pixels, four thousand million of them, and a frame with none.
+    {{}, 0, {{VEL_CTRL_STOPNGO_ROI_WIDTH, 0}, {VEL_CTRL_STOPNGO_ROI_HEIGHT, -1}}, kRuns},
+    {{}, 2, {{VEL_CTRL_STOPNGO_ROI_WIDTH, 0}, {VEL_CTRL_STOPNGO_ROI_HEIGHT, -1}}, kRuns},
+    {{},
+     2,
+     {{VEL_CTRL_STOPNGO_SET_SCALE, 1}, {VEL_CTRL_STOPNGO_ROI_HEIGHT, -1}, {VEL_CTRL_STOPNGO_LCD_WIDTH, 0}},
+     kRuns},
     // In 64 bits the last row's offset would wrap to one inside the frame.
     {{}, 0, {{VEL_CTRL_STOPNGO_INPUT_WIDTH, -1}, {VEL_CTRL_STOPNGO_ROI_Y, -1}}, kRegion},
     {{}, 0, {{VEL_CTRL_STOPNGO_ROI_WIDTH, 65536}, {VEL_CTRL_STOPNGO_ROI_HEIGHT, 65536}}, kRegion},
