@@ -11,6 +11,22 @@ if(STOPNGO_SANITIZE)
   target_link_options(stopngo_options INTERFACE -fsanitize=${STOPNGO_SANITIZE})
 endif()
 
+# Hardening, of every target. Returns and indirect calls are guarded where processor and system can (CET, BTI, PAC):
+# the linker says so in the file when every object of it does, which Debian's start files do not; a program has to have
+# those, the module has not (src/CMakeLists.txt). Sanitizers see more than stack protector and fortified calls do,
+# and these hide things from them.
+target_link_options(stopngo_options INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+if(NOT STOPNGO_SANITIZE)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(stopngo_options INTERFACE -fcf-protection)
+  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    target_compile_options(stopngo_options INTERFACE -mbranch-protection=standard)
+  endif()
+  target_compile_options(stopngo_options INTERFACE -fstack-protector-strong
+    # Some compilers set a level of their own.
+    $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+endif()
+
 # With STOPNGO_UNITY, a target's sources become a few: they share what takes longest, the headers of libraries.
 # Half a dozen each, so that processors share the work.
 function(compile_together target)
