@@ -33,6 +33,15 @@ cmake -G Ninja -S "$root" -B "$root/build" -DCMAKE_PREFIX_PATH="$root/usr" >/dev
 cmake --build "$root/build" >/dev/null
 "$root/build/host"
 
+selftest=$root/usr/bin/zetstopngo-selftest
+"$selftest" >"$root/log" || { echo "install_test: the self-test failed" >&2; cat "$root/log" >&2; exit 1; }
+grep -q "^module   $library/" "$root/log" || { echo "install_test: the self-test asked another module" >&2; exit 1; }
+for argument in "$root/none.so" "$root/usr/bin/zetstopngo-selftest" --unknown; do
+  code=0
+  "$selftest" "$argument" >/dev/null 2>&1 || code=$?
+  [ "$code" = 2 ] || { echo "install_test: the self-test took $argument, exit code $code" >&2; exit 1; }
+done
+
 run() { head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --rate 0 "$@"; }
 run --no-weights >"$root/log"
 grep -q 10 "$root/log" || { echo "install_test: the installed command did not run" >&2; exit 1; }

@@ -10,7 +10,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 documents=("$@")
 [ $# -gt 0 ] || documents=(README.md CONTRIBUTING.md docs/*.md)
-sources=$(find bench cmake host include scripts src tests tools -type f)
+sources=$(find bench cmake host include scripts selftest src tests tools -type f)
 
 looked_for=0
 missing=0
