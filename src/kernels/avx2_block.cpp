@@ -16,24 +16,31 @@ using Lanes = __m256i;
 
 constexpr int kStrip = 16;
 
-template <int Pixels>
-[[gnu::always_inline]] inline __m256i Widen(const DATA_08* p) {
+template <int Pixels, int Rows>
+[[gnu::always_inline]] inline __m256i Widen(const DATA_08* p, std::size_t EndX) {
   if constexpr (Pixels == 16) {
     return v256::Widen(p);
   } else {
-    return _mm256_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+    __m128i v = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+    if constexpr (Rows == 2) {
+      v = _mm_unpacklo_epi64(v, _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + EndX)));
+    }
+    return _mm256_cvtepu8_epi16(v);
   }
 }
 
-template <int Pixels>
-[[gnu::always_inline]] inline void Add(__m256i& Sum, __m256i New, const DATA_08* Old) {
-  const __m256i Difference = _mm256_sub_epi16(New, Widen<Pixels>(Old));
+[[gnu::always_inline]] inline void Add(__m256i& Sum, __m256i New, __m256i Old) {
+  const __m256i Difference = _mm256_sub_epi16(New, Old);
   Sum = _mm256_add_epi32(Sum, _mm256_madd_epi16(Difference, Difference));
 }
 
 [[gnu::always_inline]] inline inte_32 LeastKey(const __m256i (&S)[8]) {
   const __m256i Places = _mm256_setr_epi32(1, 2, 3, 4, 5, 6, 7, 8);
   return v256::Least(_mm256_or_si256(_mm256_slli_epi32(v256::Totals(S), block_step::kPlaceBits), Places));
+}
+
+[[gnu::always_inline]] inline void StoreTotals(data_32* Errors, const __m256i (&S)[8]) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(Errors), v256::Totals(S));
 }
 
 using v256::Total;

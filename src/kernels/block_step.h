@@ -20,8 +20,9 @@ constexpr DATA_32 kLargestBlock = 32;
 struct Direction {
   inte_08 Y, X;
 };
-constexpr Direction kDirections[9] = {{0, 0}, {-1, -1}, {-1, 0}, {-1, 1}, {0, -1},
-                                      {0, 1}, {1, -1},  {1, 0},  {1, 1}};
+constexpr int kNeighbours = 8;
+constexpr Direction kDirections[1 + kNeighbours] = {{0, 0}, {-1, -1}, {-1, 0}, {-1, 1}, {0, -1},
+                                                    {0, 1}, {1, -1},  {1, 0},  {1, 1}};
 
 /// How far the search of one block has come: the least key so far, its place taken off, and the position
 /// relative to the block.
@@ -38,6 +39,29 @@ struct Progress {
   }
 
   /// The vector points against the displacement in the previous image.
+  void Store(inte_08* Motion) const {
+    Motion[0] = static_cast<inte_08>(-Y);
+    Motion[1] = static_cast<inte_08>(-X);
+  }
+};
+
+/// The same for larger blocks, whose errors do not fit keys: the neighbours one after the other, as the plain form
+/// takes them, with sums modulo 2^32.
+struct LargeProgress {
+  data_32 Error;
+  inte_32 Y, X;
+
+  void Move(const data_32 (&Errors)[kNeighbours], int Step) {
+    Direction Way = kDirections[0];
+    for (int k = 0; k < kNeighbours; ++k) {
+      if (static_cast<inte_32>(Errors[k] - Error) >= 0) continue;
+      Error = Errors[k];
+      Way = kDirections[1 + k];
+    }
+    Y += Way.Y * Step;
+    X += Way.X * Step;
+  }
+
   void Store(inte_08* Motion) const {
     Motion[0] = static_cast<inte_08>(-Y);
     Motion[1] = static_cast<inte_08>(-X);

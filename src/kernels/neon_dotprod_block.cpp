@@ -39,13 +39,8 @@ STOPNGO_INLINE uint32x4_t Accumulate(uint32x4_t Sum, uint8x8_t Old, uint8x8_t Ne
 
 void MatchBlocks(const DATA_08* ImageOld, const DATA_08* ImageNew, inte_08* MotionVector, DATA_32 BlockSize,
                  DATA_32 NumY, DATA_32 NumX, DATA_32 EndX) {
-  if (BlockSize == 0 || BlockSize > block_step::kLargestBlock) {
-    return generic::MatchBlocks(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX);
-  }
-  if (BlockSize == 10) {
-    return MatchGrid<BlockOf10>(ImageOld, ImageNew, MotionVector, 10, NumY, NumX, EndX);
-  }
-  MatchGrid<AnyBlock>(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX);
+  if (MatchVectors(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX)) return;
+  generic::MatchBlocks(ImageOld, ImageNew, MotionVector, BlockSize, NumY, NumX, EndX);
 }
 
 }  // namespace neon_dotprod

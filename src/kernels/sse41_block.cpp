@@ -18,14 +18,13 @@ using Lanes = __m128i;
 
 constexpr int kStrip = 8;
 
-template <int Pixels>
-[[gnu::always_inline]] inline __m128i Widen(const DATA_08* p) {
+template <int Pixels, int Rows>
+[[gnu::always_inline]] inline __m128i Widen(const DATA_08* p, std::size_t /*EndX*/) {
   return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
 
-template <int Pixels>
-[[gnu::always_inline]] inline void Add(__m128i& Sum, __m128i New, const DATA_08* Old) {
-  const __m128i Difference = _mm_sub_epi16(New, Widen<Pixels>(Old));
+[[gnu::always_inline]] inline void Add(__m128i& Sum, __m128i New, __m128i Old) {
+  const __m128i Difference = _mm_sub_epi16(New, Old);
   Sum = _mm_add_epi32(Sum, _mm_madd_epi16(Difference, Difference));
 }
 
@@ -44,6 +43,11 @@ __m128i Keys(__m128i Errors, __m128i Places) {
   m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0x4E));
   m = _mm_min_epi32(m, _mm_shuffle_epi32(m, 0xB1));
   return _mm_cvtsi128_si32(m);
+}
+
+[[gnu::always_inline]] inline void StoreTotals(data_32* Errors, const __m128i (&S)[8]) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(Errors), Totals(S));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(Errors + 4), Totals(S + 4));
 }
 
 inte_32 Total(__m128i Sum) {

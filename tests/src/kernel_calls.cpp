@@ -119,8 +119,10 @@ BlockGeometry DrawBlockGeometry(Random& random) {
       g = {176 + random.Below(20), 1, 1 + random.Below(2), 0};
       break;
     case 2:
-    case 3:
       g.size = 1 + random.Below(33);
+      break;
+    case 3:
+      g = {33 + random.Below(60), 1 + random.Below(2), 1 + random.Below(3), 0};
       break;
     default:
       break;
