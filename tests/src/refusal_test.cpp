@@ -114,6 +114,9 @@ const RefusalCase kRefusalCases[] = {
     {{{VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, 11}}, 2, {}, kRuns},
     {{}, 1, {{VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, 0}}, kRuns},
     {{}, 1, {{VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, 11}}, kMatching},
+    // A second buffer that is smaller than the first: the patches end 4 bytes before the end of 130 rows.
+    {{}, 1, {{VEL_CTRL_STOPNGO_ROI_HEIGHT, 130}}, kRuns},
+    {{}, 1, {{VEL_CTRL_STOPNGO_ROI_HEIGHT, 129}}, kMatching},
     {{{VEL_CTRL_STOPNGO_ROI_WIDTH, 66},
       {VEL_CTRL_STOPNGO_ROI_HEIGHT, 60},
       {VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, 6}},
