@@ -40,6 +40,10 @@ inline std::optional<FrameSize> SizeOf(std::string_view text) {
   return FrameSize{*width, *height};
 }
 
+/// Text of others, fit for a terminal and for JSON: what would steer a terminal or turn its writing around becomes
+/// an escape such as \u001b, a byte that is no UTF-8 one such as \xff. Everything else stays as it is.
+std::string Escaped(std::string_view text);
+
 /// What somebody wrote, as faults repeat it.
 inline std::string Quoted(std::string_view text) {
   std::string quoted = "'";

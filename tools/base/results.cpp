@@ -9,14 +9,16 @@
 
 #include "host/failure.h"
 #include "host/system_error.h"
+#include "host/text.h"
 
 namespace stopngo {
 
 void WriteResult(std::string_view line) {
   // On one terminal a progress bar may stand where the line is going to be.
   if (isatty(STDOUT_FILENO) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
+  const std::string text = Escaped(line);
   errno = 0;
-  const bool written = std::fwrite(line.data(), 1, line.size(), stdout) == line.size();
+  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0) {
     FailOutput();
   }

@@ -7,7 +7,7 @@
 
 namespace stopngo {
 
-/// Writes a line and its newline at once, so that a reader at the other end of a pipe sees a decision
+/// Writes a line, escaped, and its newline at once, so that a reader at the other end of a pipe sees a decision
 /// when it falls. Throws as FailOutput.
 void WriteResult(std::string_view line);
 

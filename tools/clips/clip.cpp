@@ -7,6 +7,7 @@
 #include "clips/scene_source.h"
 #include "host/settings.h"
 #include "host/text.h"
+#include "video/damage.h"
 #include "video/open_source.h"
 
 namespace stopngo {
@@ -21,6 +22,7 @@ OpenedClip OpenRecording(const Clip& clip, double rate) {
   options.width = kPictureWidth;
   options.height = kPictureHeight;
   options.rate = rate;
+  options.hear = DamageRule(DamageRule::Kind::kAtOnce, clip.allow_damaged);
   return {OpenSource(options), clip.region.value_or(RegionOf(Settings())), clip.labels};
 }
 

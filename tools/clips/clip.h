@@ -29,6 +29,7 @@ struct Clip {
   std::optional<Region> region{};   ///< unset: where the scene suggests it, or the tools' default
   std::optional<double> rate{};     ///< frames a second handed over; unset: as settings tell
   std::vector<LabelSpan> labels{};  ///< of a recording; a scene knows its own
+  bool allow_damaged = false;       ///< a recording is taken as far as it goes
 
   [[nodiscard]] bool IsScene() const { return std::holds_alternative<DrawnScene>(source); }
 };

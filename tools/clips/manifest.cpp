@@ -250,13 +250,15 @@ std::vector<Clip> ReadManifest(const std::string& path) {
   return clips;
 }
 
-std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings) {
+std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings,
+                                bool allow_damaged) {
   CheckSettings(settings);
   std::vector<Clip> clips;
   for (const std::string& path : paths) {
     for (Clip& clip : ReadManifest(path)) clips.push_back(std::move(clip));
   }
   for (Clip& clip : clips) {
+    clip.allow_damaged = allow_damaged;
     if (clip.region || clip.IsScene()) continue;
     clip.region = RegionOf(settings);
   }

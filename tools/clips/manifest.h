@@ -21,6 +21,8 @@ std::vector<Clip> ReadManifest(const std::string& path);
 
 /// The clips of several manifests; a recording without a region gets that of the settings. Throws Failure,
 /// also when the settings ask for what clips have no place for: frames of another size, a debug framebuffer.
-std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings);
+/// allow_damaged: of all of them.
+std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settings& settings,
+                                bool allow_damaged);
 
 }  // namespace stopngo

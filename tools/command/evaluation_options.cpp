@@ -5,6 +5,7 @@
 
 #include "base/parallel.h"
 #include "clips/manifest.h"
+#include "command/source_options.h"
 
 namespace stopngo {
 
@@ -20,12 +21,13 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
       ->type_name("NUMBER")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
+  AddAllowDamaged(app, allow_damaged);
   app.add_flag("--json", json, "JSON Lines");
 }
 
 std::vector<Clip> EvaluationOptions::Clips() {
   options_.Complete();
-  return ReadManifests(manifests, settings);
+  return ReadManifests(manifests, settings, allow_damaged);
 }
 
 std::vector<std::string> EvaluationOptions::Files() const {

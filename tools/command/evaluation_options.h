@@ -25,6 +25,7 @@ struct EvaluationOptions {
   std::vector<std::string> manifests;
   int jobs;
   double false_per_hour = 1;  ///< wanted at most, of standing
+  bool allow_damaged = false;
   bool json = false;
 
  private:

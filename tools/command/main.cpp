@@ -11,6 +11,7 @@
 #include "base/results.h"
 #include "command/subcommand.h"
 #include "host/failure.h"
+#include "host/text.h"
 
 namespace stopngo {
 namespace {
@@ -40,7 +41,7 @@ constexpr std::array kSubcommands{
 // Help and version come as exceptions, too; everything else that parsing throws is wrong usage.
 int EndParsing(const CLI::App& app, const CLI::ParseError& end) {
   if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
-  std::cerr << "stopngo: " << end.what() << '\n';
+  std::cerr << "stopngo: " << Escaped(end.what()) << '\n';
   return kUsage;
 }
 
@@ -77,7 +78,7 @@ int Main(int argc, char** argv) {
   // A pipe that is no longer read shows as a failed write, which leaves time to remove unfinished files.
   std::signal(SIGPIPE, SIG_IGN);
   const auto tell = [](const char* sentence, ExitCode code) {
-    std::cerr << "stopngo: " << sentence << '\n';
+    std::cerr << "stopngo: " << Escaped(sentence) << '\n';
     return static_cast<int>(code);
   };
   try {

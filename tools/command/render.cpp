@@ -23,10 +23,12 @@
 #include "host/failure.h"
 #include "host/settings.h"
 #include "host/system_error.h"
+#include "host/text.h"
 #include "overlay/debug_picture.h"
 #include "overlay/overlay.h"
 #include "overlay/sampled_area.h"
 #include "vel_stopngo_ctx.h"
+#include "video/damage.h"
 #include "video/open_sink.h"
 #include "video/open_source.h"
 
@@ -54,6 +56,7 @@ struct RenderArguments {
   std::string still;
   std::optional<double> still_at;  ///< seconds; unset: at the first alarm
   double history_s = 10;
+  bool allow_damaged = false;
   bool json = false;
 };
 
@@ -257,15 +260,17 @@ class RenderCommand : public Subcommand {
   }
 
   void Run() override {
-    auto frames = OpenSource(ForSettings(arguments_.source, arguments_.settings));
+    DamageRule damage(DamageRule::Kind::kAtEnd, arguments_.allow_damaged);
+    auto frames = OpenSource(ForSettings(arguments_.source, arguments_.settings, damage));
     CatchInterruption();
     Rendering rendering(arguments_, outputs_, std::move(frames));
     rendering.Run();
     if (arguments_.output == "-") {
-      std::cerr << rendering.Tell() << '\n';  // standard output is the video
+      std::cerr << Escaped(rendering.Tell()) << '\n';  // standard output is the video
     } else {
       WriteResult(rendering.Tell());
     }
+    damage.RefuseKept();
   }
 
  private:
@@ -290,6 +295,7 @@ RenderCommand::RenderCommand(CLI::App& app) : arguments_(app) {
       ->type_name("SECONDS")
       ->check(CLI::Range(1.0, 3600.0))
       ->capture_default_str();
+  AddAllowDamaged(app, arguments_.allow_damaged);
   app.add_flag("--json", arguments_.json, "the summary as one line of JSON");
 }
 

@@ -16,6 +16,7 @@
 #include "host/failure.h"
 #include "host/settings.h"
 #include "overlay/debug_picture.h"
+#include "video/damage.h"
 #include "video/open_source.h"
 
 namespace stopngo {
@@ -44,12 +45,14 @@ class RunCommand : public Subcommand {
   SettingsOptions options_;
   SourceOptions source_;
   std::string trace_;
+  bool allow_damaged_ = false;
   bool json_ = false;
 };
 
 RunCommand::RunCommand(CLI::App& app) : options_(app, settings_) {
   app.footer(kRunFooter);
   AddSourceOptions(app, source_);
+  AddAllowDamaged(app, allow_damaged_);
   app.add_option("--trace", trace_, "tab-separated file that receives a line a frame")->type_name("FILE");
   app.add_flag("--json", json_, "JSON Lines: an object a decision, the summary last");
 }
@@ -67,7 +70,8 @@ std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
 }
 
 void RunCommand::Run() {
-  const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source_, settings_));
+  DamageRule damage(DamageRule::Kind::kAtEnd, allow_damaged_);
+  const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source_, settings_, damage));
   const Module module;
   Detector detector(module, settings_, frames->Info());
   CatchInterruption();
@@ -93,6 +97,7 @@ void RunCommand::Run() {
     debug_file->Commit();
   }
   report.Summarize();
+  damage.RefuseKept();
 }
 
 }  // namespace

@@ -46,10 +46,16 @@ void AddSourceOptions(CLI::App& app, SourceOptions& options) {
       });
 }
 
-SourceOptions ForSettings(SourceOptions options, const Settings& settings) {
+void AddAllowDamaged(CLI::App& app, bool& allow_damaged) {
+  app.add_flag("--allow-damaged", allow_damaged,
+               "take recordings that are damaged or end early as far as they go, with a warning");
+}
+
+SourceOptions ForSettings(SourceOptions options, const Settings& settings, DamageRule& damage) {
   options.width = settings.input_width;
   options.height = settings.input_height;
   options.rate = settings.rate;
+  options.hear = [&damage](const Remark& remark) { damage(remark); };
   return options;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/settings.h"
+#include "video/damage.h"
 #include "video/frame_source.h"
 
 namespace CLI {
@@ -13,7 +14,11 @@ namespace stopngo {
 /// Adds INPUT, --format, --original, --raw and --raw-fps.
 void AddSourceOptions(CLI::App& app, SourceOptions& options);
 
-/// The options with what the settings say of the frames: their size and rate.
-SourceOptions ForSettings(SourceOptions options, const Settings& settings);
+/// The option of every subcommand that reads recordings.
+void AddAllowDamaged(CLI::App& app, bool& allow_damaged);
+
+/// The options with what the settings say of the frames, their size and rate. damage: hears of what the input is;
+/// outlives the source that is opened.
+SourceOptions ForSettings(SourceOptions options, const Settings& settings, DamageRule& damage);
 
 }  // namespace stopngo

@@ -174,13 +174,7 @@ void Render(Scene& scene, const SceneOptions& options, VideoSink& sink) {
 }
 
 void ListKinds() {
-  std::string text;
-  for (const SceneKindName& kind : SceneKinds()) {
-    std::string name = kind.name;
-    name.resize(14, ' ');
-    text += std::string(text.empty() ? "" : "\n") + name + kind.help;
-  }
-  WriteResult(text);
+  for (const SceneKindName& kind : SceneKinds()) WriteResult(Print("%-14s%s", kind.name, kind.help));
 }
 
 class SynthCommand : public Subcommand {
@@ -254,7 +248,7 @@ void SynthCommand::RenderAll() {
 
   const std::string summary = Summary(arguments_, description, labels);
   if (ToStandardOutput()) {
-    std::cerr << summary << '\n';  // standard output is the video
+    std::cerr << Escaped(summary) << '\n';  // standard output is the video
   } else {
     WriteResult(summary);
   }

@@ -21,6 +21,7 @@
 #include "classify.h"
 #include "clips/manifest.h"
 #include "command/settings_options.h"
+#include "command/source_options.h"
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
@@ -67,12 +68,12 @@ struct ClipSet {
   std::vector<Clip> clips;
   nlohmann::ordered_json files = nlohmann::ordered_json::array();  ///< the manifests as they were read
 
-  void Read(const Settings& settings) {
+  void Read(const Settings& settings, bool allow_damaged) {
     for (const std::string& path : manifests) RefuseReadOnce(path);
-    clips = ReadManifests(manifests, settings);
+    clips = ReadManifests(manifests, settings, allow_damaged);
     for (const std::string& path : manifests) {
-      files.push_back(
-          {{"file", std::filesystem::path(path).filename().string()}, {"sha256", Sha256(ReadFile(path))}});
+      files.push_back({{"file", std::filesystem::path(path).filename().string()},
+                       {"sha256", Sha256(ReadFile(path))}});
     }
   }
 
@@ -109,6 +110,7 @@ class TrainCommand : public Subcommand {
   TrainingOptions training_;
   ClipSet clips_, validation_, test_;
   std::string output_, report_;
+  bool allow_damaged_ = false;
   int jobs_ = HardwareJobs();
 };
 
@@ -127,6 +129,7 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
       ->capture_default_str()
       ->check(CLI::Range(1, 256))
       ->type_name("N");
+  AddAllowDamaged(app, allow_damaged_);
   const auto number = [&app](const char* name, auto& value, const char* help, auto low, auto high) {
     app.add_option(name, value, help)
         ->capture_default_str()
@@ -168,7 +171,7 @@ void TrainCommand::RefuseSettings() const {
 }
 
 void TrainCommand::ReadClips() {
-  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_);
+  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_, allow_damaged_);
   if (validation_.manifests.empty()) {
     std::vector<Clip> kept;
     for (std::size_t i = 0; i < clips_.clips.size(); i++) {

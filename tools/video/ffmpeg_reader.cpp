@@ -1,19 +1,27 @@
 // ffmpeg_reader.cpp: reads video files, image sequences and cameras through FFmpeg's libraries.
 extern "C" {
-#include <libavutil/imgutils.h>
 #include <libavutil/pixdesc.h>
 }
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <limits>
+#include <new>
 #include <optional>
+#include <utility>
 
 #include "host/failure.h"
+#include "host/text.h"
+#include "video/announced_end.h"
 #include "video/ffmpeg.h"
+#include "video/ffmpeg_luma.h"
 #include "video/reader.h"
+#include "video/remark.h"
 
 namespace stopngo {
 namespace {
@@ -36,7 +44,15 @@ const AVInputFormat* FormatOf(const SourceOptions& options) {
   return format;
 }
 
-FfmpegOwned<AVFormatContext> OpenInput(const SourceOptions& options) {
+std::string Seconds(double time_s) { return Print("%.2f s", time_s); }
+
+/// An input, and what its file says of its length before the library guesses.
+struct Opened {
+  FfmpegOwned<AVFormatContext> input;
+  AnnouncedEnd end;
+};
+
+Opened OpenInput(const SourceOptions& options) {
   av_log_set_level(AV_LOG_QUIET);  // The one sentence of a Failure says what a user needs.
   const AVInputFormat* const format = FormatOf(options);
   AVDictionary* settings = nullptr;
@@ -49,9 +65,11 @@ FfmpegOwned<AVFormatContext> OpenInput(const SourceOptions& options) {
   av_dict_free(&settings);
   FfmpegOwned<AVFormatContext> input(opened);
   if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
+  AnnouncedEnd end(*input);
   const int unknown = Ffmpeg().avformat_find_stream_info(input.get(), nullptr);
   if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));
-  return input;
+  end.TakeWhole(*input);
+  return {std::move(input), std::move(end)};
 }
 
 // FFmpeg draws text files as a terminal would. Nobody points a camera at them.
@@ -60,30 +78,15 @@ bool IsText(AVCodecID codec) {
   return std::find(kText.begin(), kText.end(), codec) != kText.end();
 }
 
-// Whether the first component is luma that can be taken as it is: YUV or grey, whole bytes or words.
-bool HasLuma(const AVPixFmtDescriptor& format) {
-  constexpr std::uint64_t kForeign = AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM |
-                                     AV_PIX_FMT_FLAG_FLOAT | AV_PIX_FMT_FLAG_HWACCEL | AV_PIX_FMT_FLAG_BAYER;
-  return (format.flags & kForeign) == 0 && format.comp[0].depth >= 8;
+template <typename Handle>
+Handle* Made(Handle* handle) {
+  if (handle == nullptr) throw std::bad_alloc();
+  return handle;
 }
 
 class FfmpegSource : public FrameSource {
  public:
-  explicit FfmpegSource(const SourceOptions& options)
-      : name_(options.input),
-        input_(OpenInput(options)),
-        packet_(Ffmpeg().av_packet_alloc()),
-        frame_(av_frame_alloc()) {
-    const AVCodec* decoder = nullptr;
-    const int found = Ffmpeg().av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
-    if (found == AVERROR_DECODER_NOT_FOUND) Fail("no decoder for its video");
-    if (found < 0) Fail("no video in it");
-    stream_ = input_->streams[found];
-    if (IsText(stream_->codecpar->codec_id)) Fail("no video in it, only text");
-    OpenDecoder(decoder);
-    Describe();
-    TakeOrientation();
-  }
+  explicit FfmpegSource(const SourceOptions& options) : FfmpegSource(options, OpenInput(options)) {}
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
@@ -96,20 +99,40 @@ class FfmpegSource : public FrameSource {
     frame.height = frame_->height;
     frame.index = index_;
     frame.time_s = Time();
-    TakeLuma(frame.pixels);
+    Look();
+    luma_.Take(*frame_, frame.pixels);
     if (upside_down_) std::reverse(frame.pixels.begin(), frame.pixels.end());
     ++index_;
     return true;
   }
 
  private:
+  FfmpegSource(const SourceOptions& options, Opened opened)
+      : name_(options.input),
+        remarks_(options.input, options.hear),
+        luma_(options.input),
+        input_(std::move(opened.input)),
+        end_(std::move(opened.end)),
+        packet_(Made(Ffmpeg().av_packet_alloc())),
+        frame_(Made(av_frame_alloc())) {
+    const AVCodec* decoder = nullptr;
+    const int found = Ffmpeg().av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
+    if (found == AVERROR_DECODER_NOT_FOUND) Fail("no decoder for its video");
+    if (found < 0) Fail("no video in it");
+    stream_ = input_->streams[found];
+    if (IsText(stream_->codecpar->codec_id)) Fail("no video in it, only text");
+    OpenDecoder(decoder);
+    Describe();
+    TakeOrientation();
+  }
+
   [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
 
   void OpenDecoder(const AVCodec* decoder) {
-    codec_.reset(Ffmpeg().avcodec_alloc_context3(decoder));
-    Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
+    codec_.reset(Made(Ffmpeg().avcodec_alloc_context3(decoder)));
+    int error = Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
     codec_->thread_count = 0;  // as many as there are processors
-    const int error = Ffmpeg().avcodec_open2(codec_.get(), decoder, nullptr);
+    if (error >= 0) error = Ffmpeg().avcodec_open2(codec_.get(), decoder, nullptr);
     if (error < 0) Fail("its video cannot be decoded: " + FfmpegError(error));
   }
 
@@ -139,6 +162,7 @@ class FfmpegSource : public FrameSource {
     const bool upright = straight && matrix[0] > 0 && matrix[4] > 0;
     upside_down_ = straight && matrix[0] < 0 && matrix[4] < 0;
     if (!upright && !upside_down_) Fail("its pictures are to be turned or mirrored; have them written anew");
+    if (upside_down_) remarks_.Say(Remarks::kTurned, "its pictures are stored upside down, and are turned");
   }
 
   // Fills frame_ with the next picture; false at the end.
@@ -148,7 +172,11 @@ class FfmpegSource : public FrameSource {
       if (received >= 0) return true;
       if (received == AVERROR_EOF) return false;
       // A damaged picture costs itself alone; the decoder finds its way back at the next one.
-      if (received != AVERROR(EAGAIN) && received != AVERROR_INVALIDDATA) Fail(FfmpegError(received));
+      if (received == AVERROR_INVALIDDATA) {
+        TellUndecoded(last_s_, received);
+      } else if (received != AVERROR(EAGAIN)) {
+        Fail(FfmpegError(received));
+      }
       SendPacket();
     }
   }
@@ -158,16 +186,85 @@ class FfmpegSource : public FrameSource {
     for (;;) {
       const int read = Ffmpeg().av_read_frame(input_.get(), packet_.get());
       if (read == AVERROR(EAGAIN) || read == AVERROR(EINTR)) continue;
-      if (read < 0 && read != AVERROR_EOF) Fail("frame " + std::to_string(index_) + ": " + FfmpegError(read));
-      if (read == AVERROR_EOF) {
+      if (read < 0) {
+        EndReading(read);
         Ffmpeg().avcodec_send_packet(codec_.get(), nullptr);
         return;
       }
-      const bool wanted = packet_->stream_index == stream_->index;
-      if (wanted) Ffmpeg().avcodec_send_packet(codec_.get(), packet_.get());
+      end_.Add(*input_, *packet_);
+      // An empty packet stands for a picture that a recorder left out, and would end the decoding.
+      const bool wanted = packet_->stream_index == stream_->index && packet_->size > 0;
+      if (wanted) Send();
       Ffmpeg().av_packet_unref(packet_.get());
       if (wanted) return;
     }
+  }
+
+  void Send() {
+    const double time_s = PacketTime();
+    TellIncomplete(packet_->dts);
+    if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0 && !incomplete_) incomplete_ = {packet_->dts, time_s};
+    const int sent = Ffmpeg().avcodec_send_packet(codec_.get(), packet_.get());
+    if (sent == AVERROR(ENOMEM)) Fail(FfmpegError(sent));
+    if (sent < 0) TellUndecoded(time_s, sent);
+  }
+
+  void TellUndecoded(double near_s, int error) {
+    remarks_.Say(Remarks::kPicture,
+                 "a picture near " + Seconds(near_s) + " cannot be decoded: " + FfmpegError(error));
+  }
+
+  // Where pieces are joined, one of the last packets before the seam seems to lack what the next piece does not go on
+  // with: the clock that soon starts anew tells a seam from a loss.
+  void TellIncomplete(std::int64_t next_dts) {
+    constexpr int kNearSeam = 8;  // packets
+    if (!incomplete_) return;
+    if (next_dts < incomplete_->last_dts) {
+      incomplete_.reset();
+      return;
+    }
+    incomplete_->last_dts = next_dts;
+    if (next_dts == kNoMore || ++incomplete_->followers > kNearSeam) {
+      remarks_.Say(Remarks::kPicture,
+                   "of the picture near " + Seconds(incomplete_->time_s) + " a part is missing");
+      incomplete_.reset();
+    }
+  }
+
+  void EndReading(int reason) {
+    TellIncomplete(kNoMore);
+    if (reason == AVERROR_EOF && input_->pb != nullptr && input_->pb->error < 0) reason = input_->pb->error;
+    if (reason != AVERROR_EOF) {
+      remarks_.Say(Remarks::kEnd, "cannot be read on after " + Seconds(last_s_) + ": " + FfmpegError(reason));
+    } else if (const auto announced_s = end_.Missed(static_cast<std::size_t>(stream_->index))) {
+      remarks_.Say(Remarks::kEnd,
+                   "ends near " + Seconds(last_s_) + ", and announces a length of " + Seconds(*announced_s));
+    }
+  }
+
+  // What the picture says of itself beside its pixels.
+  void Look() {
+    if ((frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0 || frame_->decode_error_flags != 0) {
+      remarks_.Say(Remarks::kPicture, "the picture at " + Seconds(last_s_) + " is damaged");
+    }
+    const AVRational pixel = Ffmpeg().av_guess_sample_aspect_ratio(input_.get(), stream_, frame_.get());
+    if (pixel.num > 0 && pixel.num != pixel.den) {
+      remarks_.Say(Remarks::kPixels, PixelRemark(pixel.num, pixel.den));
+    }
+    if (frame_->interlaced_frame != 0) {
+      remarks_.Say(Remarks::kInterlaced, kInterlaced);
+    }
+    const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame_->format));
+    const bool grey_or_rgb =
+        format == nullptr || format->nb_components < 3 || (format->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    if (frame_->color_range == AVCOL_RANGE_JPEG && !grey_or_rgb) remarks_.Say(Remarks::kRange, kFullRange);
+  }
+
+  // Seconds; that of the last picture where a packet has none.
+  [[nodiscard]] double PacketTime() const {
+    const std::int64_t stamp = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
+    if (stamp == AV_NOPTS_VALUE || !zero_) return last_s_;
+    return std::max(last_s_, static_cast<double>(stamp - *zero_) * av_q2d(stream_->time_base));
   }
 
   // Recordings joined from pieces may start their clock anew in the middle: it goes on where it stood.
@@ -186,78 +283,29 @@ class FfmpegSource : public FrameSource {
     return time_s;
   }
 
-  void TakeLuma(std::vector<std::uint8_t>& pixels) {
-    pixels.resize(std::size_t{1} * frame_->width * frame_->height);
-    const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame_->format));
-    if (format == nullptr) Fail("frames of an unknown pixel format");
-    if (!HasLuma(*format)) {
-      ConvertToGrey(pixels);
-    } else if (format->comp[0].depth == 8) {
-      CopyLuma(format->comp[0], pixels);
-    } else {
-      ReduceLuma(*format, pixels);
-    }
-  }
-
-  [[nodiscard]] const std::uint8_t* Row(const AVComponentDescriptor& luma, int y) const {
-    return frame_->data[luma.plane] + std::ptrdiff_t{y} * frame_->linesize[luma.plane] + luma.offset;
-  }
-
-  // The bytes as they are, full or limited range. A step above 1: packed formats such as YUYV.
-  void CopyLuma(const AVComponentDescriptor& luma, std::vector<std::uint8_t>& pixels) const {
-    std::uint8_t* out = pixels.data();
-    for (int y = 0; y < frame_->height; ++y, out += frame_->width) {
-      const std::uint8_t* const row = Row(luma, y);
-      if (luma.step == 1) {
-        std::memcpy(out, row, static_cast<std::size_t>(frame_->width));
-        continue;
-      }
-      for (int x = 0; x < frame_->width; ++x) out[x] = row[std::ptrdiff_t{x} * luma.step];
-    }
-  }
-
-  // More than 8 bits: the upper 8, rounded, which keeps either range.
-  void ReduceLuma(const AVPixFmtDescriptor& format, std::vector<std::uint8_t>& pixels) {
-    const int surplus = format.comp[0].depth - 8;
-    words_.resize(static_cast<std::size_t>(frame_->width));
-    const std::uint8_t* planes[4];
-    std::copy_n(frame_->data, 4, planes);
-    std::uint8_t* out = pixels.data();
-    for (int y = 0; y < frame_->height; ++y, out += frame_->width) {
-      av_read_image_line(words_.data(), planes, frame_->linesize, &format, 0, y, 0, frame_->width, 0);
-      std::transform(words_.begin(), words_.end(), out, [surplus](std::uint16_t word) {
-        return static_cast<std::uint8_t>(std::min(255, (word + (1 << surplus >> 1)) >> surplus));
-      });
-    }
-  }
-
-  // RGB, palettes, single bits: full-range grey, so that a grey picture gives its own values. Without the
-  // name of a method the library would set up the conversion anew for every frame.
-  void ConvertToGrey(std::vector<std::uint8_t>& pixels) {
-    const auto format = static_cast<AVPixelFormat>(frame_->format);
-    converter_.reset(sws_getCachedContext(converter_.release(), frame_->width, frame_->height, format,
-                                          frame_->width, frame_->height, AV_PIX_FMT_GRAY8, kExactScaling,
-                                          nullptr, nullptr, nullptr));
-    if (!converter_) Fail(std::string("frames of the pixel format ") + av_get_pix_fmt_name(format));
-    pixels.reserve(pixels.size() + kScalerPadding);
-    std::uint8_t* const target[4] = {pixels.data()};
-    const int stride[4] = {frame_->width};
-    sws_scale(converter_.get(), frame_->data, frame_->linesize, 0, frame_->height, target, stride);
-  }
+  /// A packet that seems to lack a part.
+  struct Incomplete {
+    std::int64_t last_dts;  ///< its own, and then those of its followers
+    double time_s;
+    int followers = 0;
+  };
+  static constexpr std::int64_t kNoMore = std::numeric_limits<std::int64_t>::max();
 
   std::string name_;
+  Remarks remarks_;
+  LumaTaker luma_;
   FfmpegOwned<AVFormatContext> input_;
+  AnnouncedEnd end_;
   FfmpegOwned<AVCodecContext> codec_;
   FfmpegOwned<AVPacket> packet_;
   FfmpegOwned<AVFrame> frame_;
-  FfmpegOwned<SwsContext> converter_;
   AVStream* stream_ = nullptr;  ///< belongs to input_
   SourceInfo info_;
   std::int64_t index_ = 0;
+  std::optional<Incomplete> incomplete_;
   std::optional<std::int64_t> zero_;  ///< the stamp of time 0, in the stream's units
   double last_s_ = 0;
   bool upside_down_ = false;  ///< as the pictures are stored
-  std::vector<std::uint16_t> words_;
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/luma.h"
+#include "video/remark.h"
 
 namespace stopngo {
 
@@ -25,13 +26,15 @@ struct SourceOptions {
   int raw_width = 0;  ///< raw luma: size of the planes; 0: not raw
   int raw_height = 0;
   double raw_fps = 25;
+  RemarkHearer hear;  ///< of what the input is that it does not seem to be
 };
 
 class FrameSource {
  public:
   virtual ~FrameSource() = default;
   [[nodiscard]] virtual const SourceInfo& Info() const = 0;
-  /// Reads the next frame into frame (its vector is reused); false at the end. Throws Failure.
+  /// Reads the next frame into frame (its vector is reused); false at the end, which damage may bring before its
+  /// time. Throws Failure.
   virtual bool Next(LumaFrame& frame) = 0;
 };
 

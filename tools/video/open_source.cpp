@@ -9,6 +9,7 @@
 #include "host/text.h"
 #include "video/luma_scaler.h"
 #include "video/reader.h"
+#include "video/remark.h"
 
 namespace stopngo {
 namespace {
@@ -19,9 +20,14 @@ std::string SizeText(int width, int height) { return std::to_string(width) + " x
 class SizedSource : public FrameSource {
  public:
   SizedSource(std::unique_ptr<FrameSource> source, const SourceOptions& options)
-      : source_(std::move(source)), info_(source_->Info()), options_(options) {
+      : source_(std::move(source)),
+        info_(source_->Info()),
+        options_(options),
+        remarks_(NameOf(options), options.hear),
+        size_{info_.width, info_.height} {
     Check(info_.width, info_.height);
     if (!options_.original) {
+      TellScaling();
       info_.width = options_.width;
       info_.height = options_.height;
     }
@@ -34,6 +40,7 @@ class SizedSource : public FrameSource {
 
   bool Next(LumaFrame& frame) override {
     if (!source_->Next(frame)) return false;
+    TellChange(frame);
     if (frame.width == info_.width && frame.height == info_.height) return true;
     // The size of a stream may change on the way.
     Check(frame.width, frame.height);
@@ -48,6 +55,24 @@ class SizedSource : public FrameSource {
   }
 
  private:
+  void TellScaling() {
+    if (size_ == FrameSize{options_.width, options_.height}) return;
+    const bool same_shape =
+        std::int64_t{size_.width} * options_.height == std::int64_t{size_.height} * options_.width;
+    remarks_.Say(Remarks::kScaled, "frames of " + SizeText(size_.width, size_.height) +
+                                       (same_shape ? " are scaled to " : " are stretched to ") +
+                                       SizeText(options_.width, options_.height));
+  }
+
+  void TellChange(const LumaFrame& frame) {
+    const FrameSize found{frame.width, frame.height};
+    if (found == size_) return;
+    remarks_.Say(Remarks::kSizes, "the size changes from " + SizeText(size_.width, size_.height) + " to " +
+                                      SizeText(found.width, found.height) +
+                                      Print(" at %.2f s", frame.time_s));
+    size_ = found;
+  }
+
   void Check(int width, int height) const {
     const std::string found = options_.input + ": frames of " + SizeText(width, height);
     if (options_.original) {
@@ -65,6 +90,8 @@ class SizedSource : public FrameSource {
   std::unique_ptr<FrameSource> source_;
   SourceInfo info_;
   SourceOptions options_;
+  Remarks remarks_;
+  FrameSize size_;  ///< of the frames that came last, as the input has them
 #if defined(STOPNGO_WITH_FFMPEG)
   std::unique_ptr<LumaScaler> scaler_;
 #endif

@@ -11,6 +11,7 @@
 #include "host/system_error.h"
 #include "host/text.h"
 #include "video/reader.h"
+#include "video/remark.h"
 
 namespace stopngo {
 namespace {
@@ -39,67 +40,70 @@ File OpenFile(const std::string& path) {
   return file;
 }
 
-std::string NameOf(const std::string& input) { return input == "-" ? "standard input" : input; }
-
 /// What both forms share: planes of one size, each at its place in time.
 class PlainSource : public FrameSource {
  public:
   explicit PlainSource(const SourceOptions& options)
-      : name_(NameOf(options.input)), file_(OpenFile(options.input)) {}
+      : name_(NameOf(options)), remarks_(name_, options.hear), file_(OpenFile(options.input)) {}
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
   bool Next(LumaFrame& frame) override {
-    if (!BeginFrame()) return false;
+    if (ended_) return false;
     frame.width = info_.width;
     frame.height = info_.height;
     frame.index = index_;
-    frame.time_s = static_cast<double>(index_) / info_.fps;
+    frame.time_s = Time();
     frame.pixels.resize(PlaneBytes());
-    Read(frame.pixels);
     chroma_.resize(chroma_bytes_);
-    Read(chroma_);
-    ++index_;
-    return true;
+    ended_ = !BeginFrame() || !Read(frame.pixels) || !Read(chroma_);
+    if (!ended_) ++index_;
+    return !ended_;
   }
 
  protected:
-  /// Reads what stands before a frame's pixels; false at the end of the input.
+  /// Reads what stands before a frame's pixels; false at the end of the input, or what is as good as one.
   virtual bool BeginFrame() = 0;
 
   [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
 
-  void Read(std::vector<std::uint8_t>& bytes) {
-    if (std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size()) return;
-    FailOnReadError();
-    Fail("frame " + std::to_string(index_) + " is cut short");
+  /// The input ends at a frame that cannot be read; without one before it, it is no input. False.
+  bool EndDamaged(const std::string& reason) {
+    if (index_ == 0) Fail(reason);
+    remarks_.Say(Remarks::kEnd, Print("ends after %.2f s: ", Time()) + reason);
+    return false;
   }
 
-  void FailOnReadError() const {
-    if (std::ferror(file_.get()) != 0) Fail(LastSystemError());
+  bool Read(std::vector<std::uint8_t>& bytes) {
+    errno = 0;
+    if (std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size()) return true;
+    return EndDamaged(Broken() ? LastSystemError() : Frame() + " is cut short");
   }
 
-  /// A line without its newline; false when the input ends before its first byte.
-  bool ReadLine(std::string& line) {
+  /// Whether the last byte that was missing is one that could not be read.
+  [[nodiscard]] bool Broken() const { return std::ferror(file_.get()) != 0; }
+  [[nodiscard]] std::string Frame() const { return "frame " + std::to_string(index_); }
+
+  enum class Line { kRead, kMissing, kCut, kEndless };
+  /// A line without its newline; missing when the input ends before its first byte.
+  Line ReadLine(std::string& line) {
     line.clear();
+    errno = 0;
     for (int byte = std::fgetc(file_.get()); byte != '\n'; byte = std::fgetc(file_.get())) {
-      if (byte == EOF) {
-        FailOnReadError();
-        if (line.empty()) return false;
-        Fail("ends within a header");
-      }
+      if (byte == EOF) return line.empty() ? Line::kMissing : Line::kCut;
       line.push_back(static_cast<char>(byte));
-      if (line.size() > kMaximumLine)
-        Fail("has a header of more than " + std::to_string(kMaximumLine) + " bytes");
+      if (line.size() > kMaximumLine) return Line::kEndless;
     }
-    return true;
+    return Line::kRead;
   }
 
   bool AtEnd() {
+    errno = 0;
     const int byte = std::fgetc(file_.get());
-    if (byte == EOF) FailOnReadError();
     return byte == EOF || std::ungetc(byte, file_.get()) == EOF;
   }
+
+  [[nodiscard]] double Time() const { return static_cast<double>(index_) / info_.fps; }
 
   [[nodiscard]] std::size_t PlaneBytes() const { return std::size_t{1} * info_.width * info_.height; }
 
@@ -116,12 +120,14 @@ class PlainSource : public FrameSource {
   }
 
   std::string name_;
+  Remarks remarks_;
   File file_;
   SourceInfo info_;
   std::size_t chroma_bytes_ = 0;  ///< after each plane, to be passed over
   std::int64_t index_ = 0;
 
  private:
+  bool ended_ = false;
   std::vector<std::uint8_t> chroma_;  ///< read, not skipped: a pipe cannot be positioned
 };
 
@@ -139,7 +145,10 @@ class RawSource : public PlainSource {
   }
 
  private:
-  bool BeginFrame() override { return !AtEnd(); }
+  bool BeginFrame() override {
+    if (!AtEnd()) return true;
+    return Broken() && EndDamaged(LastSystemError());
+  }
 };
 
 /// How many chroma samples a format has, as a divisor of the luma's columns and rows; 0: no chroma.
@@ -157,11 +166,12 @@ constexpr std::array kLayouts = {
 class Y4mSource : public PlainSource {
  public:
   explicit Y4mSource(const SourceOptions& options) : PlainSource(options) {
-    if (AtEnd()) Fail("is empty");
+    if (AtEnd()) Fail(Broken() ? LastSystemError() : "is empty");
     std::array<char, kMagic.size()> magic{};
     const std::size_t read = std::fread(magic.data(), 1, magic.size(), file_.get());
     std::string header;
-    if (std::string_view(magic.data(), read) != kMagic || !ReadLine(header)) Fail(kNotY4m);
+    if (std::string_view(magic.data(), read) != kMagic) Fail(kNotY4m);
+    if (const Line line = ReadLine(header); line != Line::kRead) Fail(FaultOf(line));
     info_.fps = kUnknownRate;
     std::istringstream fields(header);
     for (std::string field; fields >> field;) TakeField(field);
@@ -176,9 +186,15 @@ class Y4mSource : public PlainSource {
  private:
   bool BeginFrame() override {
     std::string line;
-    if (!ReadLine(line)) return false;
-    if (!line.starts_with(kFrameMagic)) Fail("frame " + std::to_string(index_) + " has no frame header");
-    return true;
+    const Line read = ReadLine(line);
+    if (read == Line::kMissing && !Broken()) return false;
+    if (read != Line::kRead) return EndDamaged(FaultOf(read));
+    return line.starts_with(kFrameMagic) || EndDamaged(Frame() + " has no frame header");
+  }
+
+  [[nodiscard]] std::string FaultOf(Line line) const {
+    if (line == Line::kEndless) return "a header of more than " + std::to_string(kMaximumLine) + " bytes";
+    return Broken() ? LastSystemError() : "cut short within a header";
   }
 
   [[nodiscard]] int HeaderNumber(std::string_view text) const {
@@ -192,11 +208,28 @@ class Y4mSource : public PlainSource {
     if (field[0] == 'W') info_.width = HeaderNumber(value);
     if (field[0] == 'H') info_.height = HeaderNumber(value);
     if (field[0] == 'C') layout_ = value;
+    if (field[0] == 'A') TakePixel(value);
+    if (field[0] == 'I' && value != "p" && value != "?") remarks_.Say(Remarks::kInterlaced, kInterlaced);
+    if (field == "XCOLORRANGE=FULL") remarks_.Say(Remarks::kRange, kFullRange);
     if (field[0] == 'F') {
-      const std::size_t colon = std::min(value.find(':'), value.size() - 1);
-      const double over = HeaderNumber(value.substr(0, colon));
-      const double under = HeaderNumber(value.substr(colon + 1));
-      if (over > 0 && under > 0) info_.fps = over / under;
+      const Ratio rate = HeaderRatio(value);
+      if (rate.over > 0 && rate.under > 0) info_.fps = static_cast<double>(rate.over) / rate.under;
+    }
+  }
+
+  struct Ratio {
+    int over;
+    int under;
+  };
+  [[nodiscard]] Ratio HeaderRatio(std::string_view text) const {
+    const std::size_t colon = std::min(text.find(':'), text.size() - 1);
+    return {HeaderNumber(text.substr(0, colon)), HeaderNumber(text.substr(colon + 1))};
+  }
+
+  void TakePixel(std::string_view text) {
+    const Ratio pixel = HeaderRatio(text);
+    if (pixel.over > 0 && pixel.under > 0 && pixel.over != pixel.under) {
+      remarks_.Say(Remarks::kPixels, PixelRemark(pixel.over, pixel.under));
     }
   }
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "host/text.h"
 #include "video/frame_source.h"
 
 namespace stopngo {
@@ -11,6 +13,19 @@ namespace stopngo {
 inline constexpr int kMaximumSide = 16384;
 /// For inputs that do not tell their rate.
 inline constexpr double kUnknownRate = 25;
+
+/// What readers say where luma spreads from 0 to 255: recordings mostly have 16 to 235.
+inline constexpr const char* kFullRange = "its luma is of full range, 0 to 255, and is taken as it is";
+inline constexpr const char* kInterlaced =
+    "its pictures are interlaced: two moments each, which looks like motion";
+/// "its pixels are 16:15, and are taken for square ones".
+inline std::string PixelRemark(int across, int down) {
+  return Print("its pixels are %d:%d, and are taken for square ones", across, down);
+}
+/// How inputs are named to the user.
+inline std::string NameOf(const SourceOptions& options) {
+  return options.input == "-" ? "standard input" : options.input;
+}
 
 /// Y4M (8 bits, or monochrome) or, with a raw size, raw luma; from a file or standard input.
 std::unique_ptr<FrameSource> OpenPlain(const SourceOptions& options);

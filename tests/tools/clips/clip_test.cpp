@@ -7,10 +7,13 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "clips/region.h"
+#include "support/failure_text.h"
+#include "support/temporary_folder.h"
 
 namespace stopngo::test {
 namespace {
@@ -71,6 +74,17 @@ TEST(Clip, ThreadsDoNotDisturbEachOther) {
     }
   }
   EXPECT_EQ(equal, 4);
+}
+
+TEST(Clip, ADamagedRecordingIsRefusedUnlessItIsAllowed) {
+  const TemporaryFolder folder;
+  const std::string frame = "FRAME\n" + std::string(800 * 480, '\x40');
+  const std::string path =
+      folder.File("v.y4m", "YUV4MPEG2 W800 H480 F5:1 Cmono\n" + frame + frame + frame + "FRA");
+  Clip clip{.name = "v.y4m", .kind = "recording", .source = path};
+  ExpectWords(FailureOf([&] { FramesOf(clip, 0, 0); }), {path, "0.60 s", "--allow-damaged"});
+  clip.allow_damaged = true;
+  EXPECT_EQ(FramesOf(clip, 0, 0).size(), 3U);
 }
 
 }  // namespace

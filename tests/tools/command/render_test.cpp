@@ -184,7 +184,8 @@ TEST_F(RenderTest, VideosKeepTheTimesBehindAGap) {
   for (LumaFrame frame; source->Next(frame); ++frames) last = frame;
   ASSERT_LT(frames, 50);
   const std::string video = folder_ / "seen.y4m";
-  const CommandResult result = Stopngo("render " + gap + " " + video + " --no-weights --rate 0");
+  const CommandResult result =
+      Stopngo("render " + gap + " " + video + " --no-weights --rate 0 --allow-damaged");
   ASSERT_EQ(result.exit_code, 0) << result.err;
   constexpr std::size_t kPicture = 6 + 3 * 800 * 480;
   const std::size_t pictures = ReadFile(video).size() / kPicture;

@@ -59,10 +59,10 @@ TEST(PlainReader, FaultsAreToldByFile) {
   // A rate that makes no sense is taken for an unknown one.
   const std::string odd = folder.File("v.y4m", "YUV4MPEG2 W4 H2 F0:0 Cmono\n");
   EXPECT_EQ(OpenSource(Input(odd, 4, 2))->Info().fps, 25);
-  SourceOptions raw = Input(folder.File("v.raw", "12345678123"), 4, 2);
+  SourceOptions raw = Input(folder.File("v.raw", "1234567"), 4, 2);
   raw.raw_width = 4;
   raw.raw_height = 2;
-  ExpectWords(FailureOf([&] { FramesOf(raw); }), {"v.raw", "frame 1 is cut short"});
+  ExpectWords(FailureOf([&] { FramesOf(raw); }), {"v.raw", "frame 0 is cut short"});
   raw.raw_width = 16385;
   ExpectWords(FailureOf([&] { OpenSource(raw); }), {"--raw", "16384"});
   raw = Input(folder / "gone.raw", 4, 2);

@@ -24,13 +24,16 @@ class RecordingTest : public testing::Test {
     Record(folder_ / name, 320, 192, 25, 50);
     return folder_ / name;
   }
-  static std::vector<LumaFrame> Frames(const std::string& path, double rate) {
+  static SourceOptions Input(const std::string& path, double rate) {
     SourceOptions options;
     options.input = path;
     options.width = 320;
     options.height = 192;
     options.rate = rate;
-    return FramesOf(options);
+    return options;
+  }
+  static std::vector<LumaFrame> Frames(const std::string& path, double rate) {
+    return FramesOf(Input(path, rate));
   }
   TemporaryFolder folder_;
 };
@@ -65,7 +68,12 @@ TEST_F(RecordingTest, PicturesAreTurnedAsTheRecordingSays) {
   const std::string mp4 = ReadFile(upright);
   const std::string turned = folder_.File("turned.mp4", Turned(mp4, kMinusOne, kZero, kZero, kMinusOne));
   std::vector<LumaFrame> frames = Frames(upright, 5);
-  const std::vector<LumaFrame> upside_down = Frames(turned, 5);
+  SourceOptions options = Input(turned, 5);
+  std::vector<std::string> heard;
+  options.hear = [&heard](const Remark& remark) { heard.push_back(remark.sentence); };
+  const std::vector<LumaFrame> upside_down = FramesOf(options);
+  ASSERT_EQ(heard.size(), 1U);
+  EXPECT_NE(heard[0].find("upside down"), std::string::npos) << heard[0];
   ASSERT_EQ(upside_down.size(), frames.size());
   for (std::size_t i = 0; i < frames.size(); ++i) {
     std::reverse(frames[i].pixels.begin(), frames[i].pixels.end());
