@@ -45,7 +45,7 @@ void CheckWeights(const std::string& path, const VEL_STOPNGO_CTX& context) {
     throw Failure(path + ": the module takes paths of at most " + std::to_string(kPathCapacity - 1) +
                   " bytes");
   }
-  CheckWeightsSize(path, 2 * std::uint64_t{context.Features}, context.Hiddens, "--features, --hiddens");
+  (void)ReadWeights(path, 2 * std::uint64_t{context.Features}, context.Hiddens, "--features, --hiddens");
 }
 
 std::string MisfitOf(const VEL_STOPNGO_CTX& context) {

@@ -12,8 +12,8 @@ namespace stopngo {
 /// told no size with a frame, would read past them.
 void CheckFrameSize(const VEL_STOPNGO_CTX& context, const FrameFormat& frames);
 
-/// Throws Failure when the module could not take a weights file's path, or the file has not the size that the
-/// counts in force ask for.
+/// Throws Failure when the module could not take a weights file's path, or the file is no network of the
+/// counts in force.
 void CheckWeights(const std::string& path, const VEL_STOPNGO_CTX& context);
 
 /// Why a frame was refused: the geometry that does not fit it.

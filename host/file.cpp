@@ -1,21 +1,77 @@
-// file.cpp: whole files, read at once.
+// file.cpp: whole files, read at once, as far as their kind goes.
 #include "host/file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 
 #include "host/failure.h"
 #include "host/system_error.h"
 
 namespace stopngo {
+namespace {
 
-std::string ReadFile(const std::string& path) {
+/// A file that is open for reading.
+class Descriptor {
+ public:
+  // A pipe that may not be one is opened without waiting for a writer. A terminal must not become ours.
+  Descriptor(const std::string& path, bool wait)
+      : number_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | (wait ? 0 : O_NONBLOCK))) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  [[nodiscard]] int Number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+/// What a file is that cannot be read as its kind; null where it can.
+const char* Instead(const struct stat& status, bool stream) {
+  if (S_ISREG(status.st_mode)) return nullptr;
+  if (S_ISDIR(status.st_mode)) return "a folder";
+  if (S_ISBLK(status.st_mode)) return "a disk";
+  if (stream) return nullptr;
+  return S_ISFIFO(status.st_mode) ? "a pipe" : "a device";
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path, const FileKind& kind) {
+  const auto fail = [&](const std::string& reason) { throw Failure((path + ": ").append(reason)); };
   errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  if (!file) throw Failure(path + ": " + LastSystemError());
-  return bytes;
+  const Descriptor file(path, kind.stream);
+  struct stat status {};
+  if (file.Number() < 0 || fstat(file.Number(), &status) != 0) fail(LastSystemError());
+  const auto refuse_size = [&](const std::string& size) {
+    fail("has " + size + " bytes, and " + std::string(kind.name) + " at most " + std::to_string(kind.limit) +
+         std::string(kind.hint));
+  };
+  if (const char* const instead = Instead(status, kind.stream))
+    fail(std::string(instead) + ", not " + std::string(kind.name));
+  const bool sized = S_ISREG(status.st_mode);
+  if (sized && static_cast<std::uint64_t>(status.st_size) > kind.limit)
+    refuse_size(std::to_string(status.st_size));
+
+  constexpr std::size_t kPiece = std::size_t{1} << 16;
+  std::string bytes;
+  for (;;) {
+    const std::size_t had = bytes.size();
+    // One byte more than the limit tells a file that goes on behind it.
+    bytes.resize(had + std::min<std::uint64_t>(kPiece, kind.limit + 1 - had));
+    errno = 0;
+    const ssize_t count = read(file.Number(), bytes.data() + had, bytes.size() - had);
+    if (count < 0 && errno != EINTR) fail(LastSystemError());
+    bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (bytes.size() > kind.limit) refuse_size("more than " + std::to_string(kind.limit));
+    if (count == 0) return bytes;
+  }
 }
 
 }  // namespace stopngo

@@ -3,17 +3,51 @@
 
 #include <toml++/toml.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
-#include <system_error>
+#include <string_view>
 #include <variant>
 
 #include "host/failure.h"
+#include "host/file.h"
 #include "host/setting_table.h"
 #include "host/text.h"
 
 namespace stopngo {
 namespace {
+
+constexpr FileKind kSettingsFile{"a TOML file of settings", std::uint64_t{1} << 20, true};
+
+/// Where a quoted text, or a comment, that begins a piece of TOML ends; 0 where none begins.
+std::size_t EndOfQuoted(std::string_view text) {
+  if (text.front() == '#') return std::min(text.find('\n'), text.size());
+  if (text.front() != '"' && text.front() != '\'') return 0;
+  const std::string_view three = text.substr(0, 3);
+  const bool lines = three.size() == 3 && three[1] == three[0] && three[2] == three[0];
+  const std::string_view mark = text.substr(0, lines ? 3 : 1);
+  for (std::size_t at = mark.size(); at < text.size(); ++at) {
+    if (text.substr(at).starts_with(mark)) return at + mark.size();
+    if (!lines && text[at] == '\n') return at;
+    if (text[at] == '\\' && mark[0] == '"') ++at;
+  }
+  return text.size();
+}
+
+/// The parser takes the stack for what lies in one another: parts of a key, lists, tables. Each takes one of these
+/// signs, and settings, which are flat, take a point in a number at most.
+void RefuseNesting(const std::string& path, std::string_view text) {
+  constexpr int kMost = 1000;
+  int signs = 0;
+  while (!text.empty()) {
+    const std::size_t quoted = EndOfQuoted(text);
+    if (quoted == 0 && std::string_view(".[{").find(text.front()) != std::string_view::npos) ++signs;
+    if (signs > kMost) throw Failure(path + ": more lists, tables and parts of keys than settings have");
+    text.remove_prefix(std::max<std::size_t>(quoted, 1));
+  }
+}
 
 bool IsPath(const Setting& setting) { return std::holds_alternative<std::string Settings::*>(setting.field); }
 
@@ -39,13 +73,10 @@ void TakeNode(Settings& settings, const Setting& setting, const toml::node& node
 }
 
 toml::table ParsedToml(const std::string& path) {
-  // The parser's own message for a file that is not there names neither the file nor the reason.
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
-  if (!std::filesystem::exists(status)) throw Failure(path + ": No such file");
-  if (std::filesystem::is_directory(status)) throw Failure(path + ": a folder, not a TOML file");
+  const std::string text = ReadFile(path, kSettingsFile);
+  RefuseNesting(path, text);
   try {
-    return toml::parse_file(path);
+    return toml::parse(text, path);
   } catch (const toml::parse_error& fault) {
     const auto line = fault.source().begin.line;
     const std::string where = line > 0 ? ":" + std::to_string(line) : std::string();

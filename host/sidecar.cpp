@@ -21,6 +21,10 @@ using Json = nlohmann::ordered_json;
 // Of the file's layout: a file of another one is not read.
 constexpr int kFormat = 1;
 
+constexpr FileKind kSidecarFile{"a sidecar", std::uint64_t{1} << 20};
+/// Of objects and lists in one another; what copies and writes them takes the stack. Own sidecars have four.
+constexpr int kMostLevels = 32;
+
 // The parser's message without its own name and place, of which the line is said in the house's way.
 std::string ReasonOf(const Json::parse_error& fault) {
   const std::string text = fault.what();
@@ -30,11 +34,13 @@ std::string ReasonOf(const Json::parse_error& fault) {
 }
 
 Json ParsedJson(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) throw Failure(path + ": a folder, not a JSON file");
-  const std::string text = ReadFile(path);
+  const std::string text = ReadFile(path, kSidecarFile);
+  const auto level = [&path](int depth, Json::parse_event_t /*event*/, const Json& /*value*/) {
+    if (depth > kMostLevels) throw Failure(path + ": nested more deeply than a sidecar is");
+    return true;
+  };
   try {
-    return Json::parse(text);
+    return Json::parse(text, level);
   } catch (const Json::parse_error& fault) {
     // The offending byte counts from 1; at the end of the text it lies behind it.
     const std::string_view before =

@@ -31,12 +31,16 @@ struct Network {
   [[nodiscard]] float OutputBias() const { return numbers.back(); }
 };
 
-/// Throws Failure when the module has no room for such a network, or when the file is not exactly as long
-/// as one. counts_from: where the user can look up or change the counts.
-void CheckWeightsSize(const std::string& path, std::uint64_t inputs, std::uint64_t hiddens,
-                      const std::string& counts_from);
+/// What makes a network useless whatever it is shown: a number that is not finite, or that no input reaches the
+/// output. Empty: nothing.
+std::string FaultOf(const Network& network);
 
-/// Throws Failure, as above and when the file cannot be read.
+/// Throws Failure when the module has no room for such a network, and when the file is none: not a regular file, not
+/// exactly as long. counts_from: where the user can look up or change the counts.
+Network ReadNumbers(const std::string& path, std::size_t inputs, std::size_t hiddens,
+                    const std::string& counts_from);
+
+/// The same for weights to work with: throws Failure also when the network has a fault.
 Network ReadWeights(const std::string& path, std::size_t inputs, std::size_t hiddens,
                     const std::string& counts_from);
 

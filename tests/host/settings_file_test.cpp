@@ -56,6 +56,30 @@ TEST(SettingsFile, FaultsAreToldWithTheirLine) {
   ExpectWords(FailureOf([&] { (void)ReadSettingsFile(folder / ".", settings, Nothing); }), {"a folder"});
 }
 
+TEST(SettingsFile, NothingLongerOrDeeperThanSettingsIsRead) {
+  const TemporaryFolder folder;
+  const auto fault = [](const std::string& path) {
+    Settings settings;
+    return FailureOf([&] { (void)ReadSettingsFile(path, settings, Nothing); });
+  };
+  std::string parts = "a";
+  for (int i = 0; i < 60000; i++) parts += ".a";
+  for (const std::string& text :
+       {parts + " = 1\n", "[" + parts + "]\n", "rate = [{" + parts + " = 1}]\n",
+        "rate = " + std::string(60000, '['), "x = '''\n'\"''' # \"\ny = \"\\\"\" # '\n" + parts + " = 1\n"}) {
+    ExpectWords(fault(folder.File("deep.toml", text)), {"deep.toml", "more lists, tables and parts of keys"});
+  }
+  ExpectWords(fault("/dev/zero"), {"/dev/zero", "more than 1048576 bytes"});
+  ExpectWords(fault(folder.File("long.toml", std::string((1 << 20) + 1, '\n'))),
+              {"long.toml", "1048577 bytes"});
+  // What is only written about takes no stack: a comment, a path.
+  const std::string dots(50000, '.');
+  const std::string fine = "# " + dots + "[[[\nweights = \"" + dots + "\" # \"" + dots + "\nrate = 5\n";
+  Settings settings;
+  (void)ReadSettingsFile(folder.File("fine.toml", fine), settings, Nothing);
+  EXPECT_EQ(settings.rate, 5);
+}
+
 TEST(SettingsFile, DamagedOnesAreReadOrRefused) {
   const TemporaryFolder folder;
   const std::string intact =

@@ -22,14 +22,14 @@ namespace {
 
 class SidecarTest : public testing::Test {
  protected:
-  // A weights file of the module's default counts, all zero.
-  [[nodiscard]] std::string ZeroWeights() const { return folder_.File("w.bin", std::string(10372, '\0')); }
+  // A weights file of the module's default counts, all tiny.
+  [[nodiscard]] std::string Weights() const { return folder_.File("w.bin", std::string(10372, '\1')); }
 
   TemporaryFolder folder_;
 };
 
 TEST_F(SidecarTest, ComesBackAsItWasWritten) {
-  const std::string path = ZeroWeights();
+  const std::string path = Weights();
   EXPECT_FALSE(ReadSidecar(path).has_value());
   Settings settings;
   settings.threshold = 0.1 + 0.2;  // needs all its digits
@@ -48,20 +48,20 @@ TEST_F(SidecarTest, ComesBackAsItWasWritten) {
 }
 
 TEST_F(SidecarTest, ThoseOfOtherWeightsAreToldApart) {
-  const std::string path = ZeroWeights();
+  const std::string path = Weights();
   const Sidecar sidecar{160, 16, Sha256(ReadFile(path)), {}};
   const auto fault = [&](std::uint64_t inputs, std::uint64_t hiddens) {
     return FailureOf([&] { CheckSidecar(path, sidecar, inputs, hiddens); });
   };
   ExpectWords(fault(160, 12), {"w.bin.json", "16 hidden", "12 hidden"});
-  (void)folder_.File("w.bin", std::string(10371, '\0') + '\1');
+  (void)folder_.File("w.bin", std::string(10371, '\1') + '\2');
   ExpectWords(fault(160, 16), {"w.bin.json", "SHA-256", sidecar.sha256});
-  (void)folder_.File("w.bin", std::string(10368, '\0'));
+  (void)folder_.File("w.bin", std::string(10368, '\1'));
   ExpectWords(fault(160, 16), {"w.bin", "10372", "10368"});
 }
 
 TEST_F(SidecarTest, BadOnesAreToldByPlaceAndReason) {
-  const std::string path = ZeroWeights();
+  const std::string path = Weights();
   const std::string head =
       R"({"format": 1, "inputs": 160, "hiddens": 16, "sha256": ")" + Sha256(ReadFile(path)) + '"';
   const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
@@ -87,8 +87,24 @@ TEST_F(SidecarTest, BadOnesAreToldByPlaceAndReason) {
   }
 }
 
+TEST_F(SidecarTest, NothingLongerOrDeeperThanASidecarIsRead) {
+  const std::string path = Weights();
+  const auto fault = [&] { return FailureOf([&] { (void)ReadSidecar(path); }); };
+  for (const char* const level : {"[", R"({"a":)"}) {
+    std::string deep = R"({"training": )";
+    for (int i = 0; i < 80000; i++) deep += level;
+    (void)folder_.File("w.bin.json", deep);
+    ExpectWords(fault(), {"w.bin.json", "nested"});
+  }
+  (void)folder_.File("w.bin.json", std::string((1 << 20) + 1, ' '));
+  ExpectWords(fault(), {"w.bin.json", "1048577 bytes"});
+  std::filesystem::remove(folder_ / "w.bin.json");
+  std::filesystem::create_symlink("/dev/zero", folder_ / "w.bin.json");
+  ExpectWords(fault(), {"w.bin.json", "a device, not a sidecar"});
+}
+
 TEST_F(SidecarTest, DamagedOnesAreReadOrRefused) {
-  const std::string weights = ZeroWeights();
+  const std::string weights = Weights();
   Sidecar sidecar{160, 16, std::string(64, 'a'), {{"rate", "6"}, {"time-cooling", "5s"}}};
   sidecar.training = {{"clips", 3}, {"seeds", {1, 2, 3}}};
   ReadDamaged(folder_, "w.bin.json", SidecarText(sidecar), 4000, [&](const std::string&) {
@@ -100,7 +116,7 @@ TEST_F(SidecarTest, DamagedOnesAreReadOrRefused) {
 
 TEST_F(SidecarTest, GivesSettingsWhatIsNotSettledOtherwise) {
   Settings settings;
-  settings.weights = ZeroWeights();
+  settings.weights = Weights();
   TakeSidecar(settings, [](const std::string&) { return false; });
   EXPECT_EQ(settings.rate, Settings().rate) << "there is no sidecar yet";
   const std::string sha256 = Sha256(ReadFile(settings.weights));
@@ -124,7 +140,7 @@ TEST_F(SidecarTest, GivesSettingsWhatIsNotSettledOtherwise) {
 
 TEST_F(SidecarTest, CountsPastEveryTypeAreItsOwnFault) {
   Settings settings;
-  settings.weights = ZeroWeights();
+  settings.weights = Weights();
   for (const std::uint64_t inputs : {std::uint64_t{1} << 40, ~std::uint64_t{0}}) {
     (void)folder_.File("w.bin.json", SidecarText({inputs, 16, std::string(64, 'a'), {}}));
     ExpectWords(FailureOf([&] { TakeSidecar(settings, [](const std::string&) { return false; }); }),

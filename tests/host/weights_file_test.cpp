@@ -2,11 +2,14 @@
 #include "host/weights_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "classify.h"
@@ -52,7 +55,7 @@ TEST(WeightsFile, OnlyTheExactSizeIsTaken) {
   for (const std::uint64_t inputs : counts) {
     for (const std::uint64_t hiddens : counts) {
       try {
-        CheckWeightsSize(path, inputs, hiddens, "--features");
+        (void)ReadWeights(path, inputs, hiddens, "--features");
         taken++;
       } catch (const Failure& failure) {
         EXPECT_NE(std::string(failure.what()).find("--features"), std::string::npos) << failure.what();
@@ -60,8 +63,57 @@ TEST(WeightsFile, OnlyTheExactSizeIsTaken) {
     }
   }
   EXPECT_EQ(taken, 1) << "160 inputs and 16 hidden nodes fit, nothing else";
-  ExpectWords(FailureOf([&] { CheckWeightsSize(folder / "gone.bin", 160, 16, ""); }),
+  ExpectWords(FailureOf([&] { (void)ReadWeights(folder / "gone.bin", 160, 16, ""); }),
               {"gone.bin", "No such file"});
+}
+
+/// Nothing of it 0.
+Network Sample() { return {kInputs, kHiddens, std::vector<float>(NetworkLength(kInputs, kHiddens), 0.5F)}; }
+
+TEST(WeightsFile, NumbersThatAreNoneAreRefused) {
+  const TemporaryFolder folder;
+  for (const float bad : {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+                          std::numeric_limits<float>::quiet_NaN()}) {
+    for (const std::size_t place : {0, 47, 48, 51, 54}) {
+      Network network = Sample();
+      network.numbers[place] = bad;
+      const std::string path = folder.File("w.bin", WeightsBytes(network));
+      ExpectWords(FailureOf([&] { (void)ReadWeights(path, kInputs, kHiddens, "x"); }),
+                  {"w.bin", "number " + std::to_string(place) + " "});
+    }
+  }
+}
+
+TEST(WeightsFile, NetworksThatNoInputCanMoveAreRefused) {
+  const TemporaryFolder folder;
+  const auto fault = [&](const Network& network) {
+    const std::string path = folder.File("w.bin", WeightsBytes(network));
+    return FailureOf([&] { (void)ReadWeights(path, kInputs, kHiddens, "x"); });
+  };
+  EXPECT_EQ(fault(Sample()), "no failure");
+  Network unread = Sample();
+  std::fill_n(unread.numbers.begin(), kInputs * kHiddens, -0.0F);
+  ExpectWords(fault(unread), {"w.bin", "same"});
+  Network unheard = Sample();
+  std::fill_n(unheard.numbers.begin() + (kInputs + 1) * kHiddens, kHiddens, 0.0F);
+  ExpectWords(fault(unheard), {"w.bin", "same"});
+  // Nodes 0 and 1 are not read, node 2 is not heard.
+  Network mixed = Sample();
+  std::fill_n(mixed.numbers.begin(), 2 * kInputs, 0.0F);
+  mixed.numbers[(kInputs + 1) * kHiddens + 2] = 0;
+  ExpectWords(fault(mixed), {"w.bin", "same"});
+  mixed.numbers[kInputs] = 1e-30F;
+  EXPECT_EQ(fault(mixed), "no failure");
+}
+
+TEST(WeightsFile, OnlyRegularFilesAreTakenAndNoneIsWaitedFor) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  for (const auto& [path, word] :
+       {std::pair{folder / "pipe", "a pipe, not a weights file"}, std::pair{folder / ".", "a folder, not"},
+        std::pair<std::string, const char*>{"/dev/zero", "a device, not"}}) {
+    ExpectWords(FailureOf([&] { (void)ReadWeights(path, kInputs, kHiddens, "x"); }), {path, word});
+  }
 }
 
 }  // namespace

@@ -5,14 +5,12 @@
 #include <array>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "host/failure.h"
-#include "host/system_error.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -28,8 +26,9 @@ constexpr std::array<std::string_view, kColumns> kColumnNames{"clip", "region", 
 
 constexpr std::string_view kScenePrefix = "synth:";
 constexpr std::string_view kRecordingKind = "recording";
-/// More scenes than this in one line are a slip of the keyboard.
-constexpr std::uint64_t kMostScenes = 1'000'000;
+/// More clips than this, or a longer line, are a slip of the keyboard.
+constexpr std::uint64_t kMostClips = 1'000'000;
+constexpr std::size_t kLongestLine = std::size_t{1} << 20;
 
 using Cells = std::array<std::string_view, kColumns>;
 
@@ -120,9 +119,9 @@ SeedRange SeedsOf(std::string_view text) {
   const std::vector<std::string_view> ends = Split(text, '-');
   const auto first = NumberOf<std::uint64_t>(ends.front());
   const auto last = NumberOf<std::uint64_t>(ends.back());
-  if (!first || !last || ends.size() > 2 || *last < *first || *last - *first >= kMostScenes) {
+  if (!first || !last || ends.size() > 2 || *last < *first || *last - *first >= kMostClips) {
     throw Fault{"clip: " + Quoted(text) + " is neither a seed nor a range of seeds such as 1-200, of " +
-                std::to_string(kMostScenes) + " at most"};
+                std::to_string(kMostClips) + " at most"};
   }
   return {*first, *last};
 }
@@ -136,6 +135,12 @@ SceneKindName SceneKindOf(std::string_view name) {
   throw Fault{"clip: " + Quoted(name) + " is no kind of scene: " + known};
 }
 
+/// Before clips, all of those read so far, grow by one more than a number.
+void RefuseMore(const std::vector<Clip>& clips, std::uint64_t number) {
+  if (clips.size() + number < kMostClips) return;
+  throw Fault{"more than " + std::to_string(kMostClips) + " clips"};
+}
+
 void AddScenes(std::string_view text, std::string_view labels, const Clip& common, std::vector<Clip>& clips) {
   const std::vector<std::string_view> parts = Split(text, ':');
   if (parts.size() != 3) {
@@ -144,6 +149,7 @@ void AddScenes(std::string_view text, std::string_view labels, const Clip& commo
   if (!IsUnset(labels)) throw Fault{"labels: a scene knows its own; - is expected"};
   const SceneKindName kind = SceneKindOf(parts[1]);
   const SeedRange seeds = SeedsOf(parts[2]);
+  RefuseMore(clips, seeds.last - seeds.first);
   Clip clip = common;
   if (clip.kind.empty()) clip.kind = kind.name;
   for (std::uint64_t i = 0; i <= seeds.last - seeds.first; ++i) {
@@ -159,6 +165,7 @@ void AddRecording(std::string_view text, std::string_view labels, const std::fil
   const std::string path = (folder / text).string();
   std::error_code ignored;
   if (!std::filesystem::exists(path, ignored)) throw Fault{"clip: " + path + " does not exist"};
+  RefuseMore(clips, 0);
   clip.name = text;
   clip.source = path;
   clip.labels = LabelsOf(labels);
@@ -222,19 +229,18 @@ void AddClips(const Cells& cells, const std::filesystem::path& folder, std::vect
   }
 }
 
-}  // namespace
-
-std::vector<Clip> ReadManifest(const std::string& path) {
+void ReadInto(const std::string& path, std::vector<Clip>& clips) {
   const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-  errno = 0;
-  std::ifstream file(path);
-  if (!file) throw Failure(path + ": " + LastSystemError());
-  std::vector<Clip> clips;
+  const std::string text = ReadFile(path, kManifestFile);
+  const std::size_t before = clips.size();
   std::optional<Layout> layout;
   std::size_t number = 0;
   try {
-    for (std::string line; std::getline(file, line);) {
+    for (std::string_view rest = text; !rest.empty();) {
       ++number;
+      const std::string_view line = rest.substr(0, rest.find('\n'));
+      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+      if (line.size() > kLongestLine) throw Fault{"a line of " + std::to_string(line.size()) + " bytes"};
       if (Trimmed(line).empty() || line.starts_with('#')) continue;
       if (layout) {
         AddClips(CellsOf(line, *layout), folder, clips);
@@ -245,8 +251,14 @@ std::vector<Clip> ReadManifest(const std::string& path) {
   } catch (const Fault& fault) {
     throw Failure(path + ":" + std::to_string(number) + ": " + fault.reason);
   }
-  if (!file.eof()) throw Failure(path + ": " + LastSystemError());
-  if (clips.empty()) throw Failure(path + ": names no clips");
+  if (clips.size() == before) throw Failure(path + ": names no clips");
+}
+
+}  // namespace
+
+std::vector<Clip> ReadManifest(const std::string& path) {
+  std::vector<Clip> clips;
+  ReadInto(path, clips);
   return clips;
 }
 
@@ -254,9 +266,7 @@ std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settin
                                 bool allow_damaged) {
   CheckSettings(settings);
   std::vector<Clip> clips;
-  for (const std::string& path : paths) {
-    for (Clip& clip : ReadManifest(path)) clips.push_back(std::move(clip));
-  }
+  for (const std::string& path : paths) ReadInto(path, clips);
   for (Clip& clip : clips) {
     clip.allow_damaged = allow_damaged;
     if (clip.region || clip.IsScene()) continue;

@@ -1,11 +1,13 @@
 // manifest.h: lists of labelled clips, as files.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "clips/clip.h"
+#include "host/file.h"
 #include "host/settings.h"
 
 namespace stopngo {
@@ -18,6 +20,8 @@ namespace stopngo {
 ///   kind    the group that the clip counts in (optional); "-": the scene's kind, or "recording"
 /// Throws Failure naming file, line and reason.
 std::vector<Clip> ReadManifest(const std::string& path);
+
+inline constexpr FileKind kManifestFile{"a manifest", std::uint64_t{64} << 20, true};
 
 /// The clips of several manifests; a recording without a region gets that of the settings. Throws Failure,
 /// also when the settings ask for what clips have no place for: frames of another size, a debug framebuffer.

@@ -73,7 +73,7 @@ struct ClipSet {
     clips = ReadManifests(manifests, settings, allow_damaged);
     for (const std::string& path : manifests) {
       files.push_back({{"file", std::filesystem::path(path).filename().string()},
-                       {"sha256", Sha256(ReadFile(path))}});
+                       {"sha256", Sha256(ReadFile(path, kManifestFile))}});
     }
   }
 
@@ -297,6 +297,8 @@ void TrainCommand::Run() {
   const std::size_t inputs = 2 * tracks.front().features;
   Network network{inputs, training_.loss.hiddens,
                   FileNumbers(BestOf(trainings).parameters, tracks.front().features, training_.loss.hiddens)};
+  if (const std::string fault = FaultOf(network); !fault.empty())
+    throw Failure("the network that came out: " + fault);
   const Calibration calibration =
       Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_);
   network.numbers.back() += static_cast<float>(calibration.shift);

@@ -77,7 +77,7 @@ class Inspection {
     const std::uint64_t inputs = arguments_.inputs.value_or(sidecar_ ? sidecar_->inputs : kDefaultInputs);
     const std::uint64_t hiddens = arguments_.hiddens.value_or(sidecar_ ? sidecar_->hiddens : kDefaultHiddens);
     const bool told = sidecar_ && !arguments_.inputs && !arguments_.hiddens;
-    return ReadWeights(arguments_.file, inputs, hiddens,
+    return ReadNumbers(arguments_.file, inputs, hiddens,
                        told ? SidecarPath(arguments_.file) : "--inputs, --hiddens");
   }
 
@@ -86,6 +86,9 @@ class Inspection {
       if (layer.not_finite == 0) continue;
       faults_ += (faults_.empty() ? arguments_.file + ": numbers that are not finite: " : ", ") +
                  std::to_string(layer.not_finite) + " among the " + layer.name;
+    }
+    if (const std::string fault = FaultOf(network_); faults_.empty() && !fault.empty()) {
+      faults_ = arguments_.file + ": " + fault;
     }
     if (!sidecar_) return;
     try {

@@ -112,6 +112,22 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
   EXPECT_THROW(ReadManifest(folder / "."), Failure);
 }
 
+TEST(Manifest, MoreThanAnybodyHasIsRefusedBeforeItTakesMemory) {
+  const TemporaryFolder folder;
+  const auto fault = [](const std::string& path) { return FailureOf([&] { ReadManifest(path); }); };
+  std::string many = kHeader;
+  for (int i = 0; i < 20; i++) many += "synth:mixed:1-1000000\t-\t-\t-\t-\n";
+  ExpectWords(fault(folder.File("many.tsv", many)), {"many.tsv:3: ", "more than 1000000 clips"});
+  ExpectWords(fault(folder.File("one.tsv", kHeader + "synth:mixed:1-20000000\t-\t-\t-\t-\n")),
+              {"one.tsv:2: ", "1000000 at most"});
+  const std::vector<std::string> twice(
+      2, folder.File("half.tsv", kHeader + "synth:mixed:1-600000\t-\t-\t-\t-\n"));
+  ExpectWords(FailureOf([&] { ReadManifests(twice, Settings(), false); }), {"half.tsv:2: ", "more than"});
+  ExpectWords(fault("/dev/zero"), {"/dev/zero", "67108864"});
+  ExpectWords(fault(folder.File("line.tsv", kHeader + std::string(2 << 20, '\t'))),
+              {"line.tsv:2: ", "2097152"});
+}
+
 TEST(Manifest, DamagedOnesAreReadOrRefused) {
   const TemporaryFolder folder;
   static_cast<void>(folder.File("a.y4m", ""));

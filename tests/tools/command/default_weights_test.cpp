@@ -29,7 +29,7 @@ TEST(DefaultWeights, AreFoundAsInstalledAndInAClone) {
     EXPECT_EQ(none.exit_code, 2) << place;
     ExpectWords(none.err, {"--weights", "--no-weights"});
   }
-  const std::string weights = folder.File("w.bin", std::string(10372, '\0'));
+  const std::string weights = folder.File("w.bin", std::string(10372, '\1'));
   fs::copy_file(weights, root / "share/zetstopngo/default.bin");
   EXPECT_EQ(run("bin").exit_code, 0);
   (void)folder.File("root/build/any/CMakeCache.txt", "");

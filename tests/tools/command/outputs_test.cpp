@@ -32,7 +32,7 @@ TEST_F(OutputsTest, StandardStreamsAreWrittenInPlace) {
 TEST_F(OutputsTest, InputsAreNotOverwritten) {
   const std::string clip = folder_ / "clip.y4m";
   ASSERT_EQ(Stopngo("synth " + clip + " --length 0.2").exit_code, 0);
-  const std::string weights = folder_.File("w.bin", std::string(10372, '\0'));
+  const std::string weights = folder_.File("w.bin", std::string(10372, '\1'));
   const std::string config = folder_.File("car.toml", "rate = 5\n");
   fs::create_symlink("clip.y4m", folder_ / "alias.y4m");
   const std::string before = ReadFile(clip);

@@ -21,9 +21,9 @@ namespace {
 
 class SettingsOptionsTest : public testing::Test {
  protected:
-  // A weights file of the module's default counts, all zero.
-  [[nodiscard]] std::string ZeroWeights(std::string_view name) const {
-    return folder_.File(name, std::string(10372, '\0'));
+  // A weights file of the module's default counts, all tiny.
+  [[nodiscard]] std::string Weights(std::string_view name) const {
+    return folder_.File(name, std::string(10372, '\1'));
   }
 
   // A sidecar that matches; settings: JSON.
@@ -47,7 +47,7 @@ class SettingsOptionsTest : public testing::Test {
 };
 
 TEST_F(SettingsOptionsTest, OptionsWinOverTheFileTheFileOverTheSidecarTheSidecarOverDefaults) {
-  const std::string weights = ZeroWeights("w.bin");
+  const std::string weights = Weights("w.bin");
   WriteSidecarOf(weights, R"({"rate": 7, "threshold": 0.7, "time-leaving": 5, "time-cooling": "4s"})");
   const std::string config =
       folder_.File("car.toml", "weights = \"w.bin\"\nthreshold = 0.6\ntime-leaving = 4\n");

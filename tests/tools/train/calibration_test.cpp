@@ -25,12 +25,14 @@ std::string GreyClip() {
   return video;
 }
 
-/// The score is the logistic function of the bias alone.
+/// The score is the logistic function of the bias, but for a trace of one input, without which it were no network.
 Network Constant(const Settings& settings, float bias) {
   Network network;
   network.inputs = 2 * static_cast<std::size_t>(settings.features);
   network.hiddens = static_cast<std::size_t>(settings.hiddens);
   network.numbers.resize(NetworkLength(network.inputs, network.hiddens));
+  network.numbers.front() = 1e-15F;
+  network.numbers[(network.inputs + 1) * network.hiddens] = 1e-15F;
   network.numbers.back() = bias;
   return network;
 }
