@@ -18,7 +18,10 @@ constexpr const char* kRecordName = "vel_stopngo";
 // The first is what a device's host and a build folder have, the second what a runtime package installs.
 constexpr const char* kFileNames[] = {"libzetstopngo.so", "libzetstopngo.so.1"};
 
-// Where to look, in order. dlopen searches the loader's folders for a name without a slash.
+// From the folder of programs to that of libraries, as installed.
+constexpr const char* kLibrariesFromPrograms = STOPNGO_LIBRARIES_FROM_PROGRAMS;
+
+// Where to look, in order; each has a slash, for dlopen searches the loader's folders for a name without one.
 std::vector<std::string> Candidates(const std::string& path) {
   if (!path.empty()) return {path.find('/') == std::string::npos ? "./" + path : path};
   if (const char* const named = std::getenv("STOPNGO_MODULE"); named != nullptr && *named != '\0') {
@@ -26,12 +29,11 @@ std::vector<std::string> Candidates(const std::string& path) {
   }
   std::vector<std::string> candidates;
   std::error_code error;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  for (const char* name : kFileNames) {
-    const std::filesystem::path beside = program.parent_path() / name;
-    if (std::filesystem::exists(beside, error)) candidates.push_back(beside.string());
+  const std::filesystem::path programs = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  for (const std::filesystem::path& folder :
+       {programs, (programs / kLibrariesFromPrograms).lexically_normal()}) {
+    for (const char* name : kFileNames) candidates.push_back((folder / name).string());
   }
-  candidates.insert(candidates.end(), std::begin(kFileNames), std::end(kFileNames));
   return candidates;
 }
 
@@ -55,10 +57,14 @@ Module::Module(const std::string& path) : handle_(nullptr), operations_(nullptr)
   std::string reasons;
   for (const std::string& candidate : Candidates(path)) {
     handle_ = dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle_ != nullptr) break;
+    if (handle_ != nullptr) {
+      std::error_code error;
+      path_ = std::filesystem::absolute(candidate, error).lexically_normal().string();
+      break;
+    }
     reasons += (reasons.empty() ? "" : "; ") + std::string(dlerror());
   }
-  if (handle_ == nullptr) throw Failure("the module cannot be loaded: " + reasons);
+  if (handle_ == nullptr) throw Failure("the module cannot be loaded: " + reasons + " (see STOPNGO_MODULE)");
   operations_ = static_cast<const VEL_STOPNGO_OPERATION*>(dlsym(handle_, kRecordName));
   if (const char* const fault = Fault(operations_); fault != nullptr) {
     dlclose(handle_);

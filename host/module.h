@@ -10,13 +10,16 @@ namespace stopngo {
 /// libzetstopngo.so, loaded with dlopen.
 class Module {
  public:
-  /// path: the shared object; empty: $STOPNGO_MODULE, else beside the program, else by the loader's
-  /// own search. Throws Failure naming what was tried.
+  /// path: the shared object; empty: $STOPNGO_MODULE, else beside the program, else where it is installed with the
+  /// program. Nowhere else: not in the current folder, not where the loader looks. Throws Failure naming what was
+  /// tried.
   explicit Module(const std::string& path = {});
   ~Module();
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
 
+  /// The file that was loaded.
+  [[nodiscard]] const std::string& Path() const { return path_; }
   [[nodiscard]] const VEL_STOPNGO_OPERATION& Operations() const { return *operations_; }
   /// An exported routine by its name and type, such as Routine<decltype(Classify_Feature_)>("Classify_Feature_").
   template <typename Function>
@@ -27,6 +30,7 @@ class Module {
  private:
   [[nodiscard]] void* Symbol(const char* name) const;
 
+  std::string path_;
   void* handle_;
   const VEL_STOPNGO_OPERATION* operations_;
 };

@@ -45,6 +45,8 @@ done
 run() { head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --rate 0 "$@"; }
 run --no-weights >"$root/log"
 grep -q 10 "$root/log" || { echo "install_test: the installed command did not run" >&2; exit 1; }
+"$root/usr/bin/stopngo" --version | grep -q "^module $library/" ||
+  { echo "install_test: the installed command did not load the installed module" >&2; exit 1; }
 if [ -f "$(dirname "$0")/../weights/default.bin" ]; then
   run >"$root/log" || { echo "install_test: the installed command did not find its weights" >&2; exit 1; }
 fi

@@ -7,10 +7,13 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <new>
+#include <string>
 
 #include "base/results.h"
 #include "command/subcommand.h"
 #include "host/failure.h"
+#include "host/module.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -38,6 +41,15 @@ constexpr std::array kSubcommands{
     Entry{"weights", "Show and check a weights file", DeclareWeights},
 };
 
+std::string Version() {
+  const std::string version = "stopngo " STOPNGO_VERSION "\n";
+  try {
+    return version + "module " + Escaped(Module().Path());
+  } catch (const Failure& failure) {
+    return version + Escaped(failure.what());
+  }
+}
+
 // Help and version come as exceptions, too; everything else that parsing throws is wrong usage.
 int EndParsing(const CLI::App& app, const CLI::ParseError& end) {
   if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
@@ -48,7 +60,7 @@ int EndParsing(const CLI::App& app, const CLI::ParseError& end) {
 int Execute(int argc, char** argv) {
   CLI::App app("Stop-and-go detector: runs it, shows why it decides, and makes scenes to try it on.",
                "stopngo");
-  app.set_version_flag("--version", "stopngo " STOPNGO_VERSION);
+  app.set_version_flag("--version", Version, "print the version, and which module is loaded, and exit");
   app.require_subcommand(1);
   app.footer("stopngo COMMAND --help tells the options of a command, with examples.");
   std::map<const CLI::App*, std::unique_ptr<Subcommand>> subcommands;
@@ -89,6 +101,10 @@ int Main(int argc, char** argv) {
     return kFailed;
   } catch (const Failure& failure) {
     return tell(failure.what(), failure.Code());
+  } catch (const std::bad_alloc&) {
+    // Not even a sentence is put together here.
+    std::fputs("stopngo: not enough memory\n", stderr);
+    return kFailed;
   } catch (const std::exception& fault) {
     return tell(fault.what(), ExitCode::kFailed);
   }
