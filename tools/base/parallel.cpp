@@ -5,6 +5,7 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -58,7 +59,12 @@ void InParallel(std::size_t count, int jobs, const std::function<void(std::size_
   const std::size_t threads = std::min(count, static_cast<std::size_t>(std::max(1, jobs)));
   {
     std::vector<std::jthread> others;
-    for (std::size_t i = 1; i < threads; ++i) others.emplace_back([&pool] { pool.Work(); });
+    others.reserve(threads);
+    try {
+      for (std::size_t i = 1; i < threads; ++i) others.emplace_back([&pool] { pool.Work(); });
+    } catch (const std::system_error&) {
+      // The system has no more threads to give: those that run do all the work, and the results are the same.
+    }
     pool.Work();
   }
   pool.Rethrow();

@@ -31,13 +31,13 @@ const char* TypeName(const Setting& setting) {
   return std::visit(Names{}, setting.field);
 }
 
-void AddOption(CLI::App& app, Settings& settings, const Setting& setting) {
+CLI::Option* AddOption(CLI::App& app, Settings& settings, const Setting& setting) {
   const std::string option = std::string("--") + setting.name;
   if (IsFlag(setting)) {
-    app.add_flag_callback(
-           option, [&settings, &setting] { SetFromText(settings, setting, "true"); }, setting.help)
+    return app
+        .add_flag_callback(
+            option, [&settings, &setting] { SetFromText(settings, setting, "true"); }, setting.help)
         ->group("Settings");
-    return;
   }
   const auto take = [&settings, &setting, option](const std::string& text) {
     try {
@@ -46,35 +46,35 @@ void AddOption(CLI::App& app, Settings& settings, const Setting& setting) {
       throw CLI::ValidationError(option, reason.what());
     }
   };
-  app.add_option_function<std::string>(option, take, setting.help)
+  return app.add_option_function<std::string>(option, take, setting.help)
       ->type_name(TypeName(setting))
       ->default_str(TextOf(settings, setting))
       ->group("Settings");
 }
 
-// With the weights settled on the command line, what the file says of them is out of force: either
-// option excludes the other.
-bool GivenAsOption(const CLI::App& app, const std::string& name) {
-  const auto given = [&app](const char* option) { return app.get_option(option)->count() > 0; };
-  if (name == "weights" || name == "no-weights") return given("--weights") || given("--no-weights");
-  return given(("--" + name).c_str());
-}
-
 }  // namespace
 
-SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings) : app_(app), settings_(settings) {
+// With the weights settled on the command line, what the file says of them is out of force: either
+// option excludes the other.
+bool SettingsOptions::GivenAsOption(const std::string& name) const {
+  const auto given = [this](const std::string& option) { return options_.at(option)->count() > 0; };
+  if (name == "weights" || name == "no-weights") return given("weights") || given("no-weights");
+  return given(name);
+}
+
+SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings) : settings_(settings) {
   app.add_option("--config", config_, "TOML file with any of the settings below; options win over it")
       ->type_name("FILE");
   for (const Setting& setting : SettingTable()) {
-    if (*setting.name != '\0') AddOption(app, settings, setting);
+    if (*setting.name != '\0') options_[setting.name] = AddOption(app, settings, setting);
   }
-  app.get_option("--weights")->excludes(app.get_option("--no-weights"));
+  options_.at("weights")->excludes(options_.at("no-weights"));
 }
 
 void SettingsOptions::CompleteWithoutWeights() {
-  for (const char* const option : {"--weights", "--no-weights"}) {
-    if (app_.get_option(option)->count() > 0) {
-      throw Failure(std::string(option) + ": no weights are read here", ExitCode::kUsage);
+  for (const char* const option : {"weights", "no-weights"}) {
+    if (options_.at(option)->count() > 0) {
+      throw Failure(std::string("--") + option + ": no weights are read here", ExitCode::kUsage);
     }
   }
   ReadConfiguration();
@@ -84,8 +84,8 @@ void SettingsOptions::CompleteWithoutWeights() {
 
 void SettingsOptions::ReadConfiguration() {
   if (config_.empty()) return;
-  configured_ = ReadSettingsFile(config_, settings_,
-                                 [this](const std::string& name) { return GivenAsOption(app_, name); });
+  configured_ =
+      ReadSettingsFile(config_, settings_, [this](const std::string& name) { return GivenAsOption(name); });
 }
 
 void SettingsOptions::Complete() {
@@ -96,9 +96,8 @@ void SettingsOptions::Complete() {
   }
   if (settings_.weights.empty()) settings_.weights = FindDefaultWeights().value_or("");
   if (settings_.weights.empty()) return;
-  TakeSidecar(settings_, [this](const std::string& name) {
-    return configured_.contains(name) || GivenAsOption(app_, name);
-  });
+  TakeSidecar(settings_,
+              [this](const std::string& name) { return configured_.contains(name) || GivenAsOption(name); });
 }
 
 }  // namespace stopngo

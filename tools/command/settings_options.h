@@ -1,6 +1,7 @@
 // settings_options.h: the settings as options of a subcommand.
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -9,7 +10,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+}  // namespace CLI
 
 namespace stopngo {
 
@@ -31,9 +33,11 @@ class SettingsOptions {
 
  private:
   void ReadConfiguration();
+  [[nodiscard]] bool GivenAsOption(const std::string& name) const;
 
-  CLI::App& app_;
   Settings& settings_;
+  /// By the names of their settings: the parser's own look-up ends the program when memory is short.
+  std::map<std::string, CLI::Option*> options_;
   std::string config_;
   std::set<std::string> configured_;  ///< names of the settings that the file gave
 };

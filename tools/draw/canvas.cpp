@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <new>
 #include <numbers>
 
 #include "host/failure.h"
@@ -182,7 +183,16 @@ void Canvas::Text(const std::string& text, Point anchor, const TextStyle& style)
   cairo_new_path(Cairo());
 }
 
+// What could not be drawn for want of memory is missing from the picture, and Cairo goes on without a word.
+void Canvas::RefuseIncomplete() const {
+  const cairo_status_t status = cairo_status(Cairo());
+  if (status == CAIRO_STATUS_NO_MEMORY) throw std::bad_alloc();
+  if (status != CAIRO_STATUS_SUCCESS)
+    throw Failure(std::string("a picture: ").append(cairo_status_to_string(status)));
+}
+
 std::span<const std::uint8_t> Canvas::Pixels() const {
+  RefuseIncomplete();
   // A row of four-byte pixels needs no padding, so Cairo's stride is the width.
   cairo_surface_flush(surface_.get());
   return {cairo_image_surface_get_data(surface_.get()),
@@ -190,6 +200,7 @@ std::span<const std::uint8_t> Canvas::Pixels() const {
 }
 
 bool Canvas::WritePng(std::ostream& out) const {
+  RefuseIncomplete();
   const auto write = [](void* stream, const unsigned char* data, unsigned int length) {
     auto& sink = *static_cast<std::ostream*>(stream);
     sink.write(reinterpret_cast<const char*>(data), length);

@@ -78,12 +78,13 @@ class Canvas {
   /// The drawing context, for paths that the shapes above do not cover.
   [[nodiscard]] cairo_t* Cairo() const { return cairo_.get(); }
 
-  /// Blue, green, red and an unused byte a pixel, rows without padding.
+  /// Blue, green, red and an unused byte a pixel, rows without padding. Throws when something could not be drawn.
   [[nodiscard]] std::span<const std::uint8_t> Pixels() const;
-  /// False when out takes no more bytes.
+  /// False when out takes no more bytes. Throws when something could not be drawn.
   [[nodiscard]] bool WritePng(std::ostream& out) const;
 
  private:
+  void RefuseIncomplete() const;
   void Path(const Box& box, double radius);
   void Use(const Colour& colour);
   void Stroke(const Colour& colour, double line, double dash);

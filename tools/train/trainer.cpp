@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <limits>
+#include <new>
 #include <span>
 
 #include "base/streams.h"
@@ -85,9 +86,10 @@ Training Train(const AlarmLoss& loss, const AlarmLoss& validation, std::size_t h
   settings.max_iterations = options.iterations;
   settings.epsilon = 1e-7;
   double final_loss = 0;
-  lbfgs(static_cast<int>(parameters.size()), parameters.data(), &final_loss, &EvaluateCall, &ProgressCall,
-        &descent, &settings);
+  const int end = lbfgs(static_cast<int>(parameters.size()), parameters.data(), &final_loss, &EvaluateCall,
+                        &ProgressCall, &descent, &settings);
   if (descent.failure) std::rethrow_exception(descent.failure);
+  if (end == LBFGSERR_OUTOFMEMORY) throw std::bad_alloc();
   // How it ended is no failure in itself: single precision may leave the line search no better point.
   if (descent.result.parameters.empty()) throw Failure("training: not one step could be made");
   return descent.result;

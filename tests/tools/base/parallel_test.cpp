@@ -2,11 +2,14 @@
 #include "base/parallel.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 namespace stopngo {
@@ -19,6 +22,21 @@ TEST(InParallel, EveryPieceIsDoneOnce) {
     for (const auto& times : done) EXPECT_EQ(times, 1) << jobs << " jobs";
   }
   InParallel(0, 4, [](std::size_t) { FAIL() << "there is nothing to do"; });
+}
+
+TEST(InParallel, WithoutThreadsTheWorkIsDoneAllTheSame) {
+  pthread_attr_t usual;
+  ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+  pthread_attr_t impossible;
+  ASSERT_EQ(pthread_attr_init(&impossible), 0);
+  // A stack of more than the address space has.
+  ASSERT_EQ(pthread_attr_setstacksize(&impossible, std::size_t{1} << 50), 0);
+  ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
+  EXPECT_THROW(std::jthread([] {}), std::system_error);
+  std::vector<int> done(100);
+  InParallel(done.size(), 8, [&](std::size_t number) { done[number]++; });
+  ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+  EXPECT_EQ(done, std::vector<int>(100, 1));
 }
 
 TEST(InParallel, FirstFaultByNumberIsThrown) {
