@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/file.h"
 #include "host/settings.h"
 #include "host/sha256.h"
 #include "support/damage.h"

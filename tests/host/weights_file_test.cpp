@@ -14,7 +14,6 @@
 
 #include "classify.h"
 #include "host/failure.h"
-#include "host/file.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 

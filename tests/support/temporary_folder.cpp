@@ -28,6 +28,12 @@ std::string TemporaryFolder::File(std::string_view name, std::string_view conten
   return path;
 }
 
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw std::runtime_error(path + " cannot be read");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 std::size_t TemporaryFolder::Files() const {
   return static_cast<std::size_t>(
       std::distance(std::filesystem::directory_iterator(path_), std::filesystem::directory_iterator()));

@@ -26,4 +26,7 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
+/// The bytes of a file of any length.
+std::string ReadFile(const std::string& path);
+
 }  // namespace stopngo::test

@@ -8,7 +8,6 @@
 
 #include "base/memory_file.h"
 #include "host/failure.h"
-#include "host/file.h"
 #include "support/temporary_folder.h"
 
 namespace stopngo::test {

@@ -12,7 +12,6 @@
 
 #include "clips/clip.h"
 #include "clips/region.h"
-#include "host/file.h"
 #include "host/text.h"
 #include "program.h"
 #include "scene/scene.h"

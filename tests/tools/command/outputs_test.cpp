@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "host/file.h"
 #include "program.h"
 
 namespace stopngo::test {

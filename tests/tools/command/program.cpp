@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "host/file.h"
-
 namespace stopngo::test {
 
 CommandResult Shell(const std::string& command, std::string_view input) {

@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "host/file.h"
 #include "program.h"
 #include "support/squares.h"
 #include "video/open_source.h"

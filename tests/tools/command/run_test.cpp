@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "host/file.h"
 #include "program.h"
 #include "support/failure_text.h"
 #include "support/squares.h"

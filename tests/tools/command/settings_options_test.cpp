@@ -9,7 +9,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/file.h"
 #include "host/settings.h"
 #include "host/sha256.h"
 #include "host/sidecar.h"

@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/file.h"
 #include "program.h"
 
 namespace stopngo::test {

@@ -9,7 +9,6 @@
 
 #include "base/output_file.h"
 #include "classify.h"
-#include "host/file.h"
 #include "host/sha256.h"
 #include "host/sidecar.h"
 #include "host/weights_file.h"

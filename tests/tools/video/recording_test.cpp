@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "host/failure.h"
-#include "host/file.h"
 #include "support/temporary_folder.h"
 #include "video/frame_source.h"
 #include "waves.h"

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/file.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 #include "video/frame_source.h"
