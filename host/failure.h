@@ -20,10 +20,10 @@ class Failure : public std::runtime_error {
   ExitCode code_;
 };
 
-/// Standard output is a pipe that nobody reads any more (as after "| head"): the end, but no fault to tell.
+/// An output is a pipe that nobody reads any more (as after "| head"): the end, but no fault to tell.
 class NobodyReads : public Failure {
  public:
-  NobodyReads() : Failure("standard output: nobody reads it any more") {}
+  explicit NobodyReads(const std::string& output) : Failure(output + ": nobody reads it any more") {}
 };
 
 }  // namespace stopngo

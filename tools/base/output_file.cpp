@@ -1,127 +1,180 @@
-// output_file.cpp: a text or data output that appears whole or not at all.
+// output_file.cpp: outputs that appear whole or not at all, alone or together.
 #include "base/output_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
-#include <mutex>
-#include <set>
+#include <random>
 #include <system_error>
 #include <utility>
+#include <vector>
 
+#include "base/file_place.h"
 #include "host/failure.h"
-#include "host/system_error.h"
 
 namespace stopngo {
 namespace {
 
-namespace fs = std::filesystem;
+constexpr unsigned kModeBits = 07777;
+constexpr unsigned kRightsAlone = 0777;  // without those that lend the owner's
 
-constexpr int kMostLinks = 40;  // as many as the kernel follows
-
-/// The kernel's links to files that a process has open: a rename would leave their holder the old file.
-bool LeadsToOpenFile(const fs::path& link) {
-  std::error_code ignored;
-  return fs::weakly_canonical(link.parent_path(), ignored).string().starts_with("/proc/");
+std::string FolderOf(const std::string& path) {
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  return folder.empty() ? "." : folder.string();
 }
 
-/// Where a chain of links ends.
-fs::path BehindLinks(fs::path path) {
-  std::error_code error;
-  for (int i = 0; i < kMostLinks && fs::is_symlink(path, error) && !LeadsToOpenFile(path); ++i) {
-    path = path.parent_path() / fs::read_symlink(path, error);
-  }
-  return path;
+/// Of a length that every folder takes, however long the target's own name.
+std::string NameBeside(const std::string& target) {
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+  constexpr int kCount = 12;
+  static std::random_device random;
+  std::string name = ".stopngo-";
+  for (int i = 0; i < kCount; ++i) name += kLetters[random() % kLetters.size()];
+  return (std::filesystem::path(target).parent_path() / name).string();
 }
 
-/// Names that outputs are being written to, and that no other one may take meanwhile.
-class WorkingPaths {
- public:
-  bool Take(const std::string& path) {
-    const std::lock_guard lock(changing_);
-    return taken_.insert(OneName(path)).second;
-  }
-  void Release(const std::string& path) {
-    const std::lock_guard lock(changing_);
-    taken_.erase(OneName(path));
-  }
-
- private:
-  static fs::path OneName(const std::string& path) {
-    std::error_code error;
-    const fs::path name = fs::weakly_canonical(path, error);
-    return error ? fs::path(path) : name;
-  }
-
-  std::mutex changing_;
-  std::set<fs::path> taken_;
-};
-
-WorkingPaths& Working() {
-  static WorkingPaths paths;
-  return paths;
-}
-
-// Devices and pipes have no name beside them to write to first.
-bool WrittenInPlace(const fs::path& target) {
-  std::error_code ignored;
-  const fs::file_status status = fs::symlink_status(target, ignored);
-  return fs::exists(status) && !fs::is_regular_file(status);
+/// Before there is anything in it to read.
+void TakeModeAndOwner(int file, const struct stat& old) {
+  const bool owned = fchown(file, old.st_uid, old.st_gid) == 0 || fchown(file, -1, old.st_gid) == 0;
+  fchmod(file, old.st_mode & (owned ? kModeBits : kRightsAlone));
 }
 
 }  // namespace
 
-OutputFile::OutputFile(std::string path)
-    : path_(std::move(path)),
-      target_(BehindLinks(path_).string()),
-      working_path_(WrittenInPlace(target_) ? target_ : target_ + ".part") {
-  const bool in_place = working_path_ == target_;
-  if (!in_place && !Working().Take(working_path_)) {
-    throw Failure(path_ + ": is an output already", ExitCode::kUsage);
-  }
-  errno = 0;
-  stream_.open(working_path_, std::ios::binary | std::ios::trunc);
-  if (stream_) return;
-  const std::string reason = LastSystemError();
-  if (!in_place) Working().Release(working_path_);
-  throw Failure(path_ + ": " + reason);
+Descriptor::~Descriptor() { Close(); }
+
+int Descriptor::Close() {
+  const int number = std::exchange(number_, -1);
+  return number < 0 || close(number) == 0 ? 0 : errno;
+}
+
+void FailWriting(const std::string& path, int error) {
+  const std::string name = path == "-" ? "standard output" : path;
+  if (error == EPIPE) throw NobodyReads(name);
+  throw Failure(name + ": " + std::generic_category().message(error));
+}
+
+OutputFile::OutputFile(std::string path) : path_(std::move(path)), target_(BehindLinks(path_).string()) {
+  Open();
+  if (file_->Number() < 0) FailWriting(path_, errno);
+  buffer_.emplace(file_->Number());
+  stream_.rdbuf(&*buffer_);
 }
 
 OutputFile::~OutputFile() {
-  if (working_path_ == target_) return;
-  if (!committed_) {
-    stream_.close();
-    std::error_code ignored;
-    fs::remove(working_path_, ignored);
-  }
-  Working().Release(working_path_);
+  if (beside_) unlink(beside_->Path().c_str());
 }
 
-void OutputFile::Commit() {
-  errno = 0;
-  stream_.close();
-  if (!stream_) throw Failure(path_ + ": " + LastSystemError());
-  if (working_path_ != target_) {
-    std::error_code error;
-    fs::rename(working_path_, target_, error);
-    if (error) throw Failure(path_ + ": " + error.message());
+void OutputFile::Open() {
+  struct stat old {};
+  if (const std::optional<int> open_already = OpenDescriptor(path_, STDOUT_FILENO)) {
+    file_.emplace(fcntl(*open_already, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+  } else if (stat(target_.c_str(), &old) != 0) {
+    if (errno != ENOENT) FailWriting(path_, errno);
+    OpenBeside(nullptr);
+  } else if (!S_ISREG(old.st_mode)) {
+    file_.emplace(open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+  } else {
+    // A folder would let a file be replaced that may not be written.
+    if (faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) FailWriting(path_, errno);
+    OpenBeside(&old);
   }
-  committed_ = true;
+}
+
+/// old: the file to be replaced, if there is one.
+void OutputFile::OpenBeside(const struct stat* old) {
+  constexpr mode_t kByUmask = 0666;
+  constexpr mode_t kForNow = 0600;
+  do {
+    beside_.emplace(NameBeside(target_));
+    file_.emplace(open(beside_->Path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                       old == nullptr ? kByUmask : kForNow));
+  } while (file_->Number() < 0 && errno == EEXIST);
+  if (file_->Number() < 0) {
+    const int error = errno;
+    beside_.reset();
+    FailWriting(path_, error);
+  }
+  if (old != nullptr) TakeModeAndOwner(file_->Number(), *old);
+}
+
+void OutputFile::Flush() {
+  stream_.flush();
+  if (buffer_->Error() != 0) FailWriting(path_, buffer_->Error());
+}
+
+/// Everything is on the disk, under the name beside.
+void OutputFile::Complete() {
+  Flush();
+  if (beside_ && fsync(file_->Number()) != 0) FailWriting(path_, errno);
+  if (const int error = file_->Close()) FailWriting(path_, error);
+}
+
+/// revocable: what was there before is kept under the name beside.
+void OutputFile::TakePlace(bool revocable) {
+  if (!beside_) return;
+  const char* const beside = beside_->Path().c_str();
+  struct stat old {};
+  const bool replaces = lstat(target_.c_str(), &old) == 0;
+  if (replaces && revocable && S_ISREG(old.st_mode) &&
+      renameat2(AT_FDCWD, beside, AT_FDCWD, target_.c_str(), RENAME_EXCHANGE) == 0) {
+    place_ = Place::kExchanged;
+    return;
+  }
+  // Some file systems cannot exchange names.
+  if (rename(beside, target_.c_str()) != 0) FailWriting(path_, errno);
+  place_ = replaces ? Place::kReplaced : Place::kNew;
+}
+
+/// False when the old file is lost.
+bool OutputFile::GiveBack() const {
+  if (!beside_) return true;
+  const char* const beside = beside_->Path().c_str();
+  if (place_ == Place::kExchanged) {
+    return renameat2(AT_FDCWD, beside, AT_FDCWD, target_.c_str(), RENAME_EXCHANGE) == 0;
+  }
+  return place_ == Place::kNew && rename(target_.c_str(), beside) == 0;
+}
+
+/// The place is taken for good, also when the power fails next.
+void OutputFile::Settle() {
+  if (!beside_) return;
+  unlink(beside_->Path().c_str());
+  beside_.reset();
+  const Descriptor folder(open(FolderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  // A folder may be one to write to and not to read.
+  if (folder.Number() >= 0 && fsync(folder.Number()) != 0 && errno != EINVAL) FailWriting(path_, errno);
+}
+
+void CommitTogether(std::initializer_list<OutputFile*> files) {
+  std::vector<OutputFile*> present;
+  for (OutputFile* const file : files) {
+    if (file != nullptr) present.push_back(file);
+  }
+  for (OutputFile* const file : present) file->Complete();
+  const SignalsWait wait;
+  std::size_t placed = 0;
+  try {
+    for (; placed < present.size(); ++placed) present[placed]->TakePlace(present.size() > 1);
+  } catch (const Failure& failure) {
+    std::string sentence = failure.what();
+    while (placed > 0) {
+      const OutputFile& earlier = *present[--placed];
+      if (!earlier.GiveBack()) sentence.append("; ").append(earlier.path_).append(" is the new one already");
+    }
+    throw Failure(sentence);
+  }
+  for (OutputFile* const file : present) file->Settle();
 }
 
 void WriteFile(const std::string& path, std::string_view bytes) {
   OutputFile file(path);
   file.Stream().write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.Commit();
-}
-
-void RefuseOverwriting(std::span<const std::string> outputs, std::span<const std::string> inputs) {
-  const auto is_file = [](const std::string& path) { return !path.empty() && path != "-"; };
-  for (const std::string& output : outputs) {
-    for (const std::string& input : inputs) {
-      std::error_code neither_exists;
-      if (!is_file(output) || !is_file(input) || !fs::equivalent(output, input, neither_exists)) continue;
-      throw Failure(output + ": is an input, and would be lost", ExitCode::kUsage);
-    }
-  }
 }
 
 }  // namespace stopngo

@@ -1,44 +1,84 @@
-// output_file.h: a text or data output that appears whole or not at all.
+// output_file.h: outputs that appear whole or not at all, alone or together.
 #pragma once
 
-#include <fstream>
-#include <span>
+#include <sys/stat.h>
+
+#include <initializer_list>
+#include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
+#include "base/descriptor_buffer.h"
+#include "base/interruption.h"
+
 namespace stopngo {
 
-/// Writes to PATH.part and renames it to PATH on Commit; destroyed without Commit, it removes it. Where the
-/// path is a link, that is done with the file it leads to. What is no regular file (a device, a pipe), or is
-/// open already (/dev/stdout), is written in place.
+/// An open file, closed with the object.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor();
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  [[nodiscard]] int Number() const { return number_; }
+  /// Gives 0, or an errno.
+  int Close();
+
+ private:
+  int number_;  ///< -1: none
+};
+
+/// Throws Failure with the path and the reason, or NobodyReads for a pipe that has lost its reader.
+[[noreturn]] void FailWriting(const std::string& path, int error);
+
+class OutputFile;
+
+/// All of them or none: everything is written to the disk before the first one takes its place, in the order
+/// given, and when one cannot the ones before give theirs back. Nulls are left out. Throws as FailWriting.
+void CommitTogether(std::initializer_list<OutputFile*> files);
+
+/// A file that is written under a name of its own beside the path and takes its place when it is committed;
+/// destroyed without that, it is gone. Where the path is a link, the file that it leads to is replaced. The
+/// new file has the old one's mode and, where that is permitted, its owner. What is no regular file (a device,
+/// a pipe), or is open already ("-", /dev/stdout), is written in place.
 class OutputFile {
  public:
-  /// Throws Failure naming the path when it cannot be written, or when it leads to the same file as another
-  /// output that is not finished.
+  /// Throws as FailWriting when it cannot be written.
   explicit OutputFile(std::string path);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
   std::ostream& Stream() { return stream_; }
-  /// The name that is written to until Commit.
-  [[nodiscard]] const std::string& WorkingPath() const { return working_path_; }
-  /// Throws Failure when not everything could be written.
-  void Commit();
+  /// For who writes past the stream.
+  [[nodiscard]] int Number() const { return file_->Number(); }
+  /// Throws as FailWriting when not everything could be written that was.
+  void Flush();
+  /// Throws as FailWriting; the old file is there then.
+  void Commit() { CommitTogether({this}); }
 
  private:
+  friend void CommitTogether(std::initializer_list<OutputFile*> files);
+
+  void Open();
+  void OpenBeside(const struct stat* old);
+  void Complete();
+  void TakePlace(bool revocable);
+  [[nodiscard]] bool GiveBack() const;
+  void Settle();
+
   std::string path_;
-  std::string target_;  ///< the path, behind its links
-  std::string working_path_;
-  std::ofstream stream_;
-  bool committed_ = false;
+  std::string target_;                    ///< the path, behind its links
+  std::optional<UnfinishedFile> beside_;  ///< none: written in place
+  std::optional<Descriptor> file_;
+  std::optional<DescriptorBuffer> buffer_;
+  std::ostream stream_{nullptr};
+  enum class Place { kBeside, kNew, kExchanged, kReplaced } place_ = Place::kBeside;
 };
 
-/// Writes a file, whole or not at all. Throws as OutputFile.
+/// Writes a file, whole or not at all. Throws as FailWriting.
 void WriteFile(const std::string& path, std::string_view bytes);
-
-/// Throws Failure naming the output when it is one of the inputs, under whatever name; empty paths, and "-" for
-/// a standard stream, are left out.
-void RefuseOverwriting(std::span<const std::string> outputs, std::span<const std::string> inputs);
 
 }  // namespace stopngo

@@ -1,6 +1,7 @@
 // results.cpp: a subcommand's results, line by line on standard output.
 #include "base/results.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -12,6 +13,13 @@
 #include "host/text.h"
 
 namespace stopngo {
+
+void OccupyClosedStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);  // the lowest number that is free
+  }
+}
 
 void WriteResult(std::string_view line) {
   // On one terminal a progress bar may stand where the line is going to be.
@@ -31,7 +39,8 @@ std::string JsonLine(const nlohmann::ordered_json& object) {
 void FailOutput() {
   const std::string reason = LastSystemError();
   pollfd output{STDOUT_FILENO, POLLOUT, 0};
-  if (poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0) throw NobodyReads();
+  if (poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0)
+    throw NobodyReads("standard output");
   throw Failure("standard output: " + reason);
 }
 

@@ -7,6 +7,10 @@
 
 namespace stopngo {
 
+/// To be called when the program starts. A standard stream that was closed for it fails when it is used: the first
+/// file that is opened would be taken for it otherwise, and get its text.
+void OccupyClosedStreams();
+
 /// Writes a line, escaped, and its newline at once, so that a reader at the other end of a pipe sees a decision
 /// when it falls. Throws as FailOutput.
 void WriteResult(std::string_view line);

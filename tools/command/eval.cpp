@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/interruption.h"
+#include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/results.h"
 #include "command/evaluation_options.h"
@@ -17,7 +17,6 @@
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
 #include "host/failure.h"
-#include "host/system_error.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -56,18 +55,17 @@ struct BaselineLine {
 
 class Evaluation {
  public:
-  explicit Evaluation(EvalArguments& arguments)
-      : arguments_(arguments), options_(arguments.options), clips_(options_.Clips()) {
+  explicit Evaluation(EvalArguments& arguments) : arguments_(arguments), options_(arguments.options) {
+    const std::string& table = arguments.curve;
+    const std::string picture =
+        table.empty() ? table : std::filesystem::path(table).replace_extension(".png").string();
+    FileRegister files;
+    files.Writes(table, "--curve");
+    files.Writes(picture, "its plot; name the table, FILE.tsv");
+    clips_ = options_.Clips(files);
+    if (table.empty()) return;
     // Opened before the work, so that one that cannot be written is told at once.
-    if (arguments.curve.empty()) return;
-    const std::string picture = std::filesystem::path(arguments.curve).replace_extension(".png").string();
-    if (picture == arguments.curve) {
-      throw Failure("--curve: " + picture + " is the plot's name; name the table, FILE.tsv",
-                    ExitCode::kUsage);
-    }
-    RefuseOverwriting(std::vector{arguments.curve, picture}, options_.Files());
-    CatchInterruption();
-    curve_table_.emplace(arguments.curve);
+    curve_table_.emplace(table);
     curve_plot_.emplace(picture);
   }
 
@@ -115,12 +113,8 @@ class Evaluation {
     std::vector<NamedTally> marks{{"as set", TallyAll(runs_, 0)}};
     for (NamedTally& row : BaselineRows()) marks.push_back(std::move(row));
     WriteCurve(curve_table_->Stream(), points);
-    errno = 0;
-    if (!DrawCurve(points, marks).WritePng(curve_plot_->Stream())) {
-      throw Failure(arguments_.curve + ": its plot: " + LastSystemError());
-    }
-    curve_table_->Commit();
-    curve_plot_->Commit();
+    DrawCurve(points, marks).WritePng(curve_plot_->Stream());
+    CommitTogether({&*curve_table_, &*curve_plot_});
   }
 
   /// Calls take(clip, event) for every event of the settings' own run, in the order of the clips.

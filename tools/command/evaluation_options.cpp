@@ -2,6 +2,7 @@
 #include "command/evaluation_options.h"
 
 #include <CLI/CLI.hpp>
+#include <variant>
 
 #include "base/parallel.h"
 #include "clips/manifest.h"
@@ -25,15 +26,20 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
   app.add_flag("--json", json, "JSON Lines");
 }
 
-std::vector<Clip> EvaluationOptions::Clips() {
+std::vector<Clip> EvaluationOptions::Clips(FileRegister& files) {
   options_.Complete();
-  return ReadManifests(manifests, settings, allow_damaged);
+  options_.EnterFiles(files);
+  return ClipsOf(manifests, settings, allow_damaged, files);
 }
 
-std::vector<std::string> EvaluationOptions::Files() const {
-  std::vector<std::string> files = options_.Files();
-  files.insert(files.end(), manifests.begin(), manifests.end());
-  return files;
+std::vector<Clip> ClipsOf(std::span<const std::string> manifests, const Settings& settings,
+                          bool allow_damaged, FileRegister& files) {
+  for (const std::string& manifest : manifests) files.Reads(manifest, "the manifest");
+  std::vector<Clip> clips = ReadManifests(manifests, settings, allow_damaged);
+  for (const Clip& clip : clips) {
+    if (!clip.IsScene()) files.Reads(std::get<std::string>(clip.source), "a clip's recording");
+  }
+  return clips;
 }
 
 }  // namespace stopngo

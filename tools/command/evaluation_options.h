@@ -1,9 +1,11 @@
 // evaluation_options.h: the options of every subcommand that runs the module over manifests.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
+#include "base/file_register.h"
 #include "clips/clip.h"
 #include "command/settings_options.h"
 #include "host/settings.h"
@@ -16,10 +18,9 @@ namespace stopngo {
 
 struct EvaluationOptions {
   explicit EvaluationOptions(CLI::App& app);
-  /// The clips of all manifests, after the configuration was loaded. Throws Failure.
-  std::vector<Clip> Clips();
-  /// What is read beside the clips: manifests, configuration, weights.
-  [[nodiscard]] std::vector<std::string> Files() const;
+  /// The clips of all manifests, after the configuration was loaded. Enters all that is read for them. Throws
+  /// Failure.
+  std::vector<Clip> Clips(FileRegister& files);
 
   Settings settings;
   std::vector<std::string> manifests;
@@ -31,5 +32,9 @@ struct EvaluationOptions {
  private:
   SettingsOptions options_;
 };
+
+/// The clips of manifests. Enters these and the recordings that they name. Throws Failure.
+std::vector<Clip> ClipsOf(std::span<const std::string> manifests, const Settings& settings,
+                          bool allow_damaged, FileRegister& files);
 
 }  // namespace stopngo

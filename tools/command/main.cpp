@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "base/interruption.h"
 #include "base/results.h"
 #include "command/subcommand.h"
 #include "host/failure.h"
@@ -87,8 +88,8 @@ void FinishOutput() {
 }
 
 int Main(int argc, char** argv) {
-  // A pipe that is no longer read shows as a failed write, which leaves time to remove unfinished files.
-  std::signal(SIGPIPE, SIG_IGN);
+  OccupyClosedStreams();
+  CatchSignals();
   const auto tell = [](const char* sentence, ExitCode code) {
     std::cerr << "stopngo: " << Escaped(sentence) << '\n';
     return static_cast<int>(code);
@@ -98,7 +99,7 @@ int Main(int argc, char** argv) {
     FinishOutput();
     return code;
   } catch (const NobodyReads&) {
-    return kFailed;
+    EndBySignal(SIGPIPE);
   } catch (const Failure& failure) {
     return tell(failure.what(), failure.Code());
   } catch (const std::bad_alloc&) {

@@ -1,6 +1,5 @@
 // render.cpp: stopngo render: writes a recording with what the module saw drawn on it.
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/file_register.h"
 #include "base/interruption.h"
 #include "base/output_file.h"
 #include "base/progress.h"
@@ -22,7 +22,6 @@
 #include "host/detector.h"
 #include "host/failure.h"
 #include "host/settings.h"
-#include "host/system_error.h"
 #include "host/text.h"
 #include "overlay/debug_picture.h"
 #include "overlay/overlay.h"
@@ -38,7 +37,8 @@ namespace {
 constexpr const char* kRenderFooter =
     R"(Drawn are the region of interest with a motion vector a block and the borders of the cells, the sums of
 every cell, score, alarm counter, hold timer and decision, and the scores of the last seconds. During a
-hold the module analyses nothing, and no vectors are drawn.
+hold the module analyses nothing, and no vectors are drawn. A signal (Ctrl-C) ends the video with the last
+frame that was drawn; the summary says so, and the exit code is the signal's.
 
 Examples:
   stopngo render drive.mp4 seen.mp4 --weights weights.bin
@@ -79,9 +79,12 @@ Outputs OutputsOf(const RenderArguments& arguments) {
   }
   Outputs outputs{arguments.output, arguments.still};
   if (picture_only) std::swap(outputs.video, outputs.still);
-  std::vector<std::string> inputs = arguments.options.Files();
-  inputs.push_back(arguments.source.input);
-  RefuseOverwriting(std::vector{outputs.video, outputs.still, arguments.settings.debug_fb}, inputs);
+  FileRegister files;
+  arguments.options.EnterFiles(files);
+  EnterInput(files, arguments.source.input);
+  files.Writes(outputs.video, "the video");
+  files.Writes(outputs.still, "the still picture");
+  files.Writes(arguments.settings.debug_fb, "--debug-fb");
   return outputs;
 }
 
@@ -90,7 +93,7 @@ class Still {
  public:
   /// at_s: its time; unset: the first alarm. half_frame_s: how far from it the nearest frame may lie.
   Still(const std::string& path, std::optional<double> at_s, double half_frame_s)
-      : path_(path), at_s_(at_s), half_frame_s_(half_frame_s) {
+      : at_s_(at_s), half_frame_s_(half_frame_s) {
     // Opened before the work, so that a path that cannot be written is told at once.
     if (!path.empty()) file_.emplace(path);
   }
@@ -104,20 +107,16 @@ class Still {
   [[nodiscard]] std::optional<double> TakenAt() const { return taken_s_; }
 
   void Take(const Canvas& picture, double time_s) {
-    errno = 0;
-    // Flushed: a full disk has to be noticed before the video takes its final name.
-    if (!picture.WritePng(file_->Stream()) || !file_->Stream().flush())
-      throw Failure(path_ + ": " + LastSystemError());
+    picture.WritePng(file_->Stream());
+    file_->Flush();
     taken_s_ = time_s;
   }
 
   [[nodiscard]] bool Missing() const { return file_ && !taken_s_; }
-  void Commit() {
-    if (file_) file_->Commit();
-  }
+  /// Null when nothing was taken.
+  [[nodiscard]] OutputFile* File() { return taken_s_ ? &*file_ : nullptr; }
 
  private:
-  std::string path_;
   std::optional<double> at_s_;
   double half_frame_s_;
   std::optional<OutputFile> file_;
@@ -147,6 +146,7 @@ std::string Seconds(double time_s) {
 
 std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
                     std::optional<double> still_s) {
+  const char* const signal = InterruptingSignal();
   if (arguments.json) {
     nlohmann::ordered_json line{{"input", arguments.source.input}};
     if (!outputs.video.empty()) line["output"] = outputs.video;
@@ -154,6 +154,7 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
     line["alarms"] = counts.alarms;
     if (counts.first_alarm_s) line["first_alarm_s"] = *counts.first_alarm_s;
     if (still_s) line["still"] = {{"file", outputs.still}, {"time_s", *still_s}};
+    if (signal != nullptr) line["cut_short"] = signal;
     return JsonLine(line);
   }
   std::string text = outputs.video.empty() ? arguments.source.input : outputs.video;
@@ -161,6 +162,7 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
           (counts.alarms == 1 ? " alarm" : " alarms");
   if (counts.first_alarm_s) text += ", the first at " + Seconds(*counts.first_alarm_s);
   if (still_s) text += "; " + outputs.still + " shows " + Seconds(*still_s);
+  if (signal != nullptr) text += std::string("; cut short by ") + signal;
   return text;
 }
 
@@ -176,18 +178,19 @@ class Rendering {
         still_(outputs_.still, arguments.still_at, Info().fps > 0 ? 0.5 / Info().fps : 0) {
     if (!arguments.settings.debug_fb.empty()) debug_.emplace(arguments.settings.debug_fb);
     if (outputs_.video.empty()) return;
-    sink_ = OpenSink({outputs_.video, Info().width, Info().height, Info().fps, PixelFormat::kBgrx});
+    video_.emplace(outputs_.video);
+    sink_ = OpenSink({outputs_.video, Info().width, Info().height, Info().fps, PixelFormat::kBgrx}, *video_);
   }
 
   void Run() {
     RenderFrames();
-    if (still_.Missing()) {
+    ends_early_.Finishing();
+    if (still_.Missing() && !Interrupted()) {
       throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
     }
     if (debug_) WriteDebugPicture(debug_->Stream(), detector_.Context());
     if (sink_) sink_->Finish();
-    still_.Commit();
-    if (debug_) debug_->Commit();
+    CommitTogether({video_ ? &*video_ : nullptr, still_.File(), debug_ ? &*debug_ : nullptr});
   }
 
   [[nodiscard]] std::string Tell() const { return Summary(arguments_, outputs_, counts_, still_.TakenAt()); }
@@ -202,7 +205,7 @@ class Rendering {
     LumaFrame frame;
     LumaFrame next;
     FrameReport report;
-    while (!Interrupted() && frames_->Next(next)) {
+    while (NextFrame(*frames_, next)) {
       // The last frame has to outlast the attempt to read another one.
       std::swap(frame, next);
       report = detector_.Write(frame);
@@ -215,8 +218,8 @@ class Rendering {
       if (sink_) WritePicture();
       if (progress) progress->Step();
     }
-    if (counts_.frames == 0) throw Failure(arguments_.source.input + ": holds no frames");
-    if (!still_.WantsLast()) return;
+    if (counts_.frames == 0 && !Interrupted()) throw Failure(arguments_.source.input + ": holds no frames");
+    if (!still_.WantsLast() || counts_.frames == 0) return;
     overlay_.Draw(frame, report, detector_.Context());
     still_.Take(overlay_.Picture(), report.time_s);
   }
@@ -233,17 +236,19 @@ class Rendering {
     const double missing = std::round((time_s - left_out_s_) * fps) - static_cast<double>(pictures_);
     if (missing > kLongest_s * fps) left_out_s_ += missing / fps;
     if (pictures_ == 0 || missing > kLongest_s * fps) return;
-    for (double filled = 0; filled < missing; ++filled) WritePicture();
+    for (double filled = 0; filled < missing && !Interrupted(); ++filled) WritePicture();
   }
 
   const RenderArguments& arguments_;
   Outputs outputs_;
   std::unique_ptr<FrameSource> frames_;
+  EndsEarly ends_early_;  // ahead of all that is written
   Module module_;
   Detector detector_;
   Overlay overlay_;
   Still still_;
   std::optional<OutputFile> debug_;  ///< receives the debug framebuffer, where --debug-fb asks for it
+  std::optional<OutputFile> video_;
   std::unique_ptr<VideoSink> sink_;  ///< none when only a still picture is wanted
   Counts counts_;
   std::int64_t pictures_ = 0;  ///< written to the sink
@@ -262,7 +267,6 @@ class RenderCommand : public Subcommand {
   void Run() override {
     DamageRule damage(DamageRule::Kind::kAtEnd, arguments_.allow_damaged);
     auto frames = OpenSource(ForSettings(arguments_.source, arguments_.settings, damage));
-    CatchInterruption();
     Rendering rendering(arguments_, outputs_, std::move(frames));
     rendering.Run();
     if (arguments_.output == "-") {

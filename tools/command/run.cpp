@@ -1,10 +1,11 @@
 // run.cpp: stopngo run: replays a recording or a camera through the module and tells its decisions.
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "base/file_register.h"
 #include "base/interruption.h"
 #include "base/output_file.h"
 #include "base/progress.h"
@@ -12,8 +13,8 @@
 #include "command/settings_options.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
+#include "command/trace.h"
 #include "host/detector.h"
-#include "host/failure.h"
 #include "host/settings.h"
 #include "overlay/debug_picture.h"
 #include "video/damage.h"
@@ -23,7 +24,8 @@ namespace stopngo {
 namespace {
 
 constexpr const char* kRunFooter =
-    R"(A camera runs until it is interrupted (Ctrl-C), which ends with the summary too.
+    R"(A camera runs until it is interrupted (Ctrl-C), which ends with the summary too; the exit code is the signal's,
+and a trace says in its last line that it was cut short. It can be followed while it grows (tail -f).
 Settings may stand in a TOML file under the names of their options:
   time-cooling = "2s"
   weights = "weights.bin"    # from the file's own folder
@@ -41,6 +43,9 @@ class RunCommand : public Subcommand {
   void Run() override;
 
  private:
+  void RunFrames(FrameSource& frames, Detector& detector, RunReport& report,
+                 std::optional<Trace>& trace) const;
+
   Settings settings_;
   SettingsOptions options_;
   SourceOptions source_;
@@ -59,14 +64,11 @@ RunCommand::RunCommand(CLI::App& app) : options_(app, settings_) {
 
 void RunCommand::Complete() {
   options_.Complete();
-  std::vector<std::string> inputs = options_.Files();
-  inputs.push_back(source_.input);
-  RefuseOverwriting(std::vector{trace_, settings_.debug_fb}, inputs);
-}
-
-// Before the first frame, so that a run of hours does not end at a path that cannot be written.
-std::unique_ptr<OutputFile> OpenOutput(const std::string& path) {
-  return path.empty() ? nullptr : std::make_unique<OutputFile>(path);
+  FileRegister files;
+  options_.EnterFiles(files);
+  EnterInput(files, source_.input);
+  files.Writes(trace_, "--trace");
+  files.Writes(settings_.debug_fb, "--debug-fb");
 }
 
 void RunCommand::Run() {
@@ -74,30 +76,41 @@ void RunCommand::Run() {
   const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source_, settings_, damage));
   const Module module;
   Detector detector(module, settings_, frames->Info());
-  CatchInterruption();
-  const auto trace_file = OpenOutput(trace_);
-  const auto debug_file = OpenOutput(settings_.debug_fb);
-  if (trace_file) WriteTraceHeader(trace_file->Stream());
+  EndsEarly ends_early;
+  // Before the first frame, so that a run of hours does not end at a path that cannot be written.
+  std::optional<Trace> trace;
+  std::optional<OutputFile> debug;
+  if (!trace_.empty()) trace.emplace(trace_);
+  if (!settings_.debug_fb.empty()) debug.emplace(settings_.debug_fb);
   RunReport report(json_);
-  {
-    // The module's own lines and a progress bar would write over each other.
-    std::optional<Progress> progress;
-    if (settings_.log <= 0) progress.emplace("run", frames->Info().frames);
-    LumaFrame frame;
-    while (!Interrupted() && frames->Next(frame)) {
-      const FrameReport written = detector.Write(frame);
-      report.Add(written);
-      if (trace_file) WriteTraceLine(trace_file->Stream(), written);
-      if (progress) progress->Step();
-    }
+  try {
+    RunFrames(*frames, detector, report, trace);
+  } catch (const std::exception& fault) {
+    if (trace) trace->CutShort(fault.what());
+    throw;
   }
-  if (trace_file) trace_file->Commit();
-  if (debug_file) {
-    WriteDebugPicture(debug_file->Stream(), detector.Context());
-    debug_file->Commit();
+  ends_early.Finishing();
+  const char* const signal = InterruptingSignal();
+  if (trace) signal == nullptr ? trace->End() : trace->CutShort(signal);
+  if (debug) {
+    WriteDebugPicture(debug->Stream(), detector.Context());
+    debug->Commit();
   }
-  report.Summarize();
+  report.Summarize(signal);
   damage.RefuseKept();
+}
+
+void RunCommand::RunFrames(FrameSource& frames, Detector& detector, RunReport& report,
+                           std::optional<Trace>& trace) const {
+  // The module's own lines and a progress bar would write over each other.
+  std::optional<Progress> progress;
+  if (settings_.log <= 0) progress.emplace("run", frames.Info().frames);
+  for (LumaFrame frame; NextFrame(frames, frame);) {
+    const FrameReport written = detector.Write(frame);
+    if (trace) trace->Add(written);
+    report.Add(written);
+    if (progress) progress->Step();
+  }
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-// run_report.cpp: what stopngo run tells: decision changes, the summary, the trace of every frame.
+// run_report.cpp: what stopngo run tells: decision changes and the summary.
 #include "command/run_report.h"
 
-#include <bit>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -54,7 +53,7 @@ void RunReport::TellChange(const FrameReport& frame) const {
   }
 }
 
-void RunReport::Summarize() const {
+void RunReport::Summarize(const char* cut_short) const {
   if (json_) {
     Json line = {{"type", "summary"}, {"frames", frames_}, {"decided", decided_}, {"analysed", analysed_}};
     for (std::size_t i = 0; i < kinds_.size(); ++i) {
@@ -64,9 +63,11 @@ void RunReport::Summarize() const {
     for (const Quantile& quantile : kQuantiles) {
       line["write_ns"][quantile.name] = latency_.Percentile(quantile.share);
     }
+    if (cut_short != nullptr) line["cut_short"] = cut_short;
     WriteResult(JsonLine(line));
     return;
   }
+  if (cut_short != nullptr) WriteResult(Print("cut short by %s", cut_short));
   WriteResult(Print("%lld frames, %lld decided, %lld analysed", Printable(frames_), Printable(decided_),
                     Printable(analysed_)));
   for (std::size_t i = 0; i < kinds_.size(); ++i) {
@@ -78,18 +79,6 @@ void RunReport::Summarize() const {
     times += Print(" %s %.1f us", quantile.name, latency_.Percentile(quantile.share) / 1000);
   }
   WriteResult(times);
-}
-
-void WriteTraceHeader(std::ostream& trace) {
-  trace << "frame\ttime\tscore\tscore_bits\talarm_counter\thold_timer\tdecision\tanalysed\twrite_ns\n";
-}
-
-void WriteTraceLine(std::ostream& trace, const FrameReport& frame) {
-  // Nine digits give every single-precision score back exactly.
-  trace << Print("%lld\t%.6f\t%.9g\t%08x\t%d\t%d\t%d\t%d\t%.0f\n", Printable(frame.index), frame.time_s,
-                 static_cast<double>(frame.score), std::bit_cast<std::uint32_t>(frame.score),
-                 frame.alarm_counter, frame.hold_timer, frame.decision, frame.analysed ? 1 : 0,
-                 frame.write_ns);
 }
 
 }  // namespace stopngo

@@ -1,9 +1,8 @@
-// run_report.h: what stopngo run tells: decision changes, the summary, the trace of every frame.
+// run_report.h: what stopngo run tells: decision changes and the summary.
 #pragma once
 
 #include <array>
 #include <cstdint>
-#include <ostream>
 
 #include "command/latency.h"
 #include "host/detector.h"
@@ -17,7 +16,8 @@ class RunReport {
   explicit RunReport(bool json) : json_(json) {}
   /// Throws Failure when standard output cannot be written.
   void Add(const FrameReport& frame);
-  void Summarize() const;
+  /// cut_short: the signal that ended the run before its input did, if one has.
+  void Summarize(const char* cut_short) const;
 
  private:
   struct Kind {
@@ -34,9 +34,5 @@ class RunReport {
   std::array<Kind, 3> kinds_{};  ///< by decision
   Latency latency_;
 };
-
-/// Tab-separated values, a line a frame.
-void WriteTraceHeader(std::ostream& trace);
-void WriteTraceLine(std::ostream& trace, const FrameReport& frame);
 
 }  // namespace stopngo

@@ -100,4 +100,11 @@ void SettingsOptions::Complete() {
               [this](const std::string& name) { return configured_.contains(name) || GivenAsOption(name); });
 }
 
+void SettingsOptions::EnterFiles(FileRegister& files) const {
+  files.Reads(config_, "--config");
+  if (settings_.weights.empty()) return;
+  files.Reads(settings_.weights, "the weights");
+  files.Reads(SidecarPath(settings_.weights), "the weights' sidecar");
+}
+
 }  // namespace stopngo

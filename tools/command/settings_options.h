@@ -4,8 +4,8 @@
 #include <map>
 #include <set>
 #include <string>
-#include <vector>
 
+#include "base/file_register.h"
 #include "host/settings.h"
 
 namespace CLI {
@@ -28,8 +28,8 @@ class SettingsOptions {
   /// For a subcommand that reads no weights: takes the file alone, without what it says of weights, and
   /// refuses options that name some.
   void CompleteWithoutWeights();
-  /// The files that the settings came from: configuration and weights, either may be empty.
-  [[nodiscard]] std::vector<std::string> Files() const { return {config_, settings_.weights}; }
+  /// Enters the files that the settings come from: configuration, weights and their sidecar.
+  void EnterFiles(FileRegister& files) const;
 
  private:
   void ReadConfiguration();

@@ -2,10 +2,17 @@
 #include "command/source_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 
+#include "base/interruption.h"
+#include "host/failure.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -18,6 +25,20 @@ void TakeRawSize(const std::string& text, SourceOptions& options) {
   }
   options.raw_width = size->width;
   options.raw_height = size->height;
+}
+
+/// Whether a name is of an image sequence such as img%04d.png.
+bool IsOfSequence(std::string_view name, std::string_view pattern) {
+  const std::size_t number = pattern.find('%');
+  const std::size_t end = pattern.find('d', number);
+  if (end == std::string_view::npos) return false;
+  const std::string_view before = pattern.substr(0, number);
+  const std::string_view behind = pattern.substr(end + 1);
+  if (name.size() <= before.size() + behind.size()) return false;
+  if (!name.starts_with(before) || !name.ends_with(behind)) return false;
+  name.remove_prefix(before.size());
+  name.remove_suffix(behind.size());
+  return std::ranges::all_of(name, [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
 }  // namespace
@@ -57,6 +78,32 @@ SourceOptions ForSettings(SourceOptions options, const Settings& settings, Damag
   options.rate = settings.rate;
   options.hear = [&damage](const Remark& remark) { damage(remark); };
   return options;
+}
+
+void EnterInput(FileRegister& files, const std::string& input) {
+  namespace fs = std::filesystem;
+  constexpr std::string_view kProtocol = "file:";  // of FFmpeg's, for names that look like others
+  std::error_code error;
+  const bool named = fs::exists(input, error);
+  files.Reads(!named && input.starts_with(kProtocol) ? input.substr(kProtocol.size()) : input,
+              "the recording");
+  const fs::path pattern(input);
+  if (named || input.find('%') == std::string::npos) return;
+  const fs::path folder = pattern.has_parent_path() ? pattern.parent_path() : ".";
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+    if (!IsOfSequence(entry.path().filename().string(), pattern.filename().string())) continue;
+    files.Reads(entry.path().string(), "a picture of the recording");
+  }
+}
+
+bool NextFrame(FrameSource& frames, LumaFrame& frame) {
+  if (Interrupted()) return false;
+  try {
+    return frames.Next(frame);
+  } catch (const Failure&) {
+    if (Interrupted()) return false;
+    throw;
+  }
 }
 
 }  // namespace stopngo

@@ -1,6 +1,7 @@
 // source_options.h: the options of every subcommand that reads frames.
 #pragma once
 
+#include "base/file_register.h"
 #include "host/settings.h"
 #include "video/damage.h"
 #include "video/frame_source.h"
@@ -20,5 +21,11 @@ void AddAllowDamaged(CLI::App& app, bool& allow_damaged);
 /// The options with what the settings say of the frames, their size and rate. damage: hears of what the input is;
 /// outlives the source that is opened.
 SourceOptions ForSettings(SourceOptions options, const Settings& settings, DamageRule& damage);
+
+/// Enters the files that will be read as INPUT.
+void EnterInput(FileRegister& files, const std::string& input);
+
+/// False also when a signal came; what that broke off is no failure of the input.
+bool NextFrame(FrameSource& frames, LumaFrame& frame);
 
 }  // namespace stopngo

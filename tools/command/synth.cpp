@@ -10,14 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "base/interruption.h"
+#include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/progress.h"
 #include "base/results.h"
 #include "clips/region.h"
 #include "command/subcommand.h"
 #include "host/failure.h"
-#include "host/system_error.h"
 #include "host/text.h"
 #include "scene/scene.h"
 #include "scene/script/script.h"
@@ -127,17 +126,13 @@ nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOpti
           {"roi", {region.x, region.y, region.width, region.height}}};
 }
 
-// Flushed at once: a full disk has to be noticed before the video takes its final name.
-void WriteLabels(const std::string& path, std::ostream& out, const std::vector<LabelSpan>& labels,
+void WriteLabels(std::ostream& out, const std::vector<LabelSpan>& labels,
                  const nlohmann::ordered_json& scene) {
-  errno = 0;
   out << "# " << scene.dump() << "\nstart_s\tend_s\tlabel\n";
   for (const LabelSpan& label : labels) {
     out << PlainText(label.start_s) << '\t' << PlainText(label.end_s) << '\t' << NameOf(label.activity)
         << '\n';
   }
-  out.flush();
-  if (!out) throw Failure(path + ": " + LastSystemError());
 }
 
 std::string Summary(const SynthArguments& arguments, const nlohmann::ordered_json& scene,
@@ -166,7 +161,6 @@ void Render(Scene& scene, const SceneOptions& options, VideoSink& sink) {
   std::vector<std::uint8_t> luma(static_cast<std::size_t>(options.width) *
                                  static_cast<std::size_t>(options.height));
   for (std::int64_t frame = 0; frame < scene.Frames(); frame++) {
-    if (Interrupted()) throw Failure("interrupted");
     scene.Render(frame, luma);
     sink.Write(luma);
     progress.Step();
@@ -213,6 +207,7 @@ SynthCommand::SynthCommand(CLI::App& app) {
   app.add_option("--labels", arguments_.labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
   app.add_flag("--json", arguments_.json, "Describe the clip as one line of JSON");
   app.footer(
+      "A signal (Ctrl-C) leaves no part of a clip, and what was there before as it was.\n\n"
       "Examples:\n"
       "  stopngo synth clip.y4m\n"
       "  stopngo synth clip.mp4 --seed 7 --departure 4 --acceleration 0.6\n"
@@ -226,25 +221,29 @@ void SynthCommand::Complete() {
   if (arguments_.output.empty()) throw Failure("output is required", ExitCode::kUsage);
   options_ = MakeOptions(arguments_);
   if (arguments_.labels.empty() && !ToStandardOutput()) arguments_.labels = arguments_.output + ".labels.tsv";
+  FileRegister files;
+  files.Writes(arguments_.output, "the video");
+  files.Writes(arguments_.labels, "the labels");
 }
 
 void SynthCommand::Run() { arguments_.list_kinds ? ListKinds() : RenderAll(); }
 
 void SynthCommand::RenderAll() {
-  CatchInterruption();
   // Outputs are opened before the work, so that one that cannot be written is told at once.
-  const auto sink =
-      OpenSink({arguments_.output, options_.width, options_.height, options_.fps, PixelFormat::kGray});
+  OutputFile video(arguments_.output);
   std::optional<OutputFile> labels_file;
   if (!arguments_.labels.empty()) labels_file.emplace(arguments_.labels);
+  const auto sink =
+      OpenSink({arguments_.output, options_.width, options_.height, options_.fps, PixelFormat::kGray}, video);
 
   Scene scene(options_);
   const std::vector<LabelSpan> labels = scene.Labels();
   const nlohmann::ordered_json description = Describe(arguments_, options_, scene);
   Render(scene, options_, *sink);
-  if (labels_file) WriteLabels(arguments_.labels, labels_file->Stream(), labels, description);
+  if (labels_file) WriteLabels(labels_file->Stream(), labels, description);
   sink->Finish();
-  if (labels_file) labels_file->Commit();
+  // Labels ahead of the video: those of a video that is not there are of no harm.
+  CommitTogether({labels_file ? &*labels_file : nullptr, &video});
 
   const std::string summary = Summary(arguments_, description, labels);
   if (ToStandardOutput()) {

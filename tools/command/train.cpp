@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -13,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/file_register.h"
 #include "base/memory_file.h"
 #include "base/output_file.h"
 #include "base/parallel.h"
@@ -20,6 +20,7 @@
 #include "base/results.h"
 #include "classify.h"
 #include "clips/manifest.h"
+#include "command/evaluation_options.h"
 #include "command/settings_options.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
@@ -68,12 +69,16 @@ struct ClipSet {
   std::vector<Clip> clips;
   nlohmann::ordered_json files = nlohmann::ordered_json::array();  ///< the manifests as they were read
 
-  void Read(const Settings& settings, bool allow_damaged) {
-    for (const std::string& path : manifests) RefuseReadOnce(path);
-    clips = ReadManifests(manifests, settings, allow_damaged);
+  void Read(const Settings& settings, bool allow_damaged, FileRegister& used) {
     for (const std::string& path : manifests) {
+      RefuseReadOnce(path);
       files.push_back({{"file", std::filesystem::path(path).filename().string()},
                        {"sha256", Sha256(ReadFile(path, kManifestFile))}});
+    }
+    clips = ClipsOf(manifests, settings, allow_damaged, used);
+    for (std::size_t i = 0; i < manifests.size(); i++) {
+      if (files[i]["sha256"] == Sha256(ReadFile(manifests[i], kManifestFile))) continue;
+      throw Failure(manifests[i] + ": changed while it was read");
     }
   }
 
@@ -95,8 +100,7 @@ class TrainCommand : public Subcommand {
 
  private:
   void RefuseSettings() const;
-  void ReadClips();
-  void RefuseUnwritable() const;
+  void ReadClips(FileRegister& files);
   void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
   [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
@@ -155,6 +159,7 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
 // What the module and the other commands may take, but no network can be made for.
 void TrainCommand::RefuseSettings() const {
   const auto refuse = [](const std::string& sentence) { throw Failure(sentence, ExitCode::kUsage); };
+  if (output_ == "-") refuse("--output: the sidecar goes beside a file, and results to standard output");
   if (!(settings_.threshold > 0 && settings_.threshold < 1)) {
     refuse("--threshold: scores lie between 0 and 1, and so has what they are to exceed");
   }
@@ -170,8 +175,8 @@ void TrainCommand::RefuseSettings() const {
   }
 }
 
-void TrainCommand::ReadClips() {
-  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_, allow_damaged_);
+void TrainCommand::ReadClips(FileRegister& files) {
+  for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_, allow_damaged_, files);
   if (validation_.manifests.empty()) {
     std::vector<Clip> kept;
     for (std::size_t i = 0; i < clips_.clips.size(); i++) {
@@ -182,20 +187,6 @@ void TrainCommand::ReadClips() {
   }
   if (clips_.clips.empty() || validation_.clips.empty()) {
     throw Failure("training needs clips, and others for validation: five at least");
-  }
-}
-
-// A training of hours is not to end at a folder that is not there.
-void TrainCommand::RefuseUnwritable() const {
-  const std::vector<std::string> outputs{output_, SidecarPath(output_), report_};
-  std::vector<std::string> inputs = options_.Files();
-  for (const ClipSet* const set : {&clips_, &validation_, &test_}) {
-    inputs.insert(inputs.end(), set->manifests.begin(), set->manifests.end());
-  }
-  RefuseOverwriting(outputs, inputs);
-  std::deque<OutputFile> writable;
-  for (const std::string& path : outputs) {
-    if (!path.empty()) writable.emplace_back(path);
   }
 }
 
@@ -282,12 +273,21 @@ void TrainCommand::Complete() {
       static_cast<std::size_t>(std::max(0, settings_.time_leaving.Frames(settings_.rate))) + 1;
   training_.loss.hiddens = static_cast<std::size_t>(settings_.hiddens);
   training_.loss.threshold = settings_.threshold;
-  ReadClips();
-  RefuseUnwritable();
+  FileRegister files;
+  files.Writes(output_, "--output");
+  files.Writes(SidecarPath(output_), "the sidecar of --output");
+  files.Writes(report_, "--report");
+  options_.EnterFiles(files);
+  ReadClips(files);
 }
 
 void TrainCommand::Run() {
   const Module module;
+  // A training of hours is not to end at a folder that is not there.
+  OutputFile weights_file(output_);
+  OutputFile sidecar_file(SidecarPath(output_));
+  std::optional<OutputFile> report_file;
+  if (!report_.empty()) report_file.emplace(report_);
   const std::vector<FeatureTrack> unseen = Collect(module, validation_.clips, "validation clips", 1);
   RefuseWithoutDepartures(unseen, "validation");
   const std::vector<FeatureTrack> tracks = Collect(module, clips_.clips, "training clips", training_.looks);
@@ -303,17 +303,15 @@ void TrainCommand::Run() {
       Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_);
   network.numbers.back() += static_cast<float>(calibration.shift);
   const std::string bytes = WeightsBytes(network);
-  WriteFile(output_, bytes);
+  weights_file.Stream() << bytes;
   Sidecar sidecar{inputs, network.hiddens, Sha256(bytes), SidecarSettings(settings_)};
   sidecar.training = Describe(trainings);
   sidecar.figures = {{"validation", FigureJson(calibration.tally)}};
   if (!test_.clips.empty()) sidecar.figures["test"] = TestFigures(network);
-  WriteFile(SidecarPath(output_), SidecarText(sidecar));
-  if (!report_.empty()) {
-    OutputFile report(report_);
-    WriteLearningCurves(report.Stream(), trainings);
-    report.Commit();
-  }
+  sidecar_file.Stream() << SidecarText(sidecar);
+  if (report_file) WriteLearningCurves(report_file->Stream(), trainings);
+  // The sidecar first: should the power fail between the two, it is refused as that of other weights.
+  CommitTogether({&sidecar_file, &weights_file, report_file ? &*report_file : nullptr});
   for (std::size_t i = 0; i < trainings.size(); i++) {
     WriteResult("seed " + std::to_string(training_.seed + i) + ": " +
                 std::to_string(trainings[i].curve.size()) + " iterations, validation loss " +

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/file_register.h"
 #include "base/results.h"
 #include "command/evaluation_options.h"
 #include "command/subcommand.h"
@@ -93,8 +94,10 @@ std::string InOneLine(const TuneArguments& arguments, const Settings& settings) 
 
 class Search {
  public:
-  explicit Search(TuneArguments& arguments)
-      : arguments_(arguments), options_(arguments.options), clips_(options_.Clips()) {}
+  explicit Search(TuneArguments& arguments) : arguments_(arguments), options_(arguments.options) {
+    FileRegister files;  // standard output may be led to one that is read
+    clips_ = options_.Clips(files);
+  }
 
   void Run() {
     // The first dimension changes what is analysed, not only what is decided: a pass over the clips each.

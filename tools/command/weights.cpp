@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/results.h"
 #include "command/subcommand.h"
@@ -16,7 +17,6 @@
 #include "host/failure.h"
 #include "host/sha256.h"
 #include "host/sidecar.h"
-#include "host/system_error.h"
 #include "host/text.h"
 #include "host/weights_file.h"
 
@@ -100,12 +100,9 @@ class Inspection {
   }
 
   void WritePicture() const {
-    RefuseOverwriting(std::vector{arguments_.picture},
-                      std::vector{arguments_.file, SidecarPath(arguments_.file)});
     const Canvas picture = DrawNetwork(network_, arguments_.columns);
     OutputFile file(arguments_.picture);
-    errno = 0;
-    if (!picture.WritePng(file.Stream())) throw Failure(arguments_.picture + ": " + LastSystemError());
+    picture.WritePng(file.Stream());
     file.Commit();
   }
 
@@ -196,7 +193,13 @@ class Inspection {
 class WeightsCommand : public Subcommand {
  public:
   explicit WeightsCommand(CLI::App& app);
-  void Complete() override { inspection_.emplace(arguments_); }
+  void Complete() override {
+    FileRegister files;
+    files.Reads(arguments_.file, "the weights");
+    files.Reads(SidecarPath(arguments_.file), "the weights' sidecar");
+    files.Writes(arguments_.picture, "--picture");
+    inspection_.emplace(arguments_);
+  }
   void Run() override { inspection_->Run(); }
 
  private:

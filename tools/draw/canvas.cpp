@@ -14,6 +14,12 @@
 namespace stopngo {
 namespace {
 
+void MustDraw(cairo_status_t status) {
+  if (status == CAIRO_STATUS_NO_MEMORY) throw std::bad_alloc();
+  if (status != CAIRO_STATUS_SUCCESS)
+    throw Failure(std::string("a picture: ").append(cairo_status_to_string(status)));
+}
+
 using SurfacePtr = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
 /// What keeps thin lines and text apart from a picture of any brightness.
@@ -184,12 +190,7 @@ void Canvas::Text(const std::string& text, Point anchor, const TextStyle& style)
 }
 
 // What could not be drawn for want of memory is missing from the picture, and Cairo goes on without a word.
-void Canvas::RefuseIncomplete() const {
-  const cairo_status_t status = cairo_status(Cairo());
-  if (status == CAIRO_STATUS_NO_MEMORY) throw std::bad_alloc();
-  if (status != CAIRO_STATUS_SUCCESS)
-    throw Failure(std::string("a picture: ").append(cairo_status_to_string(status)));
-}
+void Canvas::RefuseIncomplete() const { MustDraw(cairo_status(Cairo())); }
 
 std::span<const std::uint8_t> Canvas::Pixels() const {
   RefuseIncomplete();
@@ -199,14 +200,14 @@ std::span<const std::uint8_t> Canvas::Pixels() const {
           static_cast<std::size_t>(cairo_image_surface_get_stride(surface_.get())) * height_};
 }
 
-bool Canvas::WritePng(std::ostream& out) const {
+void Canvas::WritePng(std::ostream& out) const {
   RefuseIncomplete();
   const auto write = [](void* stream, const unsigned char* data, unsigned int length) {
     auto& sink = *static_cast<std::ostream*>(stream);
     sink.write(reinterpret_cast<const char*>(data), length);
-    return sink ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+    return CAIRO_STATUS_SUCCESS;
   };
-  return cairo_surface_write_to_png_stream(surface_.get(), write, &out) == CAIRO_STATUS_SUCCESS;
+  MustDraw(cairo_surface_write_to_png_stream(surface_.get(), write, &out));
 }
 
 }  // namespace stopngo

@@ -80,8 +80,8 @@ class Canvas {
 
   /// Blue, green, red and an unused byte a pixel, rows without padding. Throws when something could not be drawn.
   [[nodiscard]] std::span<const std::uint8_t> Pixels() const;
-  /// False when out takes no more bytes. Throws when something could not be drawn.
-  [[nodiscard]] bool WritePng(std::ostream& out) const;
+  /// Throws when something could not be drawn. What out could not take its owner knows.
+  void WritePng(std::ostream& out) const;
 
  private:
   void RefuseIncomplete() const;

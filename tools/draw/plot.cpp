@@ -83,10 +83,10 @@ void DrawPlot(Canvas& canvas, const Box& box, const Plot& plot) {
   }
 }
 
-bool WritePlot(std::ostream& out, const Plot& plot) {
+void WritePlot(std::ostream& out, const Plot& plot) {
   Canvas canvas(kWidth, kHeight);
   DrawPlot(canvas, {0, 0, kWidth, kHeight}, plot);
-  return canvas.WritePng(out);
+  canvas.WritePng(out);
 }
 
 }  // namespace stopngo

@@ -31,7 +31,7 @@ struct Plot {
 };
 
 void DrawPlot(Canvas& canvas, const Box& box, const Plot& plot);
-/// False when out takes no more bytes.
-bool WritePlot(std::ostream& out, const Plot& plot);
+/// As Canvas::WritePng.
+void WritePlot(std::ostream& out, const Plot& plot);
 
 }  // namespace stopngo

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <optional>
 
-#include "base/interruption.h"
 #include "base/parallel.h"
 #include "base/progress.h"
 #include "host/failure.h"
@@ -82,7 +81,6 @@ std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& opt
   if (options.settings.front().log <= 0) progress.emplace(options.title, std::ssize(clips));
   std::mutex drawing;
   InParallel(clips.size(), options.jobs, [&](std::size_t i) {
-    if (Interrupted()) throw Failure("interrupted");
     try {
       runs[i] = ClipRunner(module, options, clips[i]).Run();
     } catch (const Failure& failure) {

@@ -8,7 +8,7 @@
 
 namespace stopngo {
 
-/// Both losses over the iterations, a colour a starting point. Throws Failure when out takes no more.
+/// Both losses over the iterations, a colour a starting point. As Canvas::WritePng.
 void WriteLearningCurves(std::ostream& out, std::span<const Training> trainings);
 
 }  // namespace stopngo

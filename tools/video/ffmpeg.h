@@ -20,8 +20,7 @@ struct FfmpegDeleter {
       Ffmpeg().avformat_close_input(&format);
       return;
     }
-    if (format->pb != nullptr) Ffmpeg().avio_closep(&format->pb);
-    Ffmpeg().avformat_free_context(format);
+    Ffmpeg().avformat_free_context(format);  // who writes opened the file for itself
   }
   void operator()(AVCodecContext* codec) const { Ffmpeg().avcodec_free_context(&codec); }
   void operator()(AVFrame* frame) const { av_frame_free(&frame); }

@@ -5,6 +5,7 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +16,7 @@ extern "C" {
 #include <optional>
 #include <utility>
 
+#include "base/interruption.h"
 #include "host/failure.h"
 #include "host/text.h"
 #include "video/announced_end.h"
@@ -60,7 +62,10 @@ Opened OpenInput(const SourceOptions& options) {
   if (options.original && format != nullptr && std::strcmp(format->name, "video4linux2,v4l2") == 0) {
     av_dict_set(&settings, "video_size", "1920x1080", 0);
   }
-  AVFormatContext* opened = nullptr;
+  AVFormatContext* opened = Ffmpeg().avformat_alloc_context();
+  if (opened == nullptr) throw Failure(options.input + ": " + FfmpegError(AVERROR(ENOMEM)));
+  // The library goes on waiting for more of an input, signals or not, unless it is told.
+  opened->interrupt_callback.callback = [](void*) { return Interrupted() ? 1 : 0; };
   const int error = Ffmpeg().avformat_open_input(&opened, UrlOf(options.input).c_str(), format, &settings);
   av_dict_free(&settings);
   FfmpegOwned<AVFormatContext> input(opened);

@@ -3,8 +3,11 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -12,6 +15,7 @@ extern "C" {
 #include <span>
 #include <string>
 
+#include "base/descriptor_buffer.h"
 #include "base/output_file.h"
 #include "host/failure.h"
 #include "video/ffmpeg.h"
@@ -52,14 +56,52 @@ const AVCodec* FindEncoder(const AVOutputFormat* format) {
   return found == candidates.end() ? nullptr : *found;
 }
 
+/// How the library writes to an output, and goes back in one that is no pipe.
+struct DescriptorIo {
+  static constexpr int kBuffer = 1 << 16;
+
+  static int Write(void* file, std::uint8_t* bytes, int count) {
+    const std::string_view text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
+    const int error = WriteAll(static_cast<OutputFile*>(file)->Number(), text);
+    return error == 0 ? count : AVERROR(error);
+  }
+
+  static std::int64_t Seek(void* file, std::int64_t offset, int whence) {
+    if (whence == AVSEEK_SIZE) return AVERROR(ENOSYS);
+    const off_t place = lseek(static_cast<OutputFile*>(file)->Number(), offset, whence);
+    return place >= 0 ? place : AVERROR(errno);
+  }
+
+  static AVIOContext* Open(OutputFile& file) {
+    auto* const buffer = static_cast<std::uint8_t*>(av_malloc(kBuffer));
+    if (buffer == nullptr) return nullptr;
+    AVIOContext* const io = Ffmpeg().avio_alloc_context(buffer, kBuffer, 1, &file, nullptr, Write, Seek);
+    if (io == nullptr) {
+      av_free(buffer);
+    } else if (lseek(file.Number(), 0, SEEK_CUR) < 0) {
+      io->seekable = 0;
+    }
+    return io;
+  }
+
+  void operator()(AVIOContext* io) const {
+    av_freep(&io->buffer);
+    Ffmpeg().avio_context_free(&io);
+  }
+};
+
 class FfmpegSink : public VideoSink {
  public:
-  explicit FfmpegSink(const SinkOptions& options) : options_(options), file_(Checked(options).path) {
+  FfmpegSink(const SinkOptions& options, OutputFile& file)
+      : options_(Checked(options)), io_(DescriptorIo::Open(file)) {
+    Must(io_ ? 0 : AVERROR(ENOMEM));
     av_log_set_level(AV_LOG_QUIET);  // encoders chatter on standard error; what matters comes back as a code
     const AVOutputFormat* guessed = FormatByEnding(options.path);
     AVFormatContext* format = nullptr;
-    Must(Ffmpeg().avformat_alloc_output_context2(&format, guessed, nullptr, file_.WorkingPath().c_str()));
+    Must(Ffmpeg().avformat_alloc_output_context2(&format, guessed, nullptr, options.path.c_str()));
     format_.reset(format);
+    format_->pb = io_.get();
+    format_->flags |= AVFMT_FLAG_CUSTOM_IO;
     OpenEncoder(guessed);
     OpenFile();
     OpenPicture();
@@ -83,12 +125,11 @@ class FfmpegSink : public VideoSink {
   void Finish() override {
     Encode(nullptr);
     Must(Ffmpeg().av_write_trailer(format_.get()));
-    Must(Ffmpeg().avio_closep(&format_->pb));
-    file_.Commit();
+    Ffmpeg().avio_flush(io_.get());
+    Must(io_->error);
   }
 
  private:
-  // Before the file is opened: a size or an ending that cannot work must not touch the disk.
   static const SinkOptions& Checked(const SinkOptions& options) {
     FormatByEnding(options.path);
     if (options.width % 2 != 0 || options.height % 2 != 0) {
@@ -100,7 +141,12 @@ class FfmpegSink : public VideoSink {
   }
 
   void Must(int result) const {
-    if (result < 0) throw Failure(options_.path + ": " + FfmpegError(result));
+    if (result < 0) Fail(result);
+  }
+
+  [[noreturn]] void Fail(int result) const {
+    if (result == AVERROR(EPIPE)) FailWriting(options_.path, EPIPE);
+    throw Failure(options_.path + ": " + FfmpegError(result));
   }
 
   void OpenEncoder(const AVOutputFormat* format) {
@@ -133,7 +179,6 @@ class FfmpegSink : public VideoSink {
     stream_->time_base = codec_->time_base;
     stream_->avg_frame_rate = codec_->framerate;
     Must(Ffmpeg().avcodec_parameters_from_context(stream_->codecpar, codec_.get()));
-    Must(Ffmpeg().avio_open(&format_->pb, file_.WorkingPath().c_str(), AVIO_FLAG_WRITE));
     Must(Ffmpeg().avformat_write_header(format_.get(), nullptr));
     packet_.reset(Ffmpeg().av_packet_alloc());
     Must(packet_ ? 0 : AVERROR(ENOMEM));
@@ -179,12 +224,12 @@ class FfmpegSink : public VideoSink {
       packet_->stream_index = stream_->index;
       Ffmpeg().av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
       Must(Ffmpeg().av_interleaved_write_frame(format_.get(), packet_.get()));
-      Must(format_->pb->error);
+      Must(io_->error);
     }
   }
 
   SinkOptions options_;
-  OutputFile file_;  // outlives the handles below: it is removed once they are closed
+  std::unique_ptr<AVIOContext, DescriptorIo> io_;
   FfmpegOwned<AVFormatContext> format_;
   FfmpegOwned<AVCodecContext> codec_;
   FfmpegOwned<AVFrame> frame_;
@@ -196,8 +241,8 @@ class FfmpegSink : public VideoSink {
 
 }  // namespace
 
-std::unique_ptr<VideoSink> OpenFfmpegSink(const SinkOptions& options) {
-  return std::make_unique<FfmpegSink>(options);
+std::unique_ptr<VideoSink> OpenFfmpegSink(const SinkOptions& options, OutputFile& file) {
+  return std::make_unique<FfmpegSink>(options, file);
 }
 
 }  // namespace stopngo

@@ -8,12 +8,12 @@
 
 namespace stopngo {
 
-std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options) {
+std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options, OutputFile& file) {
   if (options.path == "-" || std::filesystem::path(options.path).extension() == ".y4m") {
-    return OpenY4mSink(options);
+    return OpenY4mSink(options, file);
   }
 #ifdef STOPNGO_WITH_FFMPEG
-  return OpenFfmpegSink(options);
+  return OpenFfmpegSink(options, file);
 #else
   throw Failure(options.path + ": without FFmpeg only .y4m files (or - for standard output) can be written");
 #endif

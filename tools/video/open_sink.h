@@ -7,7 +7,7 @@
 
 namespace stopngo {
 
-/// Throws Failure naming the path and the reason.
-std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options);
+/// Throws Failure naming the path and the reason. file: that of the path; it has to outlive the sink.
+std::unique_ptr<VideoSink> OpenSink(const SinkOptions& options, OutputFile& file);
 
 }  // namespace stopngo

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/interruption.h"
 #include "host/failure.h"
 #include "host/pace.h"
 #include "host/text.h"
@@ -111,7 +112,7 @@ class PacedSource : public FrameSource {
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
   bool Next(LumaFrame& frame) override {
-    while (more_) {
+    while (more_ && !Interrupted()) {
       std::swap(current_, ahead_);
       more_ = source_->Next(ahead_);
       if (!pace_.Takes(current_.time_s, more_ ? std::optional(ahead_.time_s) : std::nullopt)) continue;

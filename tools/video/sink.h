@@ -5,6 +5,8 @@
 #include <span>
 #include <string>
 
+#include "base/output_file.h"
+
 namespace stopngo {
 
 enum class PixelFormat {
@@ -20,13 +22,12 @@ struct SinkOptions {
   PixelFormat format = PixelFormat::kGray;
 };
 
-/// Writes to a temporary name beside the path; the file appears under its own name with Finish, and
-/// a sink that is destroyed without Finish leaves nothing behind.
 class VideoSink {
  public:
   virtual ~VideoSink() = default;
   /// One picture, rows without padding. Throws Failure.
   virtual void Write(std::span<const std::uint8_t> picture) = 0;
+  /// Writes what is still to come; the file can be committed then.
   virtual void Finish() = 0;
 };
 

@@ -1,15 +1,8 @@
 // y4m_sink.cpp: writes Y4M, without any library.
 #include <cstddef>
-#include <iostream>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "base/output_file.h"
-#include "base/results.h"
-#include "host/failure.h"
-#include "host/system_error.h"
 #include "video/frame_rate.h"
 #include "video/writer.h"
 
@@ -20,45 +13,31 @@ namespace {
 /// of full size, so that thin lines of an overlay keep their colour.
 class Y4mSink : public VideoSink {
  public:
-  explicit Y4mSink(const SinkOptions& options) : options_(options) {
-    if (options.path != "-") file_.emplace(options.path);
+  Y4mSink(const SinkOptions& options, OutputFile& file) : options_(options), file_(file) {
     const FrameRate rate = RationalRate(options.fps);
-    Stream() << "YUV4MPEG2 W" << options.width << " H" << options.height << " F" << rate.numerator << ':'
-             << rate.denominator << " Ip A1:1 " << (Gray() ? "Cmono" : "C444") << '\n';
-    Check();
+    file_.Stream() << "YUV4MPEG2 W" << options.width << " H" << options.height << " F" << rate.numerator
+                   << ':' << rate.denominator << " Ip A1:1 " << (Gray() ? "Cmono" : "C444") << '\n';
+    file_.Flush();
   }
 
   void Write(std::span<const std::uint8_t> picture) override {
-    errno = 0;
-    Stream() << "FRAME\n";
+    file_.Stream() << "FRAME\n";
     if (Gray()) {
       Put(picture);
     } else {
       Convert(picture);
       Put(planes_);
     }
-    Check();
+    file_.Flush();  // who reads at the other end of a pipe gets whole pictures
   }
 
-  void Finish() override {
-    errno = 0;
-    Stream().flush();
-    Check();
-    if (file_) file_->Commit();
-  }
+  void Finish() override {}
 
  private:
   [[nodiscard]] bool Gray() const { return options_.format == PixelFormat::kGray; }
-  std::ostream& Stream() { return file_ ? file_->Stream() : std::cout; }
-
   void Put(std::span<const std::uint8_t> bytes) {
-    Stream().write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  }
-
-  void Check() {
-    if (Stream()) return;
-    if (!file_) FailOutput();
-    throw Failure(options_.path + ": " + LastSystemError());
+    file_.Stream().write(reinterpret_cast<const char*>(bytes.data()),
+                         static_cast<std::streamsize>(bytes.size()));
   }
 
   // BT.601 in studio range, weights in 1/256: what readers of Y4M assume.
@@ -76,14 +55,14 @@ class Y4mSink : public VideoSink {
   }
 
   SinkOptions options_;
-  std::optional<OutputFile> file_;  ///< none for standard output
+  OutputFile& file_;
   std::vector<std::uint8_t> planes_;
 };
 
 }  // namespace
 
-std::unique_ptr<VideoSink> OpenY4mSink(const SinkOptions& options) {
-  return std::make_unique<Y4mSink>(options);
+std::unique_ptr<VideoSink> OpenY4mSink(const SinkOptions& options, OutputFile& file) {
+  return std::make_unique<Y4mSink>(options, file);
 }
 
 }  // namespace stopngo

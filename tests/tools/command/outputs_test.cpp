@@ -1,8 +1,9 @@
-// outputs_test.cpp: what a subcommand writes never takes the place of what it reads, and nothing unfinished stays.
+// outputs_test.cpp: what a subcommand writes never takes the place of what it uses, and nothing unfinished stays.
 #include <gtest/gtest.h>
 
-#include <cstddef>
+#include <csignal>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -27,47 +28,90 @@ TEST_F(OutputsTest, StandardStreamsAreWrittenInPlace) {
   EXPECT_EQ(folder_.Files(), 1U);
 }
 
-// Under another name, too, and before anything is opened.
-TEST_F(OutputsTest, InputsAreNotOverwritten) {
+// A file would get the text of a stream that is not there.
+TEST_F(OutputsTest, ClosedStreamsAreNoFiles) {
+  const std::string video = folder_ / "v.y4m";
+  const std::string synth = "synth " + video + " --length 0.2 --size 64x48 --labels -";
+  ExpectRefusal(Stopngo(synth + " >&-"), 1, {"standard output"});
+  EXPECT_EQ(folder_.Files(), 0U);
+  EXPECT_EQ(Stopngo(synth + " 2>&-").exit_code, 0);
+  ExpectRefusal(Stopngo("run - --no-weights <&-"), 1, {"standard input"});
+}
+
+// Whatever a command reads or writes and whatever name it goes by, before anything is read or rendered.
+TEST_F(OutputsTest, OneFileIsNotUsedTwice) {
   const std::string clip = folder_ / "clip.y4m";
-  ASSERT_EQ(Stopngo("synth " + clip + " --length 0.2").exit_code, 0);
+  ASSERT_EQ(Stopngo("synth " + clip + " --length 0.2 --size 64x48").exit_code, 0);
   const std::string weights = folder_.File("w.bin", std::string(10372, '\1'));
   const std::string config = folder_.File("car.toml", "rate = 5\n");
+  const std::string manifest =
+      folder_.File("m.tsv", "clip\tregion\trate\tlabels\nclip.y4m\t-\t-\t0 0.2 still\n");
   fs::create_symlink("clip.y4m", folder_ / "alias.y4m");
-  const std::string before = ReadFile(clip);
+  fs::copy_file(clip, folder_ / "img1.y4m");
   const std::string alias = folder_ / "alias.y4m";
-  const std::size_t files = folder_.Files();
   const std::string out = folder_ / "o.y4m";
+  const std::string picture = folder_ / "o.png";
   const std::string run = "run " + clip + " --no-weights ";
   const std::string render = "render " + clip + " " + out + " --no-weights ";
-  const std::vector<std::string> refused{
-      run + "--trace " + alias,
-      run + "--debug-fb " + clip,
-      run + "--config " + config + " --trace " + config,
-      "run " + clip + " --weights " + weights + " --trace " + weights,
-      "render " + alias + " " + clip + " --no-weights",
-      render + "--debug-fb " + alias,
-      render + "--still " + folder_ / "./o.y4m",
-      "synth " + clip + " --labels " + alias,
-      "weights " + weights + " --picture " + weights,
+  const std::string train = "train " + manifest + " -o " + out;
+  const std::string eval = "eval " + manifest + " --no-weights ";
+  struct Case {
+    std::string arguments;
+    std::string words;
   };
-  for (const std::string& arguments : refused) {
-    const CommandResult result = Stopngo(arguments);
-    EXPECT_EQ(result.exit_code, 2) << arguments << '\n' << result.err;
-    EXPECT_EQ(folder_.Files(), files) << arguments;
+  const std::vector<Case> cases{
+      {run + "--trace " + alias, "the recording"},
+      {run + "--debug-fb " + clip, "the recording"},
+      {run + "--trace " + out + " --debug-fb " + out, "--debug-fb"},
+      {run + "--config " + config + " --trace " + config, "--config"},
+      {run + "--trace " + out + " > " + out, "standard output"},
+      {"run - --no-weights --trace " + clip + " < " + clip, "standard input"},
+      {"run file:" + clip + " --no-weights --trace " + clip, "the recording"},
+      {"run " + folder_ / "img%d.y4m" + " --no-weights --trace " + folder_ / "img1.y4m", "a picture"},
+      {"run " + clip + " --weights " + weights + " --trace " + weights, "the weights"},
+      {"run " + clip + " --weights " + weights + " --trace " + weights + ".json", "the weights' sidecar"},
+      {"render " + alias + " " + clip + " --no-weights", "the recording"},
+      {render + "--debug-fb " + alias, "the recording"},
+      {render + "--still " + folder_ / "./o.y4m", "the still picture"},
+      {"synth " + clip + " --labels " + alias, "the labels"},
+      {"synth " + out + " --labels " + out, "the labels"},
+      {"train " + manifest + " -o " + manifest, "the manifest"},
+      {train + " --config " + config + " --report " + config, "--config"},
+      {train + " --report " + out, "--report"},
+      {train + " --report " + out + ".json", "the sidecar"},
+      {train + " --report " + clip, "recording"},
+      {train + " --test " + manifest + " --report " + manifest, "the manifest"},
+      {eval + "--curve " + clip, "recording"},
+      {eval + "--curve " + manifest, "the manifest"},
+      {eval + "--curve " + picture, "its plot"},
+      {"tune " + manifest + " --no-weights >> " + manifest, "standard output"},
+      {"weights " + weights + " --picture " + weights, "the weights"},
+      {"weights " + weights + " --picture " + weights + ".json", "sidecar"},
+  };
+  const auto contents = [this] {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::directory_iterator(folder_ / "")) {
+      files[entry.path().string()] = ReadFile(entry.path().string());
+    }
+    return files;
+  };
+  (void)folder_.File("o.y4m", "");  // the shell makes it before the command starts
+  const auto before = contents();
+  for (const Case& refused : cases) {
+    SCOPED_TRACE(refused.arguments);
+    ExpectRefusal(Stopngo(refused.arguments), 2, {refused.words, "are the same file"});
+    EXPECT_TRUE(contents() == before);
   }
-  EXPECT_TRUE(ReadFile(clip) == before);
-  EXPECT_EQ(ReadFile(config), "rate = 5\n");
 }
 
 // However early the interruption comes: the signal is sent as soon as there is something to remove.
 TEST_F(OutputsTest, InterruptedScenesLeaveNothingBehind) {
-  const std::string video = folder_ / "long.y4m";
   const CommandResult result =
-      Shell(STOPNGO_PROGRAM " synth " + video + " --length 3600 & while kill -0 $! && [ ! -e " + video +
-            ".part ]; do :; done; kill $!; wait $!");
-  EXPECT_EQ(result.exit_code, 1) << result.err;
-  EXPECT_NE(result.err.find("interrupted"), std::string::npos) << result.err;
+      Shell("cd " + folder_ / "" +
+            "; " STOPNGO_PROGRAM
+            " synth long.y4m --length 3600 & while kill -0 $! && [ -z \"$(ls -A)\" ]; do :; done; "
+            "kill -INT $!; wait $!");
+  EXPECT_EQ(result.exit_code, 128 + SIGINT) << result.err;
   EXPECT_EQ(folder_.Files(), 0U);
 }
 

@@ -214,7 +214,6 @@ TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
       {clip + " " + out + " --still " + png + " --still-at 5 --no-weights", 1, "--still-at"},
       {clip + " " + out + " --still-at 0.1 --no-weights", 2, "--still-at"},
       {clip + " " + png + " --still " + png + " --no-weights", 2, "--still"},
-      {clip + " " + clip + " --no-weights", 2, "input"},
       {clip + " " + out + " --no-weights --history 0", 2, "--history"},
       {clip + " " + out + " --no-weights --roi-y 450", 1, "region"},
       {"--no-weights " + clip, 2, "OUT"},

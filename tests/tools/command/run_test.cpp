@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -279,6 +280,17 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
   }
 }
 
+// What was traced up to there is of use.
+TEST(RunTest, TracesThatAreCutShortSaySo) {
+  const TemporaryFolder folder;
+  const std::string trace = folder / "t.tsv";
+  const std::string run = "run - --rate 0 --raw 800x500 --input-height 500 --no-weights --trace " + trace;
+  ExpectRefusal(Stopngo(run, RawVideo(3)), 1, {"frame 2 is cut short"});
+  const std::string lines = ReadFile(trace);
+  EXPECT_EQ(std::ranges::count(lines, '\n'), 4) << lines;
+  EXPECT_TRUE(lines.ends_with("\n# cut short: standard input: frame 2 is cut short\n")) << lines;
+}
+
 // A pipe holds less than a frame: when three have gone through, the run has long begun.
 TEST(RunTest, InterruptionEndsTheRunAsTheEndOfTheInputDoes) {
   const TemporaryFolder folder;
@@ -289,9 +301,11 @@ TEST(RunTest, InterruptionEndsTheRunAsTheEndOfTheInputDoes) {
   const CommandResult result = Shell("mkfifo " + pipe + "; " + run + " <" + pipe + " & exec 3>" + pipe +
                                      "; cat " + three + " >&3; kill -INT $!; for i in $(seq 40); do cat " +
                                      three + " >&3 2>/dev/null; done; exec 3>&-; wait $!; " + "echo code $?");
-  EXPECT_NE(result.out.find("code 0"), std::string::npos) << result.out << result.err;
+  EXPECT_NE(result.out.find("code 130"), std::string::npos) << result.out << result.err;
+  EXPECT_NE(result.out.find("cut short by SIGINT"), std::string::npos) << result.out;
   const std::string lines = ReadFile(trace);
-  const auto frames = std::count(lines.begin(), lines.end(), '\n') - 1;
+  EXPECT_TRUE(lines.ends_with("\n# cut short: SIGINT\n")) << lines;
+  const auto frames = std::count(lines.begin(), lines.end(), '\n') - 2;
   EXPECT_GE(frames, 3);
   EXPECT_LT(frames, 100) << "all were read";
   EXPECT_NE(result.out.find(std::to_string(frames) + " frames"), std::string::npos) << result.out;
@@ -304,17 +318,17 @@ TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
   const std::string run = "run --rate 0 --raw 800x480 --no-weights " + video + " --trace " + trace;
   ExpectRefusal(Stopngo(run + " >/dev/full"), 1, {"standard output"});
   ExpectRefusal(Stopngo("--help >/dev/full"), 1, {"standard output"});
-  EXPECT_EQ(folder.Files(), 1U);
-  // A reader that leaves, as head does, is no fault to talk about; an unfinished file goes all the same.
+  // A reader that leaves, as head does, is no fault to talk about.
   const std::string pipe = folder / "pipe";
   const auto unread = [&pipe](const std::string& arguments) {
     return Shell("exec 3<>" + pipe + " 4>" + pipe + " 3<&-; " STOPNGO_PROGRAM " " + arguments + " >&4");
   };
   ASSERT_EQ(Shell("mkfifo " + pipe).exit_code, 0);
   const CommandResult left = unread(run);
-  EXPECT_EQ(left.exit_code, 1);
+  EXPECT_EQ(left.exit_code, 128 + SIGPIPE);
   EXPECT_EQ(left.err, "");
-  EXPECT_FALSE(std::filesystem::exists(trace + ".part"));
+  EXPECT_TRUE(ReadFile(trace).ends_with("\n# cut short: standard output: nobody reads it any more\n"));
+  EXPECT_EQ(folder.Files(), 3U);
   ExpectRefusal(unread("run --no-weights gone.y4m"), 1, {"gone.y4m"});
 }
 

@@ -97,12 +97,11 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
       {clips + weights + " --rate 0 --time-leaving 0.5s", "--time-leaving"},
       {clips + weights + " --original-size 1280", "--original-size"},
       {clips + weights + " --weights none.bin", "--weights"},
-      {clips + weights + " --report " + folder_ / "./w.bin", "is an output already"},
-      {clips + weights + " --report " + folder_ / "w.bin.json", "is an output already"},
       {clips + weights + " --validation " + still, "no departure"},
       {clips + weights + " --validation " + few + " --time-leaving 1000", "run of 1001"},
       {clips + " -o " + occupied, occupied + ".json"},
       {clips, "--output"},
+      {clips + " -o -", "--output"},
   };
   const std::size_t files = folder_.Files();
   for (const Case& refused : cases) {

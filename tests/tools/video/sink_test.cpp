@@ -20,9 +20,11 @@ namespace {
 std::string WriteY4m(const TemporaryFolder& folder, const SinkOptions& options, const Luma& picture) {
   SinkOptions named = options;
   named.path = folder / "sink.y4m";
-  const auto sink = OpenSink(named);
+  OutputFile output(named.path);
+  const auto sink = OpenSink(named, output);
   sink->Write(picture);
   sink->Finish();
+  output.Commit();
   return ReadFile(named.path);
 }
 
@@ -36,7 +38,8 @@ TEST(VideoSink, UnfinishedLeavesTheOldFile) {
     const std::string path = folder.File(name, "old");
     const auto before = folder.Files();
     {
-      const auto sink = OpenSink({path, 64, 48, 25, PixelFormat::kGray});
+      OutputFile output(path);
+      const auto sink = OpenSink({path, 64, 48, 25, PixelFormat::kGray}, output);
       sink->Write(Luma(64 * 48, 90));
     }
     EXPECT_EQ(ReadFile(path), "old");

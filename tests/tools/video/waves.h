@@ -35,9 +35,11 @@ inline double MeanDifference(const Luma& a, const Luma& b) {
 
 /// A recording of so many frames, as the path's ending asks for.
 inline void Record(const std::string& path, int width, int height, double fps, std::int64_t frames) {
-  const auto sink = OpenSink({path, width, height, fps, PixelFormat::kGray});
+  OutputFile file(path);
+  const auto sink = OpenSink({path, width, height, fps, PixelFormat::kGray}, file);
   for (std::int64_t i = 0; i < frames; i++) sink->Write(Waves(width, height, i));
   sink->Finish();
+  file.Commit();
 }
 
 /// All frames that an input gives.
