@@ -111,7 +111,7 @@ TEST(WeightsFile, OnlyRegularFilesAreTakenAndNoneIsWaitedFor) {
   for (const auto& [path, word] :
        {std::pair{folder / "pipe", "a pipe, not a weights file"}, std::pair{folder / ".", "a folder, not"},
         std::pair<std::string, const char*>{"/dev/zero", "a device, not"}}) {
-    ExpectWords(FailureOf([&] { (void)ReadWeights(path, kInputs, kHiddens, "x"); }), {path, word});
+    ExpectWords(FailureOf([&file = path] { (void)ReadWeights(file, kInputs, kHiddens, "x"); }), {path, word});
   }
 }
 

@@ -42,6 +42,7 @@ class AllocationTest : public testing::Test {
   /// Runs a command, which may write old.tsv, without one allocation after the other. result: the ending of what it
   /// gives besides that says what came out.
   void Sweep(const std::string& arguments, const char* result) {
+    SCOPED_TRACE(arguments);
     ::test::Random random(::test::Seed(31));
     const bool every = std::getenv("STOPNGO_EVERY_ALLOCATION") != nullptr;
     const CommandResult sweep =
@@ -56,7 +57,7 @@ class AllocationTest : public testing::Test {
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / ".")) {
       if (entry.path().extension() != ".code" || entry.path().stem() == "0") continue;
       const std::string number = entry.path().stem();
-      SCOPED_TRACE(arguments + " without allocation " + number);
+      SCOPED_TRACE("without allocation " + number);
       if (Left(number, "code") == "0\n") {
         EXPECT_EQ(WithoutTimes(Left(number, result)), WithoutTimes(Left("0", result)));
       } else {

@@ -164,8 +164,8 @@ TEST_F(RemarkTest, PicturesThatAreNotWhatTheySeemAreSaidTo) {
   tagged.format = "yuv4mpegpipe";
   for (const auto& [tag, word] :
        {std::pair{"It", "interlaced"}, std::pair{"Ip XCOLORRANGE=FULL", "full range"}}) {
-    tagged.input =
-        folder_.File("v", std::string("YUV4MPEG2 W320 H192 F25:1 A1:1 ") + tag + "\n" + frame + frame);
+    std::string video = "YUV4MPEG2 W320 H192 F25:1 A1:1 ";
+    tagged.input = folder_.File("v", video.append(tag).append("\n").append(frame).append(frame));
     ExpectOne(Hear(tagged), false, {word});
   }
   tagged.input = folder_.File("v", "YUV4MPEG2 W320 H192 F25:1 Ip A1:1 XCOLORRANGE=LIMITED\n" + frame + frame);
