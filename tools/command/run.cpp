@@ -83,15 +83,20 @@ void RunCommand::Run() {
   if (!trace_.empty()) trace.emplace(trace_);
   if (!settings_.debug_fb.empty()) debug.emplace(settings_.debug_fb);
   RunReport report(json_);
+  const auto note = [&trace](const std::string& text) {
+    if (trace) trace->Note(text);
+  };
   try {
     RunFrames(*frames, detector, report, trace);
   } catch (const std::exception& fault) {
-    if (trace) trace->CutShort(fault.what());
+    note(std::string("cut short: ") + fault.what());
     throw;
   }
   ends_early.Finishing();
+  if (trace) trace->End();
   const char* const signal = InterruptingSignal();
-  if (trace) signal == nullptr ? trace->End() : trace->CutShort(signal);
+  if (signal != nullptr) note(std::string("cut short: ") + signal);
+  if (!damage.Kept().empty()) note("damaged: " + damage.Kept());
   if (debug) {
     WriteDebugPicture(debug->Stream(), detector.Context());
     debug->Commit();

@@ -32,10 +32,10 @@ void Trace::End() {
   if (!begun_) Write("");
 }
 
-void Trace::CutShort(const std::string& reason) {
+void Trace::Note(const std::string& note) {
   if (!begun_) return;
   try {
-    Write("# cut short: " + reason + '\n');
+    Write("# " + note + '\n');
   } catch (const Failure&) {  // what ended the trace is on its way to be told
   }
 }

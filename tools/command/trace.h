@@ -9,16 +9,16 @@
 
 namespace stopngo {
 
-/// Tab-separated values with a header, which can be followed while they are written. One that is cut short says
-/// so in its last line, a comment. Throws as FailWriting.
+/// Tab-separated values with a header, which can be followed while they are written. When the run was cut short, or
+/// the recording was damaged, the last line is a comment that says so. Throws as FailWriting.
 class Trace {
  public:
   explicit Trace(std::string path) : file_(std::move(path)) {}
   void Add(const FrameReport& frame);
   /// After the input's last frame.
   void End();
-  /// When it was not the last one.
-  void CutShort(const std::string& reason);
+  /// Of what the lines alone do not tell, such as that there should have been more.
+  void Note(const std::string& note);
 
  private:
   void Write(const std::string& line);

@@ -16,6 +16,7 @@ class DamageRule {
   DamageRule(Kind otherwise, bool allowed) : kind_(allowed ? Kind::kAllowed : otherwise) {}
 
   void operator()(const Remark& remark);
+  [[nodiscard]] const std::string& Kept() const { return kept_; }
   /// Throws Failure with the damage that was kept.
   void RefuseKept() const;
 

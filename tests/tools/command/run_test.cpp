@@ -53,6 +53,7 @@ std::vector<Row> ReadTrace(const std::string& path) {
   std::vector<std::string> names;
   std::vector<Row> rows;
   for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with('#')) continue;
     std::istringstream cells(line);
     Row row;
     std::size_t column = 0;
@@ -232,8 +233,11 @@ TEST(RunTest, WhatWasDecidedBeforeDamageIsKeptAndTheRunFails) {
   EXPECT_EQ(refused.err,
             "stopngo: standard input: ends after 0.40 s: frame 4 is cut short (see --allow-damaged)\n");
   EXPECT_EQ(ReadTrace(folder / "t.tsv").size(), 4U);
+  const std::string note = "\n# damaged: standard input: ends after 0.40 s: frame 4 is cut short\n";
+  EXPECT_TRUE(ReadFile(folder / "t.tsv").ends_with(note));
   const CommandResult allowed = Stopngo(arguments + " --allow-damaged", cut);
   EXPECT_EQ(allowed.exit_code, 0);
+  EXPECT_EQ(ReadFile(folder / "t.tsv").find('#'), std::string::npos);
   EXPECT_EQ(allowed.err, "stopngo: warning: standard input: ends after 0.40 s: frame 4 is cut short\n");
 }
 
@@ -278,17 +282,6 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
     ExpectRefusal(Stopngo(bad.arguments, video), bad.exit_code, bad.words);
     EXPECT_EQ(folder.Files(), files);
   }
-}
-
-// What was traced up to there is of use.
-TEST(RunTest, TracesThatAreCutShortSaySo) {
-  const TemporaryFolder folder;
-  const std::string trace = folder / "t.tsv";
-  const std::string run = "run - --rate 0 --raw 800x500 --input-height 500 --no-weights --trace " + trace;
-  ExpectRefusal(Stopngo(run, RawVideo(3)), 1, {"frame 2 is cut short"});
-  const std::string lines = ReadFile(trace);
-  EXPECT_EQ(std::ranges::count(lines, '\n'), 4) << lines;
-  EXPECT_TRUE(lines.ends_with("\n# cut short: standard input: frame 2 is cut short\n")) << lines;
 }
 
 // A pipe holds less than a frame: when three have gone through, the run has long begun.
