@@ -14,6 +14,7 @@ namespace stopngo {
 
 /// The functions of libavformat and libavcodec, each under its own name.
 struct FfmpegCalls {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a declaration has none
 #define FFMPEG_CALL(library, function) decltype(&::function) function = nullptr;
 #include "video/ffmpeg_calls.def"
 #undef FFMPEG_CALL
