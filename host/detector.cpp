@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "decide.h"
@@ -50,6 +51,7 @@ struct Detector::State {
   void SendInternal(VEL_CTRL_STOPNGO code, const Settings& settings);
   void SendPath(VEL_CTRL_STOPNGO code, const Settings& settings);
   void MakeFramebuffer(const Settings& settings);
+  std::string RefusalOf(LumaFrame& frame);
 
   const VEL_STOPNGO_OPERATION& operations;
   decltype(Classify_Feature_)* score;
@@ -92,6 +94,21 @@ void Detector::State::MakeFramebuffer(const Settings& settings) {
   constexpr std::size_t kBytesAPixel = 4;
   framebuffer.assign(kBytesAPixel * settings.lcd_width * settings.lcd_height, 0);
   Control(VEL_CTRL_STOPNGO_DEBUG_FB, framebuffer.data());
+}
+
+// A refused frame changes nothing: handed over once more it is refused again, and the log says why.
+std::string Detector::State::RefusalOf(LumaFrame& frame) {
+  constexpr std::string_view kBefore = "frame refused: ";
+  const int log = context->Log;
+  const StdoutGuard guard(ModuleLines::kKept);
+  Control(VEL_CTRL_STOPNGO_SET_LOG, 1);
+  operations.write(context.get(), frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
+  Control(VEL_CTRL_STOPNGO_SET_LOG, log);
+  const std::string text = guard.Text();
+  const std::size_t start = text.find(kBefore);
+  if (start == std::string::npos) return MisfitOf(*context);
+  const std::size_t reason = start + kBefore.size();
+  return text.substr(reason, text.find('\n', reason) - reason) + ": " + MisfitOf(*context);
 }
 
 Detector::Detector(const Module& module, const Settings& settings, const FrameFormat& frames)
@@ -155,7 +172,8 @@ FrameReport Detector::Write(LumaFrame& frame) {
         std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
   }
   if (result != 0) {
-    throw Failure("frame " + std::to_string(frame.index) + ": the module refused it: " + MisfitOf(context));
+    throw Failure("frame " + std::to_string(frame.index) +
+                  ": the module refused it: " + state.RefusalOf(frame));
   }
   if (report.analysed) {
     report.score = state.score(context.Feature, context.Weight, context.Features_2, context.Hiddens);

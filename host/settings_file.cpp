@@ -106,4 +106,28 @@ std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settin
   return taken;
 }
 
+std::string TomlValue(std::string_view text) {
+  if (FiniteOf(text)) return std::string(text);
+  std::string value = "\"";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') value += '\\';
+    value += byte < ' ' || byte == 0x7f ? Print("\\u%04x", unsigned{byte}) : std::string(1, c);
+  }
+  return value + '"';
+}
+
+std::vector<std::string> SettingsLines(const Settings& settings) {
+  std::vector<std::string> lines;
+  lines.reserve(SettingTable().size());
+  for (const Setting& setting : SettingTable()) {
+    std::string text = *setting.name == '\0' ? std::string() : TextOf(settings, setting);
+    const bool flag = std::holds_alternative<bool Settings::*>(setting.field);
+    if (text.empty() || (flag && text == "false")) continue;
+    if (IsPath(setting)) text = std::filesystem::absolute(text).lexically_normal().string();
+    lines.push_back(std::string(setting.name) + " = " + (flag ? text : TomlValue(text)));
+  }
+  return lines;
+}
+
 }  // namespace stopngo

@@ -4,6 +4,8 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/settings.h"
 
@@ -14,5 +16,11 @@ namespace stopngo {
 /// malformed, or has a key or a value that is not known.
 std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settings,
                                        const std::function<bool(const std::string& name)>& settled);
+
+/// A setting's text as a value of TOML.
+std::string TomlValue(std::string_view text);
+
+/// The settings as a file has them, a line each; paths so that they hold in every folder.
+std::vector<std::string> SettingsLines(const Settings& settings);
 
 }  // namespace stopngo

@@ -2,8 +2,10 @@
 #include "host/stdout_guard.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 
 namespace stopngo {
@@ -24,9 +26,24 @@ StdoutGuard::StdoutGuard(ModuleLines lines) {
   if (saved_ < 0) return;
   if (lines == ModuleLines::kMessages) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
-  } else if (const int sink = open("/dev/null", O_WRONLY | O_CLOEXEC); sink >= 0) {
-    dup2(sink, STDOUT_FILENO);
-    close(sink);
+    return;
+  }
+  if (lines == ModuleLines::kKept) kept_ = memfd_create("lines", MFD_CLOEXEC);
+  const int sink = kept_ >= 0 ? kept_ : open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (sink < 0) return;
+  dup2(sink, STDOUT_FILENO);
+  if (sink != kept_) close(sink);
+}
+
+std::string StdoutGuard::Text() const {
+  std::fflush(stdout);
+  std::string text;
+  std::array<char, 4096> piece{};
+  for (;;) {
+    const ssize_t count =
+        kept_ < 0 ? 0 : pread(kept_, piece.data(), piece.size(), static_cast<off_t>(text.size()));
+    if (count <= 0) return text;
+    text.append(piece.data(), static_cast<std::size_t>(count));
   }
 }
 
@@ -35,6 +52,7 @@ StdoutGuard::~StdoutGuard() {
   std::fflush(stdout);
   dup2(saved_, STDOUT_FILENO);
   close(saved_);
+  if (kept_ >= 0) close(kept_);
 }
 
 }  // namespace stopngo

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <mutex>
+#include <string>
 
 namespace stopngo {
 
@@ -11,6 +12,7 @@ enum class ModuleLines {
   kNone,      ///< there are none to come: nothing is done
   kMessages,  ///< to standard error
   kDropped,
+  kKept,  ///< for Text
 };
 
 /// Leads standard output elsewhere while it lives. Standard output is the whole program's: guards on
@@ -22,9 +24,13 @@ class StdoutGuard {
   StdoutGuard(const StdoutGuard&) = delete;
   StdoutGuard& operator=(const StdoutGuard&) = delete;
 
+  /// What was kept so far; empty where nothing could be.
+  [[nodiscard]] std::string Text() const;
+
  private:
   std::unique_lock<std::mutex> turn_;
   int saved_ = -1;  ///< the real standard output; -1: nothing to put back
+  int kept_ = -1;   ///< receives what is kept
 };
 
 }  // namespace stopngo

@@ -30,6 +30,21 @@ TEST(SettingsFile, GivesWhatIsNotSettledOtherwise) {
   EXPECT_EQ(settings.weights, folder / "sub/w.bin") << "paths start at the file";
 }
 
+TEST(SettingsFile, LinesOfSettingsReadBackAsTheyWere) {
+  const TemporaryFolder folder;
+  Settings settings;
+  settings.weights = folder / "a \"b\\c\nd.bin";
+  settings.filter = 2;
+  settings.time_leaving = {0.75, true};
+  settings.original_size = 1280;
+  std::string text;
+  for (const std::string& line : SettingsLines(settings)) text += line + "\n";
+  Settings read;
+  (void)ReadSettingsFile(folder.File("written.toml", text), read, Nothing);
+  EXPECT_EQ(SettingsLines(read), SettingsLines(settings)) << text;
+  EXPECT_EQ(read.weights, settings.weights);
+}
+
 TEST(SettingsFile, FaultsAreToldWithTheirLine) {
   const TemporaryFolder folder;
   struct Case {

@@ -18,6 +18,7 @@
 #include "evaluate/figures.h"
 #include "host/failure.h"
 #include "host/setting_table.h"
+#include "host/settings_file.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -75,12 +76,6 @@ std::vector<Settings> Combinations(const Settings& settings, std::span<const Dim
     combinations = std::move(more);
   }
   return combinations;
-}
-
-/// A value as TOML has it: names in quotes, numbers as they are.
-std::string TomlValue(const std::string& text) {
-  const bool number = text.find_first_not_of("+-.0123456789e") == std::string::npos;
-  return number ? text : '"' + text + '"';
 }
 
 std::string InOneLine(const TuneArguments& arguments, const Settings& settings) {
