@@ -32,7 +32,7 @@ struct Setup {
   std::optional<Sidecar> sidecar;      ///< of the weights
   std::optional<FrameFormat> frames;   ///< as they are handed over; unset: as the settings announce them
   std::optional<std::int64_t> length;  ///< how many of them there are, where that is known
-  bool frame_counts_given = false;     ///< the user gave the rate, and a time in frames
+  bool frame_counts_given = false;     ///< the user gave the rate, and beeping or cooling in frames
 };
 
 /// The frames that are handed over, or those that the settings announce.

@@ -202,9 +202,10 @@ void CheckSidecar(const std::string& weights_path, const Sidecar& sidecar, const
   CheckSha256(weights_path, sidecar, network);
 }
 
-void TakeSidecar(Settings& settings, const std::function<bool(const std::string& name)>& settled) {
-  const std::optional<Sidecar> sidecar = ReadSidecar(settings.weights);
-  if (!sidecar) return;
+std::optional<Sidecar> TakeSidecar(Settings& settings,
+                                   const std::function<bool(const std::string& name)>& settled) {
+  std::optional<Sidecar> sidecar = ReadSidecar(settings.weights);
+  if (!sidecar) return std::nullopt;
   SettingTexts texts = sidecar->settings;
   texts.emplace_back("features", std::to_string(sidecar->inputs / 2));
   texts.emplace_back("hiddens", std::to_string(sidecar->hiddens));
@@ -218,6 +219,7 @@ void TakeSidecar(Settings& settings, const std::function<bool(const std::string&
   }
   const auto count = [](int setting) { return std::uint64_t{static_cast<std::uint32_t>(setting)}; };
   CheckSidecar(settings.weights, *sidecar, 2 * count(settings.features), count(settings.hiddens));
+  return sidecar;
 }
 
 }  // namespace stopngo

@@ -46,7 +46,9 @@ void CheckSidecar(const std::string& weights_path, const Sidecar& sidecar, std::
 void CheckSidecar(const std::string& weights_path, const Sidecar& sidecar, const Network& network);
 
 /// Gives settings, whose weights are named, what the sidecar of the weights says of all that is not settled
-/// otherwise. Throws Failure when it does not match the weights or the counts in use.
-void TakeSidecar(Settings& settings, const std::function<bool(const std::string& name)>& settled);
+/// otherwise, and gives it back; nothing where there is none. Throws Failure when it does not match the weights or the
+/// counts in use.
+std::optional<Sidecar> TakeSidecar(Settings& settings,
+                                   const std::function<bool(const std::string& name)>& settled);
 
 }  // namespace stopngo

@@ -2,6 +2,7 @@
 #include "command/settings_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <stdexcept>
 #include <variant>
 
@@ -96,8 +97,32 @@ void SettingsOptions::Complete() {
   }
   if (settings_.weights.empty()) settings_.weights = FindDefaultWeights().value_or("");
   if (settings_.weights.empty()) return;
-  TakeSidecar(settings_,
-              [this](const std::string& name) { return configured_.contains(name) || GivenAsOption(name); });
+  sidecar_ = TakeSidecar(settings_, [this](const std::string& name) {
+    return configured_.contains(name) || GivenAsOption(name);
+  });
+}
+
+Setup SettingsOptions::InForce() const {
+  const auto given = [this](const char* name) { return configured_.contains(name) || GivenAsOption(name); };
+  const auto in_frames = [&](const char* name, const FrameCount& time) {
+    return given(name) && !time.seconds;
+  };
+  Setup setup;
+  setup.settings = settings_;
+  setup.sidecar = sidecar_;
+  setup.frame_counts_given = given("rate") && settings_.rate > 0 &&
+                             (in_frames("time-beeping", settings_.time_beeping) ||
+                              in_frames("time-cooling", settings_.time_cooling));
+  return setup;
+}
+
+const char* SettingsOptions::OriginOf(const std::string& name) const {
+  if (options_.at(name)->count() > 0) return "option";
+  if (configured_.contains(name)) return "file";
+  const bool counts = name == "features" || name == "hiddens";
+  const auto told = [&name](const auto& setting) { return setting.first == name; };
+  if (sidecar_ && (counts || std::ranges::any_of(sidecar_->settings, told))) return "sidecar";
+  return "default";
 }
 
 void SettingsOptions::EnterFiles(FileRegister& files) const {

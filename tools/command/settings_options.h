@@ -2,11 +2,13 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
 #include "base/file_register.h"
 #include "host/settings.h"
+#include "host/setup_check.h"
 
 namespace CLI {
 class App;
@@ -28,6 +30,10 @@ class SettingsOptions {
   /// For a subcommand that reads no weights: takes the file alone, without what it says of weights, and
   /// refuses options that name some.
   void CompleteWithoutWeights();
+  /// The settings, once complete, with the weights' sidecar and what was given, for CheckSetup.
+  [[nodiscard]] Setup InForce() const;
+  /// Where a setting came from: "option", "file", "sidecar" or "default".
+  [[nodiscard]] const char* OriginOf(const std::string& name) const;
   /// Enters the files that the settings come from: configuration, weights and their sidecar.
   void EnterFiles(FileRegister& files) const;
 
@@ -40,6 +46,7 @@ class SettingsOptions {
   std::map<std::string, CLI::Option*> options_;
   std::string config_;
   std::set<std::string> configured_;  ///< names of the settings that the file gave
+  std::optional<Sidecar> sidecar_;    ///< of the weights
 };
 
 }  // namespace stopngo

@@ -23,6 +23,7 @@ class Subcommand {
   virtual void Run() = 0;
 };
 
+std::unique_ptr<Subcommand> DeclareCheck(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareRun(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareSynth(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareRender(CLI::App& app);
