@@ -274,7 +274,8 @@ class RenderCommand : public Subcommand {
     } else {
       WriteResult(rendering.Tell());
     }
-    damage.RefuseKept();
+    // What a signal broke off is no damage.
+    if (InterruptingSignal() == nullptr) damage.RefuseKept();
   }
 
  private:

@@ -95,14 +95,18 @@ void RunCommand::Run() {
   ends_early.Finishing();
   if (trace) trace->End();
   const char* const signal = InterruptingSignal();
-  if (signal != nullptr) note(std::string("cut short: ") + signal);
-  if (!damage.Kept().empty()) note("damaged: " + damage.Kept());
+  if (signal != nullptr) {
+    note(std::string("cut short: ") + signal);
+  } else if (!damage.Kept().empty()) {
+    note("damaged: " + damage.Kept());
+  }
   if (debug) {
     WriteDebugPicture(debug->Stream(), detector.Context());
     debug->Commit();
   }
   report.Summarize(signal);
-  damage.RefuseKept();
+  // What a signal broke off is no damage.
+  if (signal == nullptr) damage.RefuseKept();
 }
 
 void RunCommand::RunFrames(FrameSource& frames, Detector& detector, RunReport& report,
