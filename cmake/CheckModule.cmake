@@ -4,15 +4,9 @@
 # exports exactly the names of the version script, 26 of them; it needs libc, with its loader, and nothing else; it
 # has no text relocations; code and data stay under LIMIT bytes.
 
-function(read_elf out)
-  execute_process(COMMAND ${READELF} ${ARGN} ${MODULE} OUTPUT_VARIABLE text RESULT_VARIABLE result)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${READELF} could not read ${MODULE}")
-  endif()
-  set(${out} "${text}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/ReadElf.cmake)
 
-read_elf(dynamic -W -d)
+read_elf(dynamic ${MODULE} -d)
 string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" needed "${dynamic}")
 # The stack protector's secret lies in the loader on Arm.
 list(FILTER needed EXCLUDE REGEX "\\[ld-linux-aarch64\\.so\\.1\\]")
@@ -23,7 +17,7 @@ if(dynamic MATCHES "TEXTREL")
   message(FATAL_ERROR "text relocations")
 endif()
 
-read_elf(segments -W -l)
+read_elf(segments ${MODULE} -l)
 string(REGEX MATCHALL "LOAD +[x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+ [x0-9a-f]+" loads "${segments}")
 set(bytes 0)
 foreach(load IN LISTS loads)
@@ -34,7 +28,7 @@ if(bytes EQUAL 0 OR bytes GREATER LIMIT)
   message(FATAL_ERROR "code and data take ${bytes} bytes, allowed are ${LIMIT}")
 endif()
 
-read_elf(symbols -W --dyn-syms)
+read_elf(symbols ${MODULE} --dyn-syms)
 string(REGEX MATCHALL "(GLOBAL|WEAK) +DEFAULT +[0-9]+ [^\n]+" defined "${symbols}")
 list(TRANSFORM defined REPLACE ".* +([^ @]+)(@.*)?$" "\\1")
 list(SORT defined)
