@@ -38,8 +38,8 @@ class Bodies {
     return nullptr;
   }
 
-  void GiveBack(std::uint8_t* body, std::size_t size) {
-    if (size > kLargestKept) {
+  void GiveBack(std::uint8_t* body, std::size_t size, Fenced::Then then) {
+    if (then == Fenced::Then::kUnmapped || size > kLargestKept) {
       munmap(body - kPage, size + 2 * kPage);
       return;
     }
@@ -59,8 +59,11 @@ Bodies& AllBodies() {
 
 }  // namespace
 
-Fenced::Fenced(std::size_t size, Side side)
-    : size_(size), body_size_((size + kPage - 1) / kPage * kPage), body_(AllBodies().Take(body_size_)) {
+Fenced::Fenced(std::size_t size, Side side, Then then)
+    : size_(size),
+      body_size_((size + kPage - 1) / kPage * kPage),
+      body_(AllBodies().Take(body_size_)),
+      then_(then) {
   if (body_ != nullptr) data_ = side == Side::kEnd ? body_ + (body_size_ - size) : body_;
 }
 
@@ -69,7 +72,7 @@ Fenced::Fenced(std::span<const std::uint8_t> bytes, Side side) : Fenced(bytes.si
 }
 
 Fenced::~Fenced() {
-  if (body_ != nullptr) AllBodies().GiveBack(body_, body_size_);
+  if (body_ != nullptr) AllBodies().GiveBack(body_, body_size_, then_);
 }
 
 }  // namespace test

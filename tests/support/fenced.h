@@ -16,7 +16,13 @@ class Fenced {
     kStart,  ///< its start is the end of an unmapped page
   };
 
-  explicit Fenced(std::size_t size, Side side = Side::kEnd);
+  /// What becomes of the memory in the end.
+  enum class Then {
+    kKept,      ///< for the next of its size, which is much faster
+    kUnmapped,  ///< what still uses it is a fault
+  };
+
+  explicit Fenced(std::size_t size, Side side = Side::kEnd, Then then = Then::kKept);
   /// A copy of bytes.
   Fenced(std::span<const std::uint8_t> bytes, Side side);
   ~Fenced();
@@ -31,6 +37,7 @@ class Fenced {
   std::size_t size_;
   std::size_t body_size_;  ///< in whole pages
   std::uint8_t* body_;
+  Then then_;
   std::uint8_t* data_ = nullptr;
 };
 

@@ -30,7 +30,8 @@ std::map<void*, std::unique_ptr<Fenced>>& FencedBlocks() {
 }
 
 void* FencedBlock(std::size_t size) {
-  auto memory = std::make_unique<Fenced>((size + kAlignment - 1) / kAlignment * kAlignment);
+  const std::size_t aligned = (size + kAlignment - 1) / kAlignment * kAlignment;
+  auto memory = std::make_unique<Fenced>(aligned, Fenced::Side::kEnd, Fenced::Then::kUnmapped);
   if (!memory->Mapped()) return nullptr;
   void* block = memory->Data();
   FencedBlocks()[block] = std::move(memory);
