@@ -1,22 +1,48 @@
-// check.h: what cannot work, told before the module is asked or after it refused.
+// check.h: everything that speaks against a set-up, before it is run or put on a device.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "host/luma.h"
-#include "vel_stopngo.h"
+#include "host/module.h"
+#include "host/settings.h"
+#include "host/sidecar.h"
 
 namespace stopngo {
 
-/// Throws Failure when the frames handed over are not as large as the settings announce: the module, which is
-/// told no size with a frame, would read past them.
-void CheckFrameSize(const VEL_STOPNGO_CTX& context, const FrameFormat& frames);
+enum class Severity {
+  kWarning,  ///< it runs, and is probably not what is wanted
+  kError,    ///< it cannot work
+};
 
-/// Throws Failure when the module could not take a weights file's path, or the file is no network of the
-/// counts in force.
-void CheckWeights(const std::string& path, const VEL_STOPNGO_CTX& context);
+struct Finding {
+  std::string code;  ///< stays the same from version to version, such as "threshold-never"
+  Severity severity = Severity::kWarning;
+  std::string setting;   ///< the setting to look at first
+  std::string sentence;  ///< what is wrong, with the values
+  std::string remedy;    ///< what to do
+};
 
-/// Why a frame was refused: the geometry that does not fit it.
-std::string MisfitOf(const VEL_STOPNGO_CTX& context);
+/// What a detector is going to run with.
+struct Setup {
+  Settings settings;
+  std::optional<Sidecar> sidecar;      ///< of the weights
+  std::optional<FrameFormat> frames;   ///< as they are handed over; unset: as the settings announce them
+  std::optional<std::int64_t> length;  ///< how many of them there are, where that is known
+  bool frame_counts_given = false;     ///< the user gave the rate, and beeping or cooling in frames
+};
+
+/// The frames that are handed over, or those that the settings announce.
+FrameFormat FramesOf(const Setup& setup);
+
+/// A finding in one line: code, sentence, remedy.
+std::string SentenceOf(const Finding& finding);
+
+/// The findings in the order of the table in docs/check.md, errors first. The module itself is asked whether it
+/// takes a frame: two blank ones are handed to a detector of their own.
+std::vector<Finding> CheckSetup(const Module& module, const Setup& setup);
 
 }  // namespace stopngo

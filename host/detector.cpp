@@ -2,22 +2,20 @@
 #include "host/detector.h"
 
 #include <chrono>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "decide.h"
-#include "host/check.h"
 #include "host/failure.h"
+#include "host/misfit.h"
 #include "host/setting_table.h"
 #include "host/stdout_guard.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
 namespace {
-
-// A framebuffer of more than this many columns or rows is a slip of the keyboard.
-constexpr int kFramebufferLimit = 16384;
 
 // What the callback said during one write.
 struct Report {
@@ -85,10 +83,9 @@ void Detector::State::SendPath(VEL_CTRL_STOPNGO code, const Settings& settings) 
 }
 
 void Detector::State::MakeFramebuffer(const Settings& settings) {
-  const auto usable = [](int length) { return length >= 1 && length <= kFramebufferLimit; };
-  if (!usable(settings.lcd_width) || !usable(settings.lcd_height)) {
-    throw Failure("--lcd-width and --lcd-height: a framebuffer has 1 to " +
-                      std::to_string(kFramebufferLimit) + " columns and rows",
+  if (!IsUsableSize({settings.lcd_width, settings.lcd_height})) {
+    throw Failure("--lcd-width and --lcd-height: a framebuffer has 1 to " + std::to_string(kLongestSide) +
+                      " columns and rows",
                   ExitCode::kUsage);
   }
   constexpr std::size_t kBytesAPixel = 4;
@@ -96,19 +93,22 @@ void Detector::State::MakeFramebuffer(const Settings& settings) {
   Control(VEL_CTRL_STOPNGO_DEBUG_FB, framebuffer.data());
 }
 
-// A refused frame changes nothing: handed over once more it is refused again, and the log says why.
+// A refused frame changes nothing: handed over once more it is refused again, and the log says why. One that is taken
+// then lacked memory.
 std::string Detector::State::RefusalOf(LumaFrame& frame) {
   constexpr std::string_view kBefore = "frame refused: ";
   const int log = context->Log;
   const StdoutGuard guard(ModuleLines::kKept);
   Control(VEL_CTRL_STOPNGO_SET_LOG, 1);
-  operations.write(context.get(), frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
+  const off_t again =
+      operations.write(context.get(), frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
   Control(VEL_CTRL_STOPNGO_SET_LOG, log);
   const std::string text = guard.Text();
   const std::size_t start = text.find(kBefore);
-  if (start == std::string::npos) return MisfitOf(*context);
-  const std::size_t reason = start + kBefore.size();
-  return text.substr(reason, text.find('\n', reason) - reason) + ": " + MisfitOf(*context);
+  const std::size_t reason = start == std::string::npos ? text.size() : start + kBefore.size();
+  const std::string said = text.substr(reason, text.find('\n', reason) - reason);
+  if (again == 0 || said.starts_with("no memory")) throw std::bad_alloc();
+  return said + ": " + MisfitOf(*context);
 }
 
 Detector::Detector(const Module& module, const Settings& settings, const FrameFormat& frames)

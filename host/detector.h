@@ -35,7 +35,7 @@ class Detector {
   Detector(const Detector&) = delete;
   Detector& operator=(const Detector&) = delete;
 
-  /// Throws Failure when the module refuses the frame.
+  /// Throws Failure when the module refuses the frame, std::bad_alloc when it lacked the memory for it.
   FrameReport Write(LumaFrame& frame);
   /// The detector's record, for vectors, histograms and geometry: see vel_stopngo_ctx.h.
   [[nodiscard]] const VEL_STOPNGO_CTX& Context() const;

@@ -8,29 +8,12 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "host/descriptor.h"
 #include "host/failure.h"
 #include "host/system_error.h"
 
 namespace stopngo {
 namespace {
-
-/// A file that is open for reading.
-class Descriptor {
- public:
-  // A pipe that may not be one is opened without waiting for a writer. A terminal must not become ours.
-  Descriptor(const std::string& path, bool wait)
-      : number_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | (wait ? 0 : O_NONBLOCK))) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int Number() const { return number_; }
-
- private:
-  int number_;
-};
 
 /// What a file is that cannot be read as its kind; null where it can.
 const char* Instead(const struct stat& status, bool stream) {
@@ -46,7 +29,8 @@ const char* Instead(const struct stat& status, bool stream) {
 std::string ReadFile(const std::string& path, const FileKind& kind) {
   const auto fail = [&](const std::string& reason) { throw Failure((path + ": ").append(reason)); };
   errno = 0;
-  const Descriptor file(path, kind.stream);
+  // A pipe that may not be one is opened without waiting for a writer. A terminal must not become ours.
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | (kind.stream ? 0 : O_NONBLOCK)));
   struct stat status {};
   if (file.Number() < 0 || fstat(file.Number(), &status) != 0) fail(LastSystemError());
   const auto refuse_size = [&](const std::string& size) {

@@ -29,6 +29,17 @@ inline std::optional<FrameSize> OriginalSize(int original_width, int working_wid
 
 inline bool IsOriginalSize(const FrameSize& size) { return std::ranges::count(kOriginalSizes, size) > 0; }
 
+/// No plane has longer sides: a damaged header or a slip of the keyboard must not make anybody allocate more.
+inline constexpr int kLongestSide = 16384;
+
+inline bool IsUsableSize(const FrameSize& size) {
+  const auto usable = [](int side) { return side >= 1 && side <= kLongestSide; };
+  return usable(size.width) && usable(size.height);
+}
+
+/// Frames a second where nothing tells them.
+inline constexpr double kUnknownRate = 25;
+
 /// One luma plane: width × height bytes, rows without padding.
 struct LumaFrame {
   int width = 0;

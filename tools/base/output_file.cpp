@@ -45,13 +45,6 @@ void TakeModeAndOwner(int file, const struct stat& old) {
 
 }  // namespace
 
-Descriptor::~Descriptor() { Close(); }
-
-int Descriptor::Close() {
-  const int number = std::exchange(number_, -1);
-  return number < 0 || close(number) == 0 ? 0 : errno;
-}
-
 void FailWriting(const std::string& path, int error) {
   const std::string name = path == "-" ? "standard output" : path;
   if (error == EPIPE) throw NobodyReads(name);

@@ -11,24 +11,9 @@
 
 #include "base/descriptor_buffer.h"
 #include "base/interruption.h"
+#include "host/descriptor.h"
 
 namespace stopngo {
-
-/// An open file, closed with the object.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor();
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int Number() const { return number_; }
-  /// Gives 0, or an errno.
-  int Close();
-
- private:
-  int number_;  ///< -1: none
-};
 
 /// Throws Failure with the path and the reason, or NobodyReads for a pipe that has lost its reader.
 [[noreturn]] void FailWriting(const std::string& path, int error);

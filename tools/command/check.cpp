@@ -1,4 +1,6 @@
 // check.cpp: stopngo check: everything that speaks against a set-up, and the set-up as a device takes it.
+#include "host/check.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
@@ -7,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_register.h"
 #include "base/results.h"
 #include "base/warning.h"
 #include "command/control_call.h"
@@ -16,7 +19,6 @@
 #include "host/failure.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
-#include "host/setup_check.h"
 #include "host/text.h"
 #include "video/damage.h"
 #include "video/open_source.h"
@@ -43,7 +45,7 @@ void Tell(const std::string& line, bool beside) { beside ? Warn(line) : WriteRes
 class CheckCommand : public Subcommand {
  public:
   explicit CheckCommand(CLI::App& app);
-  void Complete() override { options_.Complete(); }
+  void Complete() override;
   void Run() override;
 
  private:
@@ -70,6 +72,14 @@ CheckCommand::CheckCommand(CLI::App& app) : options_(app, settings_) {
       ->type_name("FORM")
       ->check(CLI::IsMember({"c", "toml"}));
   app.add_flag("--json", json_, "JSON Lines: an object a finding, then a setting, the summary last");
+}
+
+// It writes standard output alone, which may be led to a file that it reads.
+void CheckCommand::Complete() {
+  options_.Complete();
+  FileRegister files;
+  options_.EnterFiles(files);
+  EnterInput(files, source_.input);
 }
 
 void CheckCommand::Run() {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "base/file_register.h"
+#include "host/check.h"
 #include "host/settings.h"
-#include "host/setup_check.h"
 
 namespace CLI {
 class App;

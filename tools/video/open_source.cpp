@@ -146,8 +146,7 @@ std::unique_ptr<FrameSource> OpenReader(const SourceOptions& options) {
 }  // namespace
 
 std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options) {
-  const auto usable = [](int side) { return side >= 1 && side <= kMaximumSide; };
-  if (!usable(options.width) || !usable(options.height)) {
+  if (!IsUsableSize({options.width, options.height})) {
     throw Failure("frames of " + SizeText(options.width, options.height) +
                       " cannot be handed over (see --input-width, --input-height)",
                   ExitCode::kUsage);

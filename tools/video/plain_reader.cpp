@@ -134,8 +134,8 @@ class PlainSource : public FrameSource {
 class RawSource : public PlainSource {
  public:
   explicit RawSource(const SourceOptions& options) : PlainSource(options) {
-    if (options.raw_width > kMaximumSide || options.raw_height > kMaximumSide) {
-      throw Failure("--raw: more than " + std::to_string(kMaximumSide) + " columns or rows",
+    if (options.raw_width > kLongestSide || options.raw_height > kLongestSide) {
+      throw Failure("--raw: more than " + std::to_string(kLongestSide) + " columns or rows",
                     ExitCode::kUsage);
     }
     info_.width = options.raw_width;
@@ -175,7 +175,7 @@ class Y4mSource : public PlainSource {
     info_.fps = kUnknownRate;
     std::istringstream fields(header);
     for (std::string field; fields >> field;) TakeField(field);
-    if (info_.width < 1 || info_.width > kMaximumSide || info_.height < 1 || info_.height > kMaximumSide) {
+    if (!IsUsableSize({info_.width, info_.height})) {
       Fail("a Y4M header without a usable size");
     }
     TakeLayout();

@@ -9,11 +9,6 @@
 
 namespace stopngo {
 
-/// No plane is larger than this many pixels a side: a damaged header must not make anybody allocate more.
-inline constexpr int kMaximumSide = 16384;
-/// For inputs that do not tell their rate.
-inline constexpr double kUnknownRate = 25;
-
 /// What readers say where luma spreads from 0 to 255: recordings mostly have 16 to 235.
 inline constexpr const char* kFullRange = "its luma is of full range, 0 to 255, and is taken as it is";
 inline constexpr const char* kInterlaced =

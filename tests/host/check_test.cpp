@@ -1,5 +1,5 @@
-// setup_check_test.cpp: what speaks against a set-up: a row a finding, beside set-ups that nothing speaks against.
-#include "host/setup_check.h"
+// check_test.cpp: what speaks against a set-up: a row a finding, beside set-ups that nothing speaks against.
+#include "host/check.h"
 
 #include <gtest/gtest.h>
 
@@ -91,7 +91,7 @@ std::vector<Case> Cases(const std::string& short_file) {
   };
 }
 
-TEST(SetupCheck, EveryRuleFindsItsFaultAndNoOther) {
+TEST(Check, EveryRuleFindsItsFaultAndNoOther) {
   const TemporaryFolder folder;
   const std::vector<Case> cases = Cases(folder.File("short.bin", "four"));
   for (const Case& one : cases) {
@@ -101,7 +101,7 @@ TEST(SetupCheck, EveryRuleFindsItsFaultAndNoOther) {
   }
 }
 
-TEST(SetupCheck, SentencesNameTheValues) {
+TEST(Check, SentencesNameTheValues) {
   auto setup = Sound();
   setup.settings.roi_y = 400;
   setup.settings.threshold = 1.5;
