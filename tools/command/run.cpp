@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -88,6 +89,9 @@ void RunCommand::Run() {
   };
   try {
     RunFrames(*frames, detector, report, trace);
+  } catch (const std::bad_alloc&) {
+    note("cut short: not enough memory");
+    throw;
   } catch (const std::exception& fault) {
     note(std::string("cut short: ") + fault.what());
     throw;

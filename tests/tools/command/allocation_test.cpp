@@ -79,9 +79,10 @@ class AllocationTest : public testing::Test {
     const std::string told = Left(number, "err");
     EXPECT_EQ(told.rfind("stopngo: ", 0), 0U) << told;
     EXPECT_EQ(std::ranges::count(told, '\n'), 1) << told;
-    // A run may still fail at its summary, behind a trace that is whole.
+    // Traces are followed while they are written: there is as much of one as there was memory for.
     const std::string table = Left(number, "tsv");
-    EXPECT_TRUE(table == "old" || WithoutTimes(table) == WithoutTimes(Left("0", "tsv"))) << table;
+    const std::string rows = WithoutTimes(table.substr(0, table.find("# cut short: not enough memory\n")));
+    EXPECT_TRUE(table == "old" || WithoutTimes(Left("0", "tsv")).starts_with(rows)) << table;
   }
 };
 
