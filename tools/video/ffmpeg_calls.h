@@ -1,6 +1,6 @@
 // ffmpeg_calls.h: FFmpeg's larger libraries, loaded when they are first needed.
 //
-// libavformat, libavcodec and libavdevice bring two hundred others along. Linked, they took 0.3 s of a processor at
+// libavformat, libavcodec and libavdevice bring some 180 others along. Linked, they took 0.3 s of a processor at
 // every start, more than all else that a command does which reads no video. libavutil and libswscale are small and
 // linked.
 #pragma once
