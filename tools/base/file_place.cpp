@@ -19,8 +19,6 @@ bool LeadsToOpenFile(const fs::path& link) {
   return fs::weakly_canonical(link.parent_path(), ignored).string().starts_with("/proc/");
 }
 
-fs::path FolderOf(const fs::path& path) { return path.has_parent_path() ? path.parent_path() : "."; }
-
 std::optional<FilePlace> PlaceOf(const struct stat& status) {
   if (S_ISCHR(status.st_mode) || S_ISSOCK(status.st_mode)) return std::nullopt;
   return FilePlace{status.st_dev, status.st_ino, {}};
@@ -43,6 +41,10 @@ fs::path BehindLinks(fs::path path) {
     path = path.parent_path() / fs::read_symlink(path, error);
   }
   return path;
+}
+
+std::filesystem::path FolderOf(const std::filesystem::path& path) {
+  return path.has_parent_path() ? path.parent_path() : ".";
 }
 
 std::optional<FilePlace> PlaceOf(const std::string& path) {

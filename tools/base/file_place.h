@@ -17,6 +17,9 @@ std::optional<int> OpenDescriptor(const std::string& path, int standard);
 /// Where a chain of links ends: at a file that they lead to, or at the name that the last one gives.
 std::filesystem::path BehindLinks(std::filesystem::path path);
 
+/// The folder that a path's last name is in.
+std::filesystem::path FolderOf(const std::filesystem::path& path);
+
 /// The same for all paths of one file, and for no others.
 struct FilePlace {
   dev_t device = 0;

@@ -22,11 +22,6 @@ namespace {
 constexpr unsigned kModeBits = 07777;
 constexpr unsigned kRightsAlone = 0777;  // without those that lend the owner's
 
-std::string FolderOf(const std::string& path) {
-  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-  return folder.empty() ? "." : folder.string();
-}
-
 /// Of a length that every folder takes, however long the target's own name.
 std::string NameBeside(const std::string& target) {
   constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";

@@ -274,8 +274,7 @@ class RenderCommand : public Subcommand {
     } else {
       WriteResult(rendering.Tell());
     }
-    // What a signal broke off is no damage.
-    if (InterruptingSignal() == nullptr) damage.RefuseKept();
+    damage.RefuseKept();
   }
 
  private:

@@ -99,18 +99,14 @@ void RunCommand::Run() {
   ends_early.Finishing();
   if (trace) trace->End();
   const char* const signal = InterruptingSignal();
-  if (signal != nullptr) {
-    note(std::string("cut short: ") + signal);
-  } else if (!damage.Kept().empty()) {
-    note("damaged: " + damage.Kept());
-  }
+  if (!damage.Kept().empty()) note("damaged: " + damage.Kept());
+  if (signal != nullptr) note(std::string("cut short: ") + signal);
   if (debug) {
     WriteDebugPicture(debug->Stream(), detector.Context());
     debug->Commit();
   }
   report.Summarize(signal);
-  // What a signal broke off is no damage.
-  if (signal == nullptr) damage.RefuseKept();
+  damage.RefuseKept();
 }
 
 void RunCommand::RunFrames(FrameSource& frames, Detector& detector, RunReport& report,

@@ -76,7 +76,10 @@ SourceOptions ForSettings(SourceOptions options, const Settings& settings, Damag
   options.width = settings.input_width;
   options.height = settings.input_height;
   options.rate = settings.rate;
-  options.hear = [&damage](const Remark& remark) { damage(remark); };
+  options.hear = [&damage](const Remark& remark) {
+    // What a signal breaks off looks like an early end.
+    if (!Interrupted()) damage(remark);
+  };
   return options;
 }
 
@@ -89,8 +92,7 @@ void EnterInput(FileRegister& files, const std::string& input) {
               "the recording");
   const fs::path pattern(input);
   if (named || input.find('%') == std::string::npos) return;
-  const fs::path folder = pattern.has_parent_path() ? pattern.parent_path() : ".";
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(FolderOf(pattern), error)) {
     if (!IsOfSequence(entry.path().filename().string(), pattern.filename().string())) continue;
     files.Reads(entry.path().string(), "a picture of the recording");
   }
