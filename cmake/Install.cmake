@@ -12,6 +12,7 @@ endif()
 
 # Relative to the file itself: the prefix is known only when it is installed.
 file(RELATIVE_PATH pc_to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
 configure_file(cmake/zetstopngo.pc.in zetstopngo.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -52,7 +52,10 @@ test::Origin Load(const char* path) {
     std::fprintf(stderr, "zetstopngo-selftest: %s is no module of this kind\n", path);
     return {nullptr, nullptr};
   }
-  std::printf("module   %s\n", where.dli_fname);
+  // The loader's name for it may lead through "..".
+  char* const path_in_full = realpath(where.dli_fname, nullptr);
+  std::printf("module   %s\n", path_in_full == nullptr ? where.dli_fname : path_in_full);
+  std::free(path_in_full);
   return origin;
 }
 

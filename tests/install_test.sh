@@ -4,7 +4,7 @@
 #
 #     tests/install_test.sh BUILD-FOLDER
 set -euo pipefail
-root=$(mktemp -d)
+root=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$root"' EXIT
 cmake --install "$1" --prefix "$root/usr" >/dev/null
 
@@ -17,7 +17,7 @@ int main(void) { return vel_stopngo_get_ctx_size() == vel_stopngo.ctxsize ? 0 : 
 END
 export PKG_CONFIG_PATH
 PKG_CONFIG_PATH=$(dirname "$(find "$root" -name zetstopngo.pc)")
-library=$(pkg-config --variable=libdir zetstopngo)
+library=$(realpath "$(pkg-config --variable=libdir zetstopngo)")
 # shellcheck disable=SC2046  # pkg-config's answer is several words
 cc -std=c99 "$root/host.c" -o "$root/host" $(pkg-config --cflags --libs zetstopngo)
 LD_LIBRARY_PATH=$library "$root/host"
