@@ -104,12 +104,18 @@ std::string UnlikeWeights(const Facts& f) {
   return When(!differences.empty(), "the weights were trained for other settings: " + differences);
 }
 
-std::string UnreachableLeaving(const Facts& f) {
+/// An alarm takes one high score more than time-leaving, and the first frame has none.
+std::string BeyondInput(const Facts& f) {
   const int leaving = f.Count(f.s.time_leaving);
-  if (leaving == std::numeric_limits<int>::max()) return "no count of high scores exceeds time-leaving";
   if (!f.setup.length || leaving < *f.setup.length - 1) return {};
   return Print("time-leaving is %d frames, and of %lld that are handed over no count exceeds it", leaving,
                static_cast<long long>(*f.setup.length));
+}
+
+std::string UnreachableLeaving(const Facts& f) {
+  const int leaving = f.Count(f.s.time_leaving);
+  if (leaving == std::numeric_limits<int>::max()) return "no count of high scores exceeds time-leaving";
+  return When(f.Seconds(f.s.time_leaving) > kLatest_s, BeyondInput(f));
 }
 
 std::string OtherFeatures(const Facts& f) {
@@ -184,6 +190,8 @@ constexpr std::array kRules{
            return When(f.Seconds(f.s.time_leaving) > kLatest_s,
                        Print("an alarm takes high scores for %.6g s", f.Seconds(f.s.time_leaving)));
          }},
+    Rule{"short-input", kWarning, "time-leaving", "take a longer input",
+         [](const Facts& f) { return When(f.Seconds(f.s.time_leaving) <= kLatest_s, BeyondInput(f)); }},
     Rule{"part-blocks", kWarning, "roi-width", "take multiples of the block size",
          [](const Facts& f) {
            return When(

@@ -168,6 +168,15 @@ const Setting* FindSetting(std::string_view name) {
   return row == kTable.end() ? nullptr : row;
 }
 
+std::vector<std::string> SettingNames() {
+  std::vector<std::string> names;
+  names.reserve(kTable.size());
+  for (const Setting& setting : kTable) {
+    if (*setting.name != '\0') names.emplace_back(setting.name);
+  }
+  return names;
+}
+
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text) {
   std::visit(TextReader{settings, text}, setting.field);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "host/settings.h"
 #include "vel_stopngo.h"
@@ -45,6 +46,9 @@ std::span<const Setting> SettingTable();
 
 /// The row of a name; null where there is none.
 const Setting* FindSetting(std::string_view name);
+
+/// All names, for suggestions.
+std::vector<std::string> SettingNames();
 
 /// Takes a value as text. Throws std::invalid_argument with what is expected instead.
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text);

@@ -14,6 +14,7 @@
 #include "host/failure.h"
 #include "host/file.h"
 #include "host/setting_table.h"
+#include "host/spelling.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -72,6 +73,14 @@ void TakeNode(Settings& settings, const Setting& setting, const toml::node& node
   SetFromText(settings, setting, path.empty() ? std::string() : (base / path).string());
 }
 
+/// What the parser says, without where in its own code it was; a key that comes again is told as that.
+std::string SentenceOf(std::string_view fault) {
+  const std::size_t again = fault.find("cannot redefine existing ");
+  const std::size_t name = fault.find('\'', again);
+  if (again == std::string_view::npos || name == std::string_view::npos) return std::string(fault);
+  return std::string(fault.substr(name)) + " is given twice";
+}
+
 toml::table ParsedToml(const std::string& path) {
   const std::string text = ReadFile(path, kSettingsFile);
   RefuseNesting(path, text);
@@ -80,7 +89,7 @@ toml::table ParsedToml(const std::string& path) {
   } catch (const toml::parse_error& fault) {
     const auto line = fault.source().begin.line;
     const std::string where = line > 0 ? ":" + std::to_string(line) : std::string();
-    throw Failure(path + where + ": " + std::string(fault.description()));
+    throw Failure(path + where + ": " + SentenceOf(fault.description()));
   }
 }
 
@@ -94,7 +103,7 @@ std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settin
     const std::string name(key.str());
     const std::string where = Print("%s:%u: %s: ", path.c_str(), key.source().begin.line, name.c_str());
     const Setting* const setting = FindSetting(name);
-    if (setting == nullptr) throw Failure(where + "no such setting");
+    if (setting == nullptr) throw Failure(where + "no such setting" + MeantBy(name, SettingNames()));
     if (settled(name)) continue;
     try {
       TakeNode(settings, *setting, node, path);

@@ -79,6 +79,7 @@ std::vector<Case> Cases(const std::string& short_file) {
        [](Setup& s) {
          s.settings.time_leaving = {4, true};
        }},
+      {"short-input ", [](Setup& s) { s.length = 4; }},
       {"part-blocks ", [](Setup& s) { s.settings.roi_width = 225; }},
       {"other-features part-cells ", [](Setup& s) { s.settings.roi_width = 210; }},
       {"rate ", [](Setup& s) { s.frames->fps = 5; }},

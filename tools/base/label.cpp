@@ -20,4 +20,10 @@ std::optional<Activity> ActivityOf(std::string_view name) {
   return static_cast<Activity>(found - kNames.begin());
 }
 
+std::string ActivityNames() {
+  std::string names;
+  for (const std::string_view name : kNames) names.append(names.empty() ? "" : ", ").append(name);
+  return names;
+}
+
 }  // namespace stopngo

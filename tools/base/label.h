@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,5 +24,7 @@ struct LabelSpan {
 /// As manifests and labels files have it: "still", "lead_departs", "crossing", "ego_moving".
 std::string_view NameOf(Activity activity);
 std::optional<Activity> ActivityOf(std::string_view name);
+/// All of them, with commas.
+std::string ActivityNames();
 
 }  // namespace stopngo

@@ -55,6 +55,10 @@ OpenedClip OpenClip(const Clip& clip, double rate, int margin) {
   return clip.IsScene() ? OpenScene(clip, handed_over, margin) : OpenRecording(clip, handed_over);
 }
 
+std::vector<LabelSpan> LabelsOf(const Clip& clip) {
+  return clip.IsScene() ? OpenScene(clip, 1, 0).labels : clip.labels;
+}
+
 void CheckEnd(const OpenedClip& clip, double last_s) {
   constexpr double kRounding_s = 1;  // of times that people write
   if (clip.labels.empty()) return;

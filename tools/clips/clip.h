@@ -47,6 +47,9 @@ struct OpenedClip {
 /// drawn for the part. Any number of threads may open and read clips at once. Throws Failure.
 OpenedClip OpenClip(const Clip& clip, double rate, int margin);
 
+/// The labels of a clip, which need no frame.
+std::vector<LabelSpan> LabelsOf(const Clip& clip);
+
 /// For after the last frame, which came at last_s: throws Failure when labels go on for more than a second. A
 /// recording that was cut short, or labels of another one, would count as time without a false alarm.
 void CheckEnd(const OpenedClip& clip, double last_s);

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "clips/twofold.h"
 #include "host/failure.h"
 #include "host/text.h"
 
@@ -89,7 +90,7 @@ LabelSpan SpanOf(std::string_view text) {
     throw Fault{"labels: " + Quoted(text) + " is not START END NAME, such as 2.5 5 lead_departs"};
   }
   const std::optional<Activity> activity = ActivityOf(words[2]);
-  if (!activity) throw Fault{"labels: " + Quoted(words[2]) + " is no label"};
+  if (!activity) throw Fault{"labels: " + Quoted(words[2]) + " is no label: " + ActivityNames()};
   if (*start < 0) throw Fault{"labels: " + Quoted(text) + " starts before the clip"};
   if (*end <= *start) throw Fault{"labels: " + Quoted(text) + " ends before it starts"};
   return {*start, *end, *activity};
@@ -267,10 +268,17 @@ std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settin
   CheckSettings(settings);
   std::vector<Clip> clips;
   for (const std::string& path : paths) ReadInto(path, clips);
+  std::vector<const Clip*> all;
+  all.reserve(clips.size());
   for (Clip& clip : clips) {
+    all.push_back(&clip);
     clip.allow_damaged = allow_damaged;
     if (clip.region || clip.IsScene()) continue;
     clip.region = RegionOf(settings);
+  }
+  // Its departures and false alarms would count as those of two.
+  if (const Clip* const again = ComesTwice(all)) {
+    throw Failure(again->name + ": comes twice in the manifests, with the same region and rate");
   }
   return clips;
 }

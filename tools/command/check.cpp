@@ -86,9 +86,7 @@ void CheckCommand::Run() {
   Setup setup = options_.InForce();
   if (!source_.input.empty()) {
     DamageRule damage(DamageRule::Kind::kAllowed, true);
-    const SourceInfo info = OpenSource(ForSettings(source_, settings_, damage))->Info();
-    setup.frames = info;
-    setup.length = info.frames;
+    setup = options_.InForce(OpenSource(ForSettings(source_, settings_, damage))->Info());
   }
   const std::vector<Finding> findings = CheckSetup(Module(), setup);
   for (const Finding& finding : findings) TellFinding(finding);

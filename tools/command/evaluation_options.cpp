@@ -6,6 +6,7 @@
 
 #include "base/parallel.h"
 #include "clips/manifest.h"
+#include "command/setup_check.h"
 #include "command/source_options.h"
 
 namespace stopngo {
@@ -28,6 +29,7 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
 
 std::vector<Clip> EvaluationOptions::Clips(FileRegister& files) {
   options_.Complete();
+  HeedFindings(Module(), options_.InForce());
   options_.EnterFiles(files);
   return ClipsOf(manifests, settings, allow_damaged, files);
 }

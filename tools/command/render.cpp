@@ -17,6 +17,7 @@
 #include "base/progress.h"
 #include "base/results.h"
 #include "command/settings_options.h"
+#include "command/setup_check.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
 #include "host/detector.h"
@@ -267,6 +268,7 @@ class RenderCommand : public Subcommand {
   void Run() override {
     DamageRule damage(DamageRule::Kind::kAtEnd, arguments_.allow_damaged);
     auto frames = OpenSource(ForSettings(arguments_.source, arguments_.settings, damage));
+    HeedFindings(Module(), arguments_.options.InForce(frames->Info()));
     Rendering rendering(arguments_, outputs_, std::move(frames));
     rendering.Run();
     if (arguments_.output == "-") {

@@ -12,6 +12,7 @@
 #include "base/progress.h"
 #include "command/run_report.h"
 #include "command/settings_options.h"
+#include "command/setup_check.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
 #include "command/trace.h"
@@ -76,6 +77,7 @@ void RunCommand::Run() {
   DamageRule damage(DamageRule::Kind::kAtEnd, allow_damaged_);
   const std::unique_ptr<FrameSource> frames = OpenSource(ForSettings(source_, settings_, damage));
   const Module module;
+  HeedFindings(module, options_.InForce(frames->Info()));
   Detector detector(module, settings_, frames->Info());
   EndsEarly ends_early;
   // Before the first frame, so that a run of hours does not end at a path that cannot be written.

@@ -116,6 +116,13 @@ Setup SettingsOptions::InForce() const {
   return setup;
 }
 
+Setup SettingsOptions::InForce(const SourceInfo& frames) const {
+  Setup setup = InForce();
+  setup.frames = frames;
+  setup.length = frames.frames;
+  return setup;
+}
+
 const char* SettingsOptions::OriginOf(const std::string& name) const {
   if (options_.at(name)->count() > 0) return "option";
   if (configured_.contains(name)) return "file";

@@ -9,6 +9,7 @@
 #include "base/file_register.h"
 #include "host/check.h"
 #include "host/settings.h"
+#include "video/frame_source.h"
 
 namespace CLI {
 class App;
@@ -30,8 +31,10 @@ class SettingsOptions {
   /// For a subcommand that reads no weights: takes the file alone, without what it says of weights, and
   /// refuses options that name some.
   void CompleteWithoutWeights();
-  /// The settings, once complete, with the weights' sidecar and what was given, for CheckSetup.
+  /// The settings, once complete, with the weights' sidecar and what was given, for CheckSetup: alone, or with the
+  /// frames that are handed over.
   [[nodiscard]] Setup InForce() const;
+  [[nodiscard]] Setup InForce(const SourceInfo& frames) const;
   /// Where a setting came from: "option", "file", "sidecar" or "default".
   [[nodiscard]] const char* OriginOf(const std::string& name) const;
   /// Enters the files that the settings come from: configuration, weights and their sidecar.

@@ -20,8 +20,10 @@
 #include "base/results.h"
 #include "classify.h"
 #include "clips/manifest.h"
+#include "clips/twofold.h"
 #include "command/evaluation_options.h"
 #include "command/settings_options.h"
+#include "command/setup_check.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
@@ -91,6 +93,18 @@ struct ClipSet {
     }
   }
 };
+
+/// Figures on clips that a network was trained on say nothing about others.
+void RefuseShared(const std::vector<Clip>& trained, const std::vector<Clip>& others, const char* option) {
+  std::vector<const Clip*> all;
+  all.reserve(trained.size() + others.size());
+  for (const std::vector<Clip>* const clips : {&trained, &others}) {
+    for (const Clip& clip : *clips) all.push_back(&clip);
+  }
+  if (const Clip* const shared = ComesTwice(all)) {
+    throw Failure(shared->name + ": is trained on, and in " + option + " as well", ExitCode::kUsage);
+  }
+}
 
 class TrainCommand : public Subcommand {
  public:
@@ -177,6 +191,8 @@ void TrainCommand::RefuseSettings() const {
 
 void TrainCommand::ReadClips(FileRegister& files) {
   for (ClipSet* const set : {&clips_, &validation_, &test_}) set->Read(settings_, allow_damaged_, files);
+  RefuseShared(clips_.clips, validation_.clips, "--validation");
+  RefuseShared(clips_.clips, test_.clips, "--test");
   if (validation_.manifests.empty()) {
     std::vector<Clip> kept;
     for (std::size_t i = 0; i < clips_.clips.size(); i++) {
@@ -277,6 +293,9 @@ void TrainCommand::Complete() {
   files.Writes(output_, "--output");
   files.Writes(SidecarPath(output_), "the sidecar of --output");
   files.Writes(report_, "--report");
+  Setup setup = options_.InForce();
+  setup.settings.no_weights = true;  // they are what is made here
+  HeedFindings(Module(), setup);
   options_.EnterFiles(files);
   ReadClips(files);
 }

@@ -87,6 +87,15 @@ std::string InOneLine(const TuneArguments& arguments, const Settings& settings) 
   return line;
 }
 
+/// Nothing tells one setting from another where there is nothing to catch.
+void RefuseWithoutDepartures(const std::vector<Clip>& clips) {
+  const auto departs = [](const LabelSpan& label) { return label.activity == Activity::kLeadDeparts; };
+  if (std::ranges::any_of(clips,
+                          [&](const Clip& clip) { return std::ranges::any_of(LabelsOf(clip), departs); }))
+    return;
+  throw Failure("the clips show no departure, which settings are chosen to catch");
+}
+
 class Search {
  public:
   explicit Search(TuneArguments& arguments) : arguments_(arguments), options_(arguments.options) {
@@ -95,6 +104,7 @@ class Search {
   }
 
   void Run() {
+    RefuseWithoutDepartures(clips_);
     // The first dimension changes what is analysed, not only what is decided: a pass over the clips each.
     const std::span<const Dimension> dimensions(arguments_.dimensions);
     const std::vector<Settings> passes = Combinations(options_.settings, dimensions.first(1));

@@ -23,7 +23,7 @@ const std::string kHeader = "clip\tregion\trate\tlabels\tkind\n";
 TEST(Manifest, NamesRecordingsAndScenesInOrder) {
   const TemporaryFolder folder;
   std::filesystem::create_directory(folder / "clips");
-  const std::string clip = folder.File("clips/a.y4m", "");
+  const std::string clip = folder.File("clips/a.y4m", "no failure");
   // Columns in an order of its own, a last semicolon, and the ends of lines of another system.
   const std::string path =
       folder.File("list.tsv",
@@ -74,7 +74,8 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
       {labels("4 5 still;1 3 crossing"), ":4:", "starts before"},
       {labels("-1 3 crossing"), ":4:", "starts before the clip"},
       {labels("3 3 crossing"), ":4:", "ends before it starts"},
-      {labels("0 1 still;2 3 flying"), ":4:", "'flying' is no label"},
+      {labels("0 1 still;2 3 flying"),
+       ":4:", "'flying' is no label: still, lead_departs, crossing, ego_moving"},
       {labels("0 1s still"), ":4:", "is not START END NAME"},
       {labels("0 nan still"), ":4:", "is not START END NAME"},
       {labels("0 1 still lead"), ":4:", "is not START END NAME"},
@@ -126,6 +127,25 @@ TEST(Manifest, MoreThanAnybodyHasIsRefusedBeforeItTakesMemory) {
   ExpectWords(fault("/dev/zero"), {"/dev/zero", "67108864"});
   ExpectWords(fault(folder.File("line.tsv", kHeader + std::string(2 << 20, '\t'))),
               {"line.tsv:2: ", "2097152"});
+}
+
+TEST(Manifest, AClipComesOnce) {
+  const TemporaryFolder folder;
+  std::filesystem::create_hard_link(folder.File("a.y4m", ""), folder / "b.y4m");
+  const auto fault = [&folder](const std::string& first, const std::string& second) {
+    const std::vector<std::string> manifests{folder.File("1.tsv", kHeader + first + "\n"),
+                                             folder.File("2.tsv", kHeader + second + "\n")};
+    return FailureOf([&] { ReadManifests(manifests, Settings(), false); });
+  };
+  const std::string recording = "a.y4m\t300,250,220,140\t6\t0 1 still\t-";
+  ExpectWords(fault(recording, "b.y4m\t300,250,220,140\t6\t1 2 still\t-"), {"b.y4m: comes twice"});
+  ExpectWords(fault("synth:mixed:1-9\t-\t-\t-\t-", "synth:mixed:7\t-\t-\t-\tnight"),
+              {"synth:mixed:7: comes twice"});
+  // Another region, rate or seed is another clip.
+  EXPECT_EQ(fault(recording, "a.y4m\t301,250,220,140\t6\t0 1 still\t-\na.y4m\t-\t5\t0 1 still\t-"),
+            "no failure");
+  EXPECT_EQ(fault("synth:mixed:1-6\t-\t-\t-\t-", "synth:mixed:7\t-\t-\t-\t-\nsynth:standing:1\t-\t-\t-\t-"),
+            "no failure");
 }
 
 TEST(Manifest, DamagedOnesAreReadOrRefused) {

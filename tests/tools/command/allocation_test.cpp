@@ -86,7 +86,7 @@ class AllocationTest : public testing::Test {
   }
 };
 
-TEST_F(AllocationTest, Run) { Sweep("run v.y4m --weights w.bin --trace old.tsv", "tsv"); }
+TEST_F(AllocationTest, Run) { Sweep("run v.y4m --weights w.bin --time-leaving 1 --trace old.tsv", "tsv"); }
 
 TEST_F(AllocationTest, Evaluation) {
   Sweep("eval clips.tsv --weights w.bin --jobs 2 --baseline flow", "out");

@@ -246,6 +246,7 @@ TEST(Eval, RefusesWhatItCannotJudge) {
       {"eval --no-weights --curve curve.png " + good, 2, "curve.png"},
       {"eval --no-weights --curve " + folder / "none/curve.tsv " + good, 1, "No such file"},
       {"tune --no-weights --try-threshold high " + good, 2, "'high' is no number"},
+      {"tune --no-weights " + good, 1, "no departure"},
       {"tune --no-weights --try-filter blur " + good, 2, "none, median, gaussian"},
   };
   for (const Case& refused : cases) {

@@ -215,13 +215,13 @@ TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
       {clip + " " + out + " --still-at 0.1 --no-weights", 2, "--still-at"},
       {clip + " " + png + " --still " + png + " --no-weights", 2, "--still"},
       {clip + " " + out + " --no-weights --history 0", 2, "--history"},
-      {clip + " " + out + " --no-weights --roi-y 450", 1, "region"},
+      {clip + " " + out + " --no-weights --roi-y 450", 2, "outside-frame"},
       {"--no-weights " + clip, 2, "OUT"},
   };
   const std::string before = ReadFile(clip);
   for (const Case& refused : cases) {
     SCOPED_TRACE(refused.arguments);
-    ExpectRefusal(Stopngo("render " + refused.arguments), refused.exit_code, {refused.word});
+    ExpectRefusal(Stopngo("render --time-leaving 1 " + refused.arguments), refused.exit_code, {refused.word});
     EXPECT_EQ(folder_.Files(), files) << refused.arguments;
   }
   EXPECT_EQ(ReadFile(clip), before);

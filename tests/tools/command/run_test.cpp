@@ -252,9 +252,13 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
     std::vector<std::string> words;
   };
   const std::vector<Case> cases = {
-      {"", 2, {}},
+      {"", 2, {"command"}},
+      {"rum x.mp4", 2, {"'rum'", "is run meant"}},
       {"run", 2, {"INPUT"}},
       {kRaw + "--bogus", 2, {"--bogus"}},
+      {kRaw + "--thresold 0.5", 2, {"--thresold", "is --threshold meant"}},
+      {"run a.mp4 b.mp4", 2, {"'b.mp4'", "too many"}},
+      {"--json run a.mp4", 2, {"--json", "stopngo has no such option"}},
       {kRaw + "--roi-x 1.5", 2, {"--roi-x", "1.5"}},
       {kRaw + "--gap-op 4294967296", 2, {"--gap-op", "4294967296"}},
       {kRaw + "--time-cooling 2m" + outputs, 2, {"--time-cooling", "2m"}},
@@ -270,11 +274,16 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {"run " + folder.File("text.mp4", "no video") + outputs, 1, {"text.mp4"}},
       {"run - " + outputs, 1, {"standard input", "not Y4M"}},
       {kRaw + "--original" + outputs, 1, {"800 x 480", "1920 x 1080"}},
-      {kRaw + "--roi-y 400" + outputs, 1, {"frame 0", "220 x 140", "800 x 480", "--roi-y"}},
+      {kRaw + "--roi-y 400" + outputs, 2, {"outside-frame", "220 x 140", "800 x 480", "--roi-x"}},
       {kRaw + "--no-weights --trace " + folder / "none/t.tsv", 1, {"none/t.tsv"}},
       {kRaw + "--no-weights --trace /dev/full", 1, {"/dev/full"}},
       {kRaw + "--config " + folder / "gone.toml", 1, {"gone.toml"}},
-      {kRaw + "--config " + folder.File("car.toml", "rate = 5\n\nbogus = 1\n"), 1, {"car.toml:3", "bogus"}},
+      {kRaw + "--config " + folder.File("car.toml", "rate = 5\n\nratte = 1\n"),
+       1,
+       {"car.toml:3", "is rate meant"}},
+      {kRaw + "--config " + folder.File("twice.toml", "rate = 5\nrate = 6\n"),
+       1,
+       {"twice.toml:2: 'rate' is given twice"}},
   };
   const std::size_t files = folder.Files();
   for (const Case& bad : cases) {
