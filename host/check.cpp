@@ -92,12 +92,13 @@ std::string OutsideFrame(const Facts& f) {
 }
 
 std::string UnlikeWeights(const Facts& f) {
+  // What the decision takes from the scores may be chosen later.
+  constexpr std::array kTrained{"roi-width", "roi-height", "scale", "block-size", "filter", "rate"};
   if (!f.setup.sidecar) return {};
   std::string differences;
   for (const auto& [name, text] : f.setup.sidecar->settings) {
     const std::string own = TextOf(f.s, *FindSetting(name));
-    const bool trained = name == "block-size" || name == "rate" || name == "filter" || name == "scale";
-    if (!trained || own == text) continue;
+    if (std::ranges::count(kTrained, name) == 0 || own == text) continue;
     differences.append(differences.empty() ? "" : ", ").append(name).append(" ").append(own);
     differences.append(" instead of ").append(text);
   }

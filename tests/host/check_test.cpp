@@ -72,6 +72,10 @@ std::vector<Case> Cases(const std::string& short_file) {
        [](Setup& s) {
          s.sidecar = Sidecar{160, 16, "", {{"rate", "8"}, {"threshold", "0.1"}}};
        }},
+      {"unlike-weights ",
+       [](Setup& s) {
+         s.sidecar = Sidecar{160, 16, "", {{"roi-width", "230"}}};
+       }},
       {"other-features ", [](Setup& s) { s.settings.features = 40; }},
       {"beeping-cooling ", [](Setup& s) { s.settings.time_beeping.value = 5.5; }},
       {"long-cooling ", [](Setup& s) { s.settings.time_cooling.value = 16; }},

@@ -146,7 +146,7 @@ std::string Seconds(double time_s) {
 }
 
 std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
-                    std::optional<double> still_s) {
+                    std::optional<double> still_s, const std::string& damage) {
   const char* const signal = InterruptingSignal();
   if (arguments.json) {
     nlohmann::ordered_json line{{"input", arguments.source.input}};
@@ -156,6 +156,7 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
     if (counts.first_alarm_s) line["first_alarm_s"] = *counts.first_alarm_s;
     if (still_s) line["still"] = {{"file", outputs.still}, {"time_s", *still_s}};
     if (signal != nullptr) line["cut_short"] = signal;
+    if (!damage.empty()) line["damaged"] = damage;
     return JsonLine(line);
   }
   std::string text = outputs.video.empty() ? arguments.source.input : outputs.video;
@@ -194,7 +195,9 @@ class Rendering {
     CommitTogether({video_ ? &*video_ : nullptr, still_.File(), debug_ ? &*debug_ : nullptr});
   }
 
-  [[nodiscard]] std::string Tell() const { return Summary(arguments_, outputs_, counts_, still_.TakenAt()); }
+  [[nodiscard]] std::string Tell(const std::string& damage) const {
+    return Summary(arguments_, outputs_, counts_, still_.TakenAt(), damage);
+  }
 
  private:
   [[nodiscard]] const SourceInfo& Info() const { return frames_->Info(); }
@@ -272,9 +275,9 @@ class RenderCommand : public Subcommand {
     Rendering rendering(arguments_, outputs_, std::move(frames));
     rendering.Run();
     if (arguments_.output == "-") {
-      std::cerr << Escaped(rendering.Tell()) << '\n';  // standard output is the video
+      std::cerr << Escaped(rendering.Tell(damage.Kept())) << '\n';  // standard output is the video
     } else {
-      WriteResult(rendering.Tell());
+      WriteResult(rendering.Tell(damage.Kept()));
     }
     damage.RefuseKept();
   }

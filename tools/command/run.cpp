@@ -107,7 +107,7 @@ void RunCommand::Run() {
     WriteDebugPicture(debug->Stream(), detector.Context());
     debug->Commit();
   }
-  report.Summarize(signal);
+  report.Summarize(signal, damage.Kept());
   damage.RefuseKept();
 }
 

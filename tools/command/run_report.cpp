@@ -53,7 +53,7 @@ void RunReport::TellChange(const FrameReport& frame) const {
   }
 }
 
-void RunReport::Summarize(const char* cut_short) const {
+void RunReport::Summarize(const char* cut_short, const std::string& damage) const {
   if (json_) {
     Json line = {{"type", "summary"}, {"frames", frames_}, {"decided", decided_}, {"analysed", analysed_}};
     for (std::size_t i = 0; i < kinds_.size(); ++i) {
@@ -64,6 +64,7 @@ void RunReport::Summarize(const char* cut_short) const {
       line["write_ns"][quantile.name] = latency_.Percentile(quantile.share);
     }
     if (cut_short != nullptr) line["cut_short"] = cut_short;
+    if (!damage.empty()) line["damaged"] = damage;
     WriteResult(JsonLine(line));
     return;
   }

@@ -16,8 +16,8 @@ class RunReport {
   explicit RunReport(bool json) : json_(json) {}
   /// Throws Failure when standard output cannot be written.
   void Add(const FrameReport& frame);
-  /// cut_short: the signal that ended the run before its input did, if one has.
-  void Summarize(const char* cut_short) const;
+  /// cut_short: the signal that ended the run before its input did, if one has. damage: of the input, if any.
+  void Summarize(const char* cut_short, const std::string& damage) const;
 
  private:
   struct Kind {

@@ -235,6 +235,8 @@ TEST(RunTest, WhatWasDecidedBeforeDamageIsKeptAndTheRunFails) {
   EXPECT_EQ(ReadTrace(folder / "t.tsv").size(), 4U);
   const std::string note = "\n# damaged: standard input: ends after 0.40 s: frame 4 is cut short\n";
   EXPECT_TRUE(ReadFile(folder / "t.tsv").ends_with(note));
+  EXPECT_EQ(JsonLines(Stopngo(arguments + " --json", cut).out).back()["damaged"],
+            "standard input: ends after 0.40 s: frame 4 is cut short");
   const CommandResult allowed = Stopngo(arguments + " --allow-damaged", cut);
   EXPECT_EQ(allowed.exit_code, 0);
   EXPECT_EQ(ReadFile(folder / "t.tsv").find('#'), std::string::npos);
