@@ -1,10 +1,11 @@
 # Compile.cmake: how every target is compiled.
 #
 # Warnings are errors. Floating contraction is off everywhere: a compiler that fuses a multiplication
-# and an addition on its own (GCC does on aarch64) changes scores.
+# and an addition on its own (GCC does on aarch64) changes scores. Nothing may hold the time at which it was compiled:
+# the same sources give the same files (scripts/reproduce).
 add_library(stopngo_options INTERFACE)
 target_compile_options(stopngo_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror -ffp-contract=off)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wdate-time -Werror -ffp-contract=off)
 if(STOPNGO_SANITIZE)
   target_compile_options(stopngo_options INTERFACE
     -fsanitize=${STOPNGO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

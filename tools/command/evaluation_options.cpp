@@ -39,7 +39,7 @@ std::vector<Clip> ClipsOf(std::span<const std::string> manifests, const Settings
   for (const std::string& manifest : manifests) files.Reads(manifest, "the manifest");
   std::vector<Clip> clips = ReadManifests(manifests, settings, allow_damaged);
   for (const Clip& clip : clips) {
-    if (!clip.IsScene()) files.Reads(std::get<std::string>(clip.source), "a clip's recording");
+    if (!clip.IsScene()) EnterInput(files, std::get<std::string>(clip.source), "a clip's recording");
   }
   return clips;
 }

@@ -14,6 +14,7 @@
 #include "base/interruption.h"
 #include "host/failure.h"
 #include "host/text.h"
+#include "video/playlist.h"
 
 namespace stopngo {
 namespace {
@@ -83,18 +84,19 @@ SourceOptions ForSettings(SourceOptions options, const Settings& settings, Damag
   return options;
 }
 
-void EnterInput(FileRegister& files, const std::string& input) {
+void EnterInput(FileRegister& files, const std::string& input, const std::string& what) {
   namespace fs = std::filesystem;
   constexpr std::string_view kProtocol = "file:";  // of FFmpeg's, for names that look like others
   std::error_code error;
   const bool named = fs::exists(input, error);
-  files.Reads(!named && input.starts_with(kProtocol) ? input.substr(kProtocol.size()) : input,
-              "the recording");
+  const std::string path = !named && input.starts_with(kProtocol) ? input.substr(kProtocol.size()) : input;
+  files.Reads(path, what);
+  for (const std::string& entry : PlaylistEntries(path)) files.Reads(entry, "what " + what + " lists");
   const fs::path pattern(input);
   if (named || input.find('%') == std::string::npos) return;
   for (const fs::directory_entry& entry : fs::directory_iterator(FolderOf(pattern), error)) {
     if (!IsOfSequence(entry.path().filename().string(), pattern.filename().string())) continue;
-    files.Reads(entry.path().string(), "a picture of the recording");
+    files.Reads(entry.path().string(), "a picture of " + what);
   }
 }
 

@@ -22,8 +22,9 @@ void AddAllowDamaged(CLI::App& app, bool& allow_damaged);
 /// outlives the source that is opened.
 SourceOptions ForSettings(SourceOptions options, const Settings& settings, DamageRule& damage);
 
-/// Enters the files that will be read as INPUT.
-void EnterInput(FileRegister& files, const std::string& input);
+/// Enters the files that will be read as an input: a sequence's pictures and what a list names, too. what: how the user
+/// is to be told of it.
+void EnterInput(FileRegister& files, const std::string& input, const std::string& what = "the recording");
 
 /// False also when a signal came; what that broke off is no failure of the input.
 bool NextFrame(FrameSource& frames, LumaFrame& frame);

@@ -48,6 +48,10 @@ TEST_F(OutputsTest, OneFileIsNotUsedTwice) {
       folder_.File("m.tsv", "clip\tregion\trate\tlabels\nclip.y4m\t-\t-\t0 0.2 still\n");
   fs::create_symlink("clip.y4m", folder_ / "alias.y4m");
   fs::copy_file(clip, folder_ / "img1.y4m");
+  const std::string list = folder_.File("list.m3u8", "#EXTM3U\n#EXT-X-MAP:URI=\"head.mp4\"\r\nclip.y4m\r\n");
+  const std::string concat = folder_.File("list.ffconcat", "ffconcat version 1.0\n file 'list'\\.m3u8\n");
+  const std::string lists =
+      folder_.File("l.tsv", "clip\tregion\trate\tlabels\nlist.ffconcat\t-\t-\t0 0.2 still\n");
   const std::string alias = folder_ / "alias.y4m";
   const std::string out = folder_ / "o.y4m";
   const std::string picture = folder_ / "o.png";
@@ -68,6 +72,8 @@ TEST_F(OutputsTest, OneFileIsNotUsedTwice) {
       {"run - --no-weights --trace " + clip + " < " + clip, "standard input"},
       {"run file:" + clip + " --no-weights --trace " + clip, "the recording"},
       {"run " + folder_ / "img%d.y4m" + " --no-weights --trace " + folder_ / "img1.y4m", "a picture"},
+      {"run " + list + " --no-weights --trace " + clip, "what the recording lists"},
+      {"run " + concat + " --no-weights --trace " + clip, "what the recording lists"},
       {"run " + clip + " --weights " + weights + " --trace " + weights, "the weights"},
       {"run " + clip + " --weights " + weights + " --trace " + weights + ".json", "the weights' sidecar"},
       {"render " + alias + " " + clip + " --no-weights", "the recording"},
@@ -82,6 +88,7 @@ TEST_F(OutputsTest, OneFileIsNotUsedTwice) {
       {train + " --report " + clip, "recording"},
       {train + " --test " + manifest + " --report " + manifest, "the manifest"},
       {eval + "--curve " + clip, "recording"},
+      {"eval " + lists + " --no-weights --curve " + clip, "what a clip's recording lists"},
       {eval + "--curve " + manifest, "the manifest"},
       {eval + "--curve " + picture, "its plot"},
       {"tune " + manifest + " --no-weights >> " + manifest, "standard output"},
