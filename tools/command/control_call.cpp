@@ -51,6 +51,12 @@ std::string CString(const std::string& text) {
   return quoted + '"';
 }
 
+// With a point: a list of unnamed arguments takes a double for a double alone.
+std::string DoubleText(double number) {
+  const std::string text = PlainText(number);
+  return text.find('.') == std::string::npos ? text + ".0" : text;
+}
+
 /// What follows a code; empty where the code is not sent.
 struct ValueWriter {
   const Settings& settings;
@@ -67,11 +73,7 @@ struct ValueWriter {
   std::string operator()(std::optional<int> Settings::*field) const {
     return std::to_string((settings.*field).value_or(frames.width));
   }
-  // A list of unnamed arguments takes a double for a double alone.
-  std::string operator()(double Settings::*field) const {
-    const std::string text = PlainText(settings.*field);
-    return text.find('.') == std::string::npos ? text + ".0" : text;
-  }
+  std::string operator()(double Settings::*field) const { return DoubleText(settings.*field); }
   std::string operator()(const RateField&) const { return {}; }
   std::string operator()(FrameCount Settings::*field) const {
     return std::to_string((settings.*field).Frames(frames.fps));
@@ -88,23 +90,28 @@ struct ValueWriter {
 
 std::vector<std::string> ControlCall(const Settings& settings, const FrameFormat& frames) {
   std::vector<std::string> lines{
-      "/* " + NumberText(frames.fps) +
-          Print(" frames a second of %d x %d are to be handed over:", frames.width, frames.height),
-      " * the times below count them. Returns 0 unless the weights could not be read. */",
+      "/* The frames to be handed over, and how many a second: the times below count them. */",
+      Print("#define STOPNGO_FRAME_WIDTH %d", frames.width),
+      Print("#define STOPNGO_FRAME_HEIGHT %d", frames.height),
+      "#define STOPNGO_FRAMES_A_SECOND " + DoubleText(frames.fps),
+      "",
+      "/* Gives a detector that was opened its settings. Returns 0 unless the weights could not be read. */",
+      "/* clang-format off */",
       "static int set_up(const VEL_STOPNGO_OPERATION* operations, void* context,",
       "                  VEL_STIOPNGO_EVENT_CALLBACK changed, void* argument)",
       "{",
       "  int unused = 0;",
       settings.weights.empty() ? "  int loaded = 0;" : "  int loaded = -1;",
-      "  operations->control(context,"};
-  lines.reserve(lines.size() + SettingTable().size() + 3);
+      "  const int applied = operations->control(context,"};
+  lines.reserve(lines.size() + SettingTable().size() + 4);
   for (const Setting& setting : SettingTable()) {
     if (setting.code == VEL_CTRL_STOPNGO_END) continue;
     const std::string value = std::visit(ValueWriter{settings, frames, setting.code}, setting.field);
     if (value.empty()) continue;
     lines.push_back(Print("      VEL_CTRL_STOPNGO_%s, %s,", kCodeNames.at(setting.code), value.c_str()));
   }
-  lines.insert(lines.end(), {"      VEL_CTRL_STOPNGO_END);", "  return loaded;", "}"});
+  lines.insert(lines.end(), {"      VEL_CTRL_STOPNGO_END);", "  return applied == 0 ? loaded : -1;", "}",
+                             "/* clang-format on */"});
   return lines;
 }
 

@@ -9,8 +9,8 @@
 
 namespace stopngo {
 
-/// A C function that gives a detector these settings by one control call, for frames handed over like these: its
-/// lines.
+/// Lines of C: the frames that are handed over, and a function that gives a detector these settings by one control
+/// call.
 std::vector<std::string> ControlCall(const Settings& settings, const FrameFormat& frames);
 
 }  // namespace stopngo
