@@ -4,10 +4,12 @@ include(CMakePackageConfigHelpers)
 install(TARGETS zetstopngo EXPORT zetstopngoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS zetstopngo_selftest RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/include/vel_stopngo.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# With the module, also where there is no command: a host finds them by the variables of both packages.
+set(weights_dir ${CMAKE_INSTALL_DATADIR}/zetstopngo)
+install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/weights/default.bin.json
+  DESTINATION ${weights_dir})
 if(STOPNGO_BUILD_TOOLS)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/weights/default.bin.json
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/zetstopngo OPTIONAL)
 endif()
 
 # Relative to the file itself: the prefix is known only when it is installed.
@@ -19,7 +21,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngo.pc DESTINATION ${CMAKE_INST
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zetstopngo)
 install(EXPORT zetstopngoTargets NAMESPACE zetstopngo:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/zetstopngoConfig.cmake.in zetstopngoConfig.cmake
-  INSTALL_DESTINATION ${package_dir})
+  INSTALL_DESTINATION ${package_dir} PATH_VARS weights_dir)
 write_basic_package_version_file(zetstopngoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zetstopngoConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/zetstopngoConfigVersion.cmake DESTINATION ${package_dir})
