@@ -1,0 +1,142 @@
+// formats_test.cpp: what stopngo prints for programs has the keys that docs/formats.md tells, all of them and no others.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "program.h"
+
+namespace stopngo::test {
+namespace {
+
+using Names = std::set<std::string>;
+
+/// What stands in backticks in the first column of the tables below a heading.
+Names Documented(const std::string& heading) {
+  std::istringstream lines(ReadFile(STOPNGO_FORMATS));
+  Names names;
+  bool below = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with('#')) below = line == heading;
+    if (!below || !line.starts_with("| `")) continue;
+    std::istringstream parts(line.substr(0, line.find('|', 1)));
+    std::string part;
+    for (bool name = false; std::getline(parts, part, '`'); name = !name) {
+      if (name) names.insert(part);
+    }
+  }
+  return names;
+}
+
+/// The paths of all values: parts of objects behind a point, of lists of objects behind [].
+void AddKeys(const nlohmann::json& value, const std::string& path, Names& keys) {
+  const bool objects = value.is_array() && !value.empty() && value.front().is_object();
+  if (objects) {
+    for (const auto& item : value) AddKeys(item, path + "[]", keys);
+  } else if (value.is_object()) {
+    const std::string before = path.empty() ? "" : path + ".";
+    for (const auto& [key, part] : value.items()) AddKeys(part, before + key, keys);
+  } else {
+    keys.insert(path);
+  }
+}
+
+Names KeysOf(const std::string& lines) {
+  Names keys;
+  std::istringstream in(lines);
+  for (std::string line; std::getline(in, line);) AddKeys(nlohmann::json::parse(line), "", keys);
+  return keys;
+}
+
+Names Columns(const std::string& line) {
+  Names names;
+  std::istringstream parts(line.substr(0, line.find('\n')));
+  for (std::string part; std::getline(parts, part, '\t');) names.insert(part);
+  return names;
+}
+
+Names Both(Names a, const Names& b) {
+  a.insert(b.begin(), b.end());
+  return a;
+}
+
+class Formats : public testing::Test {
+ protected:
+  const TemporaryFolder folder_;
+  const Names figures_ = Documented("### Figures");
+};
+
+TEST_F(Formats, OfRecordingsAreDocumented) {
+  const std::string clip = folder_ / "clip.y4m";
+  const CommandResult synth = Stopngo("synth --rate 10 --length 7 --json " + clip);
+  ASSERT_EQ(synth.exit_code, 0) << synth.err;
+  EXPECT_EQ(KeysOf(synth.out), Documented("### synth"));
+
+  // Cut within its last picture, which gives "damaged"; a run that a signal ends has one key more.
+  const std::string whole = ReadFile(clip);
+  const std::string cut = folder_.File("cut.y4m", whole.substr(0, whole.size() - 1));
+  const std::string run = " --weights " STOPNGO_DEFAULT_WEIGHTS " --json ";
+  const Names broken_off{"cut_short"};
+  const std::string trace = folder_ / "trace.tsv";
+  EXPECT_EQ(Both(KeysOf(Stopngo("run " + cut + run + "--trace " + trace).out), broken_off),
+            Documented("### run"));
+  EXPECT_EQ(Columns(ReadFile(trace)), Documented("## Trace"));
+  const CommandResult render =
+      Stopngo("render " + cut + " " + folder_ / "seen.y4m" + run + "--still " + folder_ / "still.png");
+  EXPECT_EQ(Both(KeysOf(render.out), broken_off), Documented("### render"));
+  const std::string labels = ReadFile(clip + ".labels.tsv");
+  EXPECT_EQ(labels.substr(labels.find('\n')).substr(0, 20), "\nstart_s\tend_s\tlabel");
+}
+
+TEST_F(Formats, OfJudgementsAreDocumented) {
+  const std::string clips = "clip\tregion\trate\tlabels\tkind\n";
+  EXPECT_EQ(Columns(clips), Documented("## Manifest"));
+  ASSERT_EQ(Stopngo("synth --rate 10 --length 4 " + folder_ / "clip.y4m").exit_code, 0);
+  std::string labels;
+  int time_s = 0;
+  for (const std::string& name : Documented("### Labels")) {
+    labels.append(std::to_string(time_s) + " " + std::to_string(time_s + 1) + " " + name + ";");
+    ++time_s;
+  }
+  const std::string manifest =
+      folder_.File("clips.tsv", clips + "synth:departure:1\t-\t-\t-\t-\nclip.y4m\t-\t-\t" + labels + "\t-\n");
+  const std::string curve = folder_ / "curve.tsv";
+  const std::string weights = " --weights " STOPNGO_DEFAULT_WEIGHTS " --json ";
+  const CommandResult eval = Stopngo("eval " + manifest + weights + "--baseline difference --curve " + curve);
+  EXPECT_EQ(KeysOf(eval.out), Both(figures_, Documented("### eval"))) << eval.err;
+  Names columns = Columns(ReadFile(curve));
+  columns.insert({"repeats", "unjudged"});
+  columns.erase("threshold");
+  EXPECT_EQ(columns, figures_);
+  const CommandResult tune =
+      Stopngo("tune " + manifest + weights + "--try-filter none --try-threshold 0.4 --try-gap-op 2");
+  EXPECT_EQ(KeysOf(tune.out), Both(figures_, Documented("### tune"))) << tune.err;
+}
+
+TEST_F(Formats, OfSettingsAndWeightsAreDocumented) {
+  const CommandResult check = Stopngo("check --no-weights --roi-width 225 --print --json");
+  EXPECT_EQ(KeysOf(check.out), Documented("### check")) << check.err;
+  const CommandResult weights = Stopngo("weights --json " STOPNGO_DEFAULT_WEIGHTS);
+  EXPECT_EQ(KeysOf(weights.out), Documented("### weights")) << weights.err;
+
+  const auto sidecar = nlohmann::json::parse(ReadFile(STOPNGO_DEFAULT_WEIGHTS ".json"));
+  Names keys;
+  for (const auto& [key, value] : sidecar.items()) keys.insert(key);
+  for (const auto& [key, value] : sidecar["settings"].items()) keys.insert(key);
+  for (const auto& [key, value] : sidecar["training"].items()) keys.insert(key);
+  AddKeys(sidecar["training"], "", keys);
+  keys.erase("seeds");
+  EXPECT_EQ(keys, Documented("## Sidecar"));
+  for (const auto* const of : {&sidecar["figures"]["validation"], &sidecar["figures"]["test"]["all"]}) {
+    Names counted;
+    AddKeys(*of, "", counted);
+    EXPECT_EQ(counted, figures_);
+  }
+}
+
+}  // namespace
+}  // namespace stopngo::test
