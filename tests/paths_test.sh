@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# paths_test.sh: every file and folder that the documents name is there.
+# paths_test.sh: every file and folder that the documents name is there, and every refusal of the module is told.
 #
 #     tests/paths_test.sh [DOCUMENT…]
 #
 # Links lead from the document's own folder. Paths in backticks start at the top of the tree, in src or tools, or in
 # the document's folder; sources may be named without one. Words in capitals stand for any name
-# (kernels/SET_SUBJECT.cpp). What a build makes (build/…) is not looked for.
+# (kernels/SET_SUBJECT.cpp). What a build makes (build/…) is not looked for. docs/integrating.md has a line for each
+# reason for which a frame is refused.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 documents=("$@")
@@ -47,5 +48,12 @@ for document in "${documents[@]}"; do
     missing=$((missing + 1))
   done < <(in_backticks "$document" '[A-Za-z0-9_]+\.(c|h|cpp|inc|def|cmake|map)')
 done
+# The reasons stand alone in quotes, behind return or as what Refuse is given.
+while read -r reason; do
+  looked_for=$((looked_for + 1))
+  grep -qF "| $reason |" docs/integrating.md && continue
+  echo "docs/integrating.md: nothing is told of '$reason'" >&2
+  missing=$((missing + 1))
+done < <(sed -nE 's/.*return (Refuse\(ctx, )?"([^"]+)"\)?;.*/\2/p' src/refusal.cpp src/write.cpp)
 echo "paths_test: $looked_for paths, $missing missing"
 [ "$looked_for" -gt 0 ] && [ "$missing" -eq 0 ]
