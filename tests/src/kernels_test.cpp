@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -14,6 +15,13 @@
 #if defined(__aarch64__)
 #include <sys/auxv.h>
 #endif
+
+namespace test {
+
+/// What a test of one is called.
+inline void PrintTo(const KernelCalls& calls, std::ostream* out) { *out << calls.name; }
+
+}  // namespace test
 
 namespace {
 
