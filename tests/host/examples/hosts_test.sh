@@ -12,9 +12,11 @@ host=$4
 host_cpp=${5:-}
 stopngo=${6:-}
 top=$(cd "$(dirname "$0")/../../.." && pwd)
-cd "$top/weights"  # set_up.h names the weights without a folder
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+mkdir "$folder/empty"
+cp "$top"/weights/default.bin* "$folder"
+cd "$folder"  # set_up.h names the weights without a folder
 failures=0
 
 fail() {
@@ -67,10 +69,10 @@ refuses "time stamps" "$folder/two" 800 480 800 inf
 refuses "ends within a frame" "$folder/cut" 800 480 800 6
 refuses "cannot be read" "$folder" 800 480 800 6
 refuses "less than two frames" /dev/null 800 480 800 6
-cd "$folder"
+cd empty
 refuses "weights file" "$folder/two" 800 480 800 6
-cd "$top/weights"
-LD_LIBRARY_PATH=$folder refuses "libzetstopngo.so.1" "$folder/two" 800 480 800 6
+cd ..
+LD_LIBRARY_PATH=$folder/empty refuses "libzetstopngo.so.1" "$folder/two" 800 480 800 6
 if run "$host" 800 480 800 6 <"$folder/two" >/dev/full 2>"$folder/err"; then
   fail "decisions that nobody gets"
 fi
