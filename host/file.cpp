@@ -43,12 +43,16 @@ std::string ReadFile(const std::string& path, const FileKind& kind) {
   if (sized && static_cast<std::uint64_t>(status.st_size) > kind.limit)
     refuse_size(std::to_string(status.st_size));
 
-  constexpr std::size_t kPiece = std::size_t{1} << 16;
+  // A file of a few bytes takes few; some that say that they have none have some all the same.
+  constexpr std::uint64_t kLeast = std::uint64_t{1} << 12;
+  constexpr std::uint64_t kMost = std::uint64_t{1} << 16;
+  const std::uint64_t piece =
+      sized ? std::clamp(static_cast<std::uint64_t>(status.st_size) + 1, kLeast, kMost) : kMost;
   std::string bytes;
   for (;;) {
     const std::size_t had = bytes.size();
     // One byte more than the limit tells a file that goes on behind it.
-    bytes.resize(had + std::min<std::uint64_t>(kPiece, kind.limit + 1 - had));
+    bytes.resize(had + std::min(piece, kind.limit + 1 - had));
     errno = 0;
     const ssize_t count = read(file.Number(), bytes.data() + had, bytes.size() - had);
     if (count < 0 && errno != EINTR) fail(LastSystemError());

@@ -85,7 +85,8 @@ toml::table ParsedToml(const std::string& path) {
   const std::string text = ReadFile(path, kSettingsFile);
   RefuseNesting(path, text);
   try {
-    return toml::parse(text, path);
+    // Without the path: the library takes memory for it where a lack of memory ends the program.
+    return toml::parse(text);
   } catch (const toml::parse_error& fault) {
     const auto line = fault.source().begin.line;
     const std::string where = line > 0 ? ":" + std::to_string(line) : std::string();
