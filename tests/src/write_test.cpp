@@ -1,5 +1,6 @@
 // write_test.cpp: one frame's way through the detector: buffers, crops, filters, mirror, log.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <vector>
@@ -217,6 +218,36 @@ TEST(Write, SurvivesEveryAllocationFailure) {
     EXPECT_NE(detector->FrameNew, nullptr);
   }
   EXPECT_EQ(needed, 2);
+}
+
+int CountDecisions(void* count, int /*flag*/) { return ++*static_cast<int*>(count); }
+
+/// Hours of frames: alarms, holds, and settings that change while it runs.
+TEST(Write, TakesNoMemoryBehindItsTwoBuffers) {
+  constexpr int kWidth = 64;
+  constexpr int kHeight = 56;
+  constexpr int kFrames = 100'000;
+  const auto pictures = Noise(kWidth * kHeight + 32, 13);
+  constexpr int kScales[] = {0, 2, 4, 5, 6, 7, 8};
+  Detector detector;
+  int decisions = 0;
+  detector.Control(VEL_CTRL_STOPNGO_INPUT_WIDTH, kWidth, VEL_CTRL_STOPNGO_INPUT_HEIGHT, kHeight,
+                   VEL_CTRL_STOPNGO_SET_ORIGINAL_SIZE, kWidth, VEL_CTRL_STOPNGO_ROI_WIDTH, 50,
+                   VEL_CTRL_STOPNGO_ROI_HEIGHT, 42, VEL_CTRL_STOPNGO_SET_BLOCK_SIZE, 8,
+                   VEL_CTRL_STOPNGO_SET_FEATURES_COUNT, 4, VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK,
+                   &CountDecisions, VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS, &decisions);
+  detector.Update();
+  const test::HeapRule rule(test::HeapRule::Kind::kFailNth, 3);
+  std::size_t in_use = 0;
+  for (int i = 0; i < kFrames; ++i) {
+    detector.Control(VEL_CTRL_STOPNGO_SET_SCALE, kScales[i / 64 % std::size(kScales)],
+                     VEL_CTRL_STOPNGO_SET_FILTER, i / 16 % 3);
+    if (detector.Write(pictures.data() + i % 32) != 0) FAIL() << "frame " << i;
+    if (i == 1) in_use = mallinfo2().uordblks;
+  }
+  EXPECT_EQ(test::HeapRule::Allocations(), 2);
+  EXPECT_EQ(mallinfo2().uordblks, in_use) << "memory in use, from whatever routine";
+  EXPECT_GT(decisions, 1000) << "the frames have to be ones with alarms";
 }
 
 }  // namespace
