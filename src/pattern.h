@@ -7,7 +7,7 @@
 
 /// A group of Source pixels gives Output pixels; output pixel k of a group takes the source pixel at
 /// Offset[k] from the group's first one, and each group starts Source pixels after the previous one.
-/// Offsets never fall from one output pixel to the next, across groups neither.
+/// Offsets never fall from one output pixel to the next, across groups neither; that of a mere copy, 1 to 1, is 0.
 struct Pattern {
   data_08 Source;
   data_08 Output;  ///< 1 … 12

@@ -73,7 +73,8 @@ Pattern DrawPattern(Random& random) {
   if (random.Below(2) == 0) return kSimple[random.Below(std::size(kSimple))];
   Pattern pattern{
       static_cast<std::uint8_t>(1 + random.Below(21)), static_cast<std::uint8_t>(1 + random.Below(12)), {}};
-  const auto first = static_cast<std::uint8_t>(random.Below(4) == 0 ? random.Below(3) : 0);
+  const bool copy = pattern.Source == 1 && pattern.Output == 1;
+  const auto first = static_cast<std::uint8_t>(!copy && random.Below(4) == 0 ? random.Below(3) : 0);
   for (int i = 1; i < pattern.Output; ++i) {
     pattern.Offset[i] = static_cast<std::uint8_t>(random.Below(pattern.Source + 1U));
   }
