@@ -117,7 +117,12 @@ std::set<std::string> ReadSettingsFile(const std::string& path, Settings& settin
 }
 
 std::string TomlValue(std::string_view text) {
-  if (FiniteOf(text)) return std::string(text);
+  if (FiniteOf(text)) {
+    // Whole numbers have 64 bits in TOML. A larger one is one of those with a point.
+    const bool too_large =
+        text.find_first_of(".eE") == std::string_view::npos && !NumberOf<std::int64_t>(text);
+    return std::string(text).append(too_large ? ".0" : "");
+  }
   std::string value = "\"";
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
