@@ -5,6 +5,7 @@
 // each kind.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -35,10 +36,11 @@ void EnterFolder() {
   setenv("STOPNGO_WEIGHTS", "w", 1);
 }
 
-/// As a process would get them: none holds a zero.
+/// As a process would get them: none holds a zero. The first few: the parser looks for each among all options.
 std::vector<std::string> Arguments(std::string_view lines) {
+  constexpr std::size_t kMost = 12;
   std::vector<std::string> arguments;
-  while (!lines.empty()) {
+  while (!lines.empty() && arguments.size() < kMost) {
     const std::string_view line = lines.substr(0, lines.find('\n'));
     arguments.emplace_back(line.substr(0, line.find('\0')));
     lines.remove_prefix(std::min(line.size() + 1, lines.size()));
