@@ -78,7 +78,7 @@ void Sweep(const std::function<std::string()>& work) {
   EXPECT_GT(told, 5);
 }
 
-bool Nothing(const std::string& /*name*/) { return false; }
+bool NothingIsSettled(const std::string& /*name*/) { return false; }
 
 std::string Joined(const std::vector<std::string>& lines) {
   std::string text;
@@ -105,7 +105,7 @@ class Allocation : public testing::Test {
 TEST_F(Allocation, SettingsFile) {
   Sweep([this] {
     Settings settings;
-    (void)ReadSettingsFile(config_, settings, Nothing);
+    (void)ReadSettingsFile(config_, settings, NothingIsSettled);
     return Joined(SettingsLines(settings));
   });
 }

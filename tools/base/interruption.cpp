@@ -62,10 +62,14 @@ void CatchSignals() {
   Handle(SIGALRM);
 }
 
-void EndBySignal(int signal) {
+void RemoveUnfinished() {
   for (const std::atomic<const char*>& path : unfinished) {
     if (const char* const name = path) unlink(name);
   }
+}
+
+void EndBySignal(int signal) {
+  RemoveUnfinished();
   std::signal(signal, SIG_DFL);
   sigset_t blocked;
   sigemptyset(&blocked);

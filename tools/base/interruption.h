@@ -11,6 +11,9 @@ namespace stopngo {
 /// reads shows as a write that fails; see EndBySignal.
 void CatchSignals();
 
+/// Removes every unfinished file, for a program that is about to end whatever else is going on.
+void RemoveUnfinished();
+
 /// Ends the program by a signal, as if that had never been caught.
 [[noreturn]] void EndBySignal(int signal);
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <map>
@@ -135,9 +136,26 @@ void FinishOutput() {
   if (!std::cout || std::fflush(stdout) != 0) FailOutput();
 }
 
+constexpr const char* kNoMemory = "stopngo: not enough memory\n";
+
+// Libraries allocate where nothing may be thrown, in a destructor: without memory the language ends the program there.
+[[noreturn]] void EndWhereNothingMayBeThrown() {
+  RemoveUnfinished();
+  try {
+    if (const std::exception_ptr fault = std::current_exception()) std::rethrow_exception(fault);
+  } catch (const std::bad_alloc&) {
+    std::fputs(kNoMemory, stderr);
+    std::_Exit(kFailed);
+  } catch (...) {
+    std::abort();
+  }
+  std::abort();
+}
+
 int Main(int argc, char** argv) {
   OccupyClosedStreams();
   CatchSignals();
+  std::set_terminate(EndWhereNothingMayBeThrown);
   const auto tell = [](const char* sentence, ExitCode code) {
     std::cerr << "stopngo: " << Escaped(sentence) << '\n';
     return static_cast<int>(code);
@@ -152,7 +170,7 @@ int Main(int argc, char** argv) {
     return tell(failure.what(), failure.Code());
   } catch (const std::bad_alloc&) {
     // Not even a sentence is put together here.
-    std::fputs("stopngo: not enough memory\n", stderr);
+    std::fputs(kNoMemory, stderr);
     return kFailed;
   } catch (const std::exception& fault) {
     return tell(fault.what(), ExitCode::kFailed);
