@@ -77,6 +77,7 @@ std::string MisplacedWord(const CLI::App& part, const std::string& command) {
 
 std::string UnknownCommand(const std::string& word) {
   std::vector<std::string> known;
+  known.reserve(kSubcommands.size());
   for (const Entry& entry : kSubcommands) known.emplace_back(entry.name);
   return Quoted(word) + ": no such command" + MeantBy(word, known) + " (see stopngo --help)";
 }
