@@ -158,7 +158,8 @@ int Main(int argc, char** argv) {
   CatchSignals();
   std::set_terminate(EndWhereNothingMayBeThrown);
   const auto tell = [](const char* sentence, ExitCode code) {
-    std::cerr << "stopngo: " << Escaped(sentence) << '\n';
+    const std::string line = "stopngo: " + Escaped(sentence) + '\n';  // whole, before any of it is said
+    std::cerr << line;
     return static_cast<int>(code);
   };
   try {
