@@ -1,38 +1,39 @@
-// replay.cpp: gives a fuzz target every file of a folder, where no fuzzer is linked: a test of what was found once.
-#include <algorithm>
+// replay.cpp: gives a fuzz target every input of its corpus, where no fuzzer is linked: what was found once is found
+// again. A line of the corpus is an input, in hexadecimal digits.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
-#include <system_error>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+namespace {
+
+/// Of its own length, at whose end a sanitizer looks.
+std::vector<std::uint8_t> BytesOf(const std::string& digits) {
+  std::vector<std::uint8_t> bytes(digits.size() / 2);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = static_cast<std::uint8_t>(std::stoul(digits.substr(2 * i, 2), nullptr, 16));
+  }
+  return bytes;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fprintf(stderr, "usage: %s FOLDER\n", argv[0]);
+    std::fprintf(stderr, "usage: %s CORPUS\n", argv[0]);
     return 2;
   }
-  std::error_code error;
-  std::vector<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(argv[1], error)) paths.push_back(entry.path());
-  std::ranges::sort(paths);
-  for (const std::filesystem::path& path : paths) {
-    std::fprintf(stderr, "%s\n", path.filename().c_str());  // the last one told is the one that failed
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) {
-      std::fprintf(stderr, "cannot be read\n");
-      return 1;
-    }
-    // A copy of its own length, at whose end a sanitizer looks.
-    const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
+  std::ifstream corpus(argv[1]);
+  int inputs = 0;
+  for (std::string line; std::getline(corpus, line);) {
+    std::fprintf(stderr, "%s:%d\n", argv[1], ++inputs);  // the last one told is the one that failed
+    const std::vector<std::uint8_t> input = BytesOf(line);
     LLVMFuzzerTestOneInput(input.data(), input.size());
   }
-  std::fprintf(stderr, "%zu inputs of %s\n", paths.size(), argv[1]);
-  return paths.empty() ? 1 : 0;
+  std::fprintf(stderr, "%d inputs of %s\n", inputs, argv[1]);
+  return inputs > 0 ? 0 : 1;
 }
