@@ -56,7 +56,7 @@ std::string NegativeTimes(const Facts& f) {
                                    {"time-cooling", f.s.time_cooling},
                                    {"time-leaving", f.s.time_leaving},
                                    {"frame-skip", f.s.frame_skip}}) {
-    if (time.value < 0) names.append(names.empty() ? "" : ", ").append(name);
+    if (time.value < 0) Enlist(names, name);
   }
   return When(!names.empty(), names + ": a time below 0");
 }
@@ -99,8 +99,8 @@ std::string UnlikeWeights(const Facts& f) {
   for (const auto& [name, text] : f.setup.sidecar->settings) {
     const std::string own = TextOf(f.s, *FindSetting(name));
     if (std::ranges::count(kTrained, name) == 0 || own == text) continue;
-    differences.append(differences.empty() ? "" : ", ").append(name).append(" ").append(own);
-    differences.append(" instead of ").append(text);
+    Enlist(differences, name);
+    differences.append(" ").append(own).append(" instead of ").append(text);
   }
   return When(!differences.empty(), "the weights were trained for other settings: " + differences);
 }

@@ -52,6 +52,12 @@ inline std::string Quoted(std::string_view text) {
   return quoted;
 }
 
+/// Puts an item at the end of a list in a sentence.
+inline void Enlist(std::string& list, std::string_view item) {
+  if (!list.empty()) list += ", ";
+  list += item;
+}
+
 /// The shortest text that reads back as the same number.
 inline std::string NumberText(double number) {
   std::array<char, 32> text{};

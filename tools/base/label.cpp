@@ -5,6 +5,8 @@
 #include <array>
 #include <cstddef>
 
+#include "host/text.h"
+
 namespace stopngo {
 namespace {
 
@@ -22,7 +24,7 @@ std::optional<Activity> ActivityOf(std::string_view name) {
 
 std::string ActivityNames() {
   std::string names;
-  for (const std::string_view name : kNames) names.append(names.empty() ? "" : ", ").append(name);
+  for (const std::string_view name : kNames) Enlist(names, name);
   return names;
 }
 

@@ -131,7 +131,7 @@ SceneKindName SceneKindOf(std::string_view name) {
   std::string known;
   for (const SceneKindName& kind : SceneKinds()) {
     if (name == kind.name) return kind;
-    known += (known.empty() ? "" : ", ") + std::string(kind.name);
+    Enlist(known, kind.name);
   }
   throw Fault{"clip: " + Quoted(name) + " is no kind of scene: " + known};
 }

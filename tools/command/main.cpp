@@ -1,6 +1,5 @@
 // main.cpp: the stopngo command: its subcommands, and how it ends.
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -11,14 +10,13 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "base/interruption.h"
 #include "base/results.h"
+#include "command/misuse.h"
 #include "command/subcommand.h"
 #include "host/failure.h"
 #include "host/module.h"
-#include "host/spelling.h"
 #include "host/text.h"
 
 namespace stopngo {
@@ -26,7 +24,6 @@ namespace {
 
 constexpr int kDone = static_cast<int>(ExitCode::kDone);
 constexpr int kFailed = static_cast<int>(ExitCode::kFailed);
-constexpr int kUsage = static_cast<int>(ExitCode::kUsage);
 
 struct Entry {
   const char* name;
@@ -56,56 +53,6 @@ std::string Version() {
   }
 }
 
-/// What is wrong with the first word that a part of the command line has no place for; empty where there is none.
-std::string MisplacedWord(const CLI::App& part, const std::string& command) {
-  const std::vector<std::string> words = part.remaining();
-  // An option that is not known drags its value along.
-  const auto option =
-      std::ranges::find_if(words, [](const auto& word) { return word.size() > 1 && word[0] == '-'; });
-  if (option != words.end()) {
-    const std::string name = option->substr(0, option->find('='));
-    std::vector<std::string> known;
-    for (const CLI::Option* each : part.get_options()) {
-      for (const std::string& long_name : each->get_lnames()) known.push_back("--" + long_name);
-    }
-    return name + ": " + command + " has no such option" + MeantBy(name, known) + " (see " + command +
-           " --help)";
-  }
-  if (words.empty()) return {};
-  return Quoted(words.front()) + ": one argument too many for " + command;
-}
-
-std::string UnknownCommand(const std::string& word) {
-  std::vector<std::string> known;
-  known.reserve(kSubcommands.size());
-  for (const Entry& entry : kSubcommands) known.emplace_back(entry.name);
-  return Quoted(word) + ": no such command" + MeantBy(word, known) + " (see stopngo --help)";
-}
-
-/// What was not understood says more than what is missing for want of it.
-std::string FaultOf(const CLI::App& app, const std::string& fault) {
-  const std::vector<CLI::App*> chosen = app.get_subcommands();
-  const std::vector<std::string> words = app.remaining();
-  if (chosen.empty() && !words.empty() && words.front()[0] != '-') return UnknownCommand(words.front());
-  if (chosen.empty() && words.empty()) return "a command is missing (see stopngo --help)";
-  std::string misplaced = MisplacedWord(app, "stopngo");
-  if (misplaced.empty() && !chosen.empty()) {
-    misplaced = MisplacedWord(*chosen.front(), "stopngo " + chosen.front()->get_name());
-  }
-  return misplaced.empty() ? fault : misplaced;
-}
-
-int TellUsage(const std::string& sentence) {
-  std::cerr << "stopngo: " << Escaped(sentence) << '\n';
-  return kUsage;
-}
-
-// Help and version come as exceptions, too; everything else that parsing throws is wrong usage.
-int EndParsing(const CLI::App& app, const CLI::ParseError& end) {
-  if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
-  return TellUsage(FaultOf(app, end.what()));
-}
-
 int Execute(int argc, char** argv) {
   CLI::App app("Stop-and-go detector: runs it, shows why it decides, and makes scenes to try it on.",
                "stopngo");
@@ -121,9 +68,11 @@ int Execute(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& end) {
-    return EndParsing(app, end);
+    // Help and version come as exceptions, too; everything else that parsing throws is wrong usage.
+    if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(end);
+    throw Failure(MisuseOf(app, end.what()), ExitCode::kUsage);
   }
-  if (const std::string fault = FaultOf(app, {}); !fault.empty()) return TellUsage(fault);
+  if (const std::string misuse = MisuseOf(app, {}); !misuse.empty()) throw Failure(misuse, ExitCode::kUsage);
   Subcommand& chosen = *subcommands.at(app.get_subcommands().front());
   chosen.Complete();
   chosen.Run();

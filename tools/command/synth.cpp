@@ -84,7 +84,7 @@ SceneKind KindOf(const std::string& name) {
   std::string names;
   for (const SceneKindName& kind : SceneKinds()) {
     if (kind.name == name) return kind.kind;
-    names += std::string(names.empty() ? "" : ", ") + kind.name;
+    Enlist(names, kind.name);
   }
   throw Failure("--kind: " + name + " is none of " + names, ExitCode::kUsage);
 }

@@ -81,8 +81,8 @@ std::vector<Settings> Combinations(const Settings& settings, std::span<const Dim
 std::string InOneLine(const TuneArguments& arguments, const Settings& settings) {
   std::string line;
   for (const Dimension& dimension : arguments.dimensions) {
-    line += (line.empty() ? "" : ", ") + std::string(dimension.setting) + " = " +
-            TomlValue(TextOf(settings, SettingNamed(dimension.setting)));
+    Enlist(line, dimension.setting);
+    line += " = " + TomlValue(TextOf(settings, SettingNamed(dimension.setting)));
   }
   return line;
 }
