@@ -28,9 +28,13 @@ if(NOT STOPNGO_SANITIZE)
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 endif()
 
-# With STOPNGO_UNITY, a target's sources become a few: they share what takes longest, the headers of libraries.
-# Half a dozen each, so that processors share the work.
+# With STOPNGO_UNITY, or ALWAYS, a target's sources become a few: they share what takes longest, the headers of
+# libraries. Half a dozen each, so that processors share the work.
 function(compile_together target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${STOPNGO_UNITY} UNITY_BUILD_BATCH_SIZE 6
+  set(together ${STOPNGO_UNITY})
+  if("ALWAYS" IN_LIST ARGN)
+    set(together ON)
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${together} UNITY_BUILD_BATCH_SIZE 6
     UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
 endfunction()

@@ -21,7 +21,9 @@ function(stopngo_folder_tests folder)
   list(TRANSFORM folder_USES PREPEND stopngo_)
   target_link_libraries(${program} PRIVATE stopngo_${folder} ${folder_USES} stopngo_test_support
     stopngo_options test_options)
+  # A sanitizer's checks in thousands of assertions take longer to optimise than to run.
+  target_compile_options(${program} PRIVATE $<$<CONFIG:Debug>:-O0>)
   add_dependencies(${program} zetstopngo ${folder_NEEDS})
-  compile_together(${program})
+  compile_together(${program} ALWAYS)
   gtest_discover_tests(${program} TEST_PREFIX ${prefix}. DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${folder})
 endfunction()

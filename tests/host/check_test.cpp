@@ -40,12 +40,12 @@ std::string Codes(const Setup& setup) {
 
 using Change = std::function<void(Setup&)>;
 
-struct Case {
+struct CheckCase {
   const char* codes;  ///< all that are found, ! before an error
   Change change;
 };
 
-std::vector<Case> Cases(const std::string& short_file) {
+std::vector<CheckCase> Cases(const std::string& short_file) {
   return {
       {"", [](Setup&) {}},
       {"", [](Setup& s) { s.frames.reset(); }},
@@ -98,8 +98,8 @@ std::vector<Case> Cases(const std::string& short_file) {
 
 TEST(Check, EveryRuleFindsItsFaultAndNoOther) {
   const TemporaryFolder folder;
-  const std::vector<Case> cases = Cases(folder.File("short.bin", "four"));
-  for (const Case& one : cases) {
+  const std::vector<CheckCase> cases = Cases(folder.File("short.bin", "four"));
+  for (const CheckCase& one : cases) {
     auto setup = Sound();
     one.change(setup);
     EXPECT_EQ(Codes(setup), one.codes) << (&one - cases.data());

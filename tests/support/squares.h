@@ -20,4 +20,20 @@ inline std::string Squares(int width, int height, int right, int down) {
   return plane;
 }
 
+/// Which way the texture moves, pixels a picture.
+struct SquaresMove {
+  int right = 0;
+  int down = 0;
+};
+
+/// So many pictures of the working size as Y4M: the texture stands in the first half of them and then moves.
+inline std::string SquaresRecording(int fps, int pictures, SquaresMove move) {
+  std::string video = "YUV4MPEG2 W800 H480 F" + std::to_string(fps) + ":1 Ip A1:1 Cmono\n";
+  for (int i = 0; i < pictures; ++i) {
+    const int moved = i < pictures / 2 ? 0 : i - pictures / 2 + 1;
+    video.append("FRAME\n").append(Squares(800, 480, move.right * moved, move.down * moved));
+  }
+  return video;
+}
+
 }  // namespace stopngo::test

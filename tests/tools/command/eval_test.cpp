@@ -22,22 +22,6 @@ namespace {
 
 const std::string kLabelledClips = "clip\tregion\trate\tlabels\n";
 
-std::string Plane(int right, int down) { return Squares(kPictureWidth, kPictureHeight, right, down); }
-
-std::string Y4mHeader(int fps) {
-  return "YUV4MPEG2 W800 H480 F" + std::to_string(fps) + ":1 Ip A1:1 Cmono\n";
-}
-
-/// Ten frames a second; stands for 3 s, then moves by so much a frame for 3 s.
-std::string MovingClip(int right, int down) {
-  std::string video = Y4mHeader(10);
-  for (int i = 0; i < 60; ++i) {
-    const int moved = std::max(0, i - 29);
-    video += "FRAME\n" + Plane(right * moved, down * moved);
-  }
-  return video;
-}
-
 std::vector<nlohmann::json> JsonLines(const std::string& text, const std::string& type) {
   std::vector<nlohmann::json> lines;
   std::istringstream stream(text);
@@ -73,9 +57,7 @@ const std::string kAllFrames = "--no-weights --rate 0 --time-cooling 20 ";
 class Steady : public testing::Test {
  protected:
   Steady() {
-    std::string video = Y4mHeader(25);
-    for (int i = 0; i < 60; ++i) video += "FRAME\n" + Plane(0, 0);
-    static_cast<void>(folder.File("clip.y4m", video));
+    static_cast<void>(folder.File("clip.y4m", SquaresRecording(25, 60, {})));
     manifest = folder.File("list.tsv", kLabelledClips + "clip.y4m\t-\t-\t0 0.5 still;1 2.3 lead_departs\n");
   }
   TemporaryFolder folder;
@@ -188,8 +170,8 @@ TEST(Eval, ScenesGiveWhatRunSaysOfAFile) {
 // a difference of frames cannot tell from it.
 TEST(Eval, BaselinesAreAsGoodAsTheyCanBe) {
   const TemporaryFolder folder;
-  static_cast<void>(folder.File("up.y4m", MovingClip(0, -2)));
-  static_cast<void>(folder.File("right.y4m", MovingClip(2, 0)));
+  static_cast<void>(folder.File("up.y4m", SquaresRecording(10, 60, {0, -2})));
+  static_cast<void>(folder.File("right.y4m", SquaresRecording(10, 60, {2, 0})));
   const std::string up = "up.y4m\t-\t-\t0 2.9 still;2.9 6 lead_departs\n";
   const std::string both =
       folder.File("both.tsv", kLabelledClips + up + "right.y4m\t-\t-\t0 3 still;3 6 crossing\n");
@@ -214,8 +196,9 @@ TEST(Eval, BaselinesAreAsGoodAsTheyCanBe) {
 
 TEST(Eval, ResultsDoNotDependOnTheJobs) {
   const TemporaryFolder folder;
-  const std::string manifest =
-      folder.File("list.tsv", kLabelledClips + "synth:departure:1-2\t-\t-\t-\nsynth:standing:1\t-\t6\t-\n");
+  const std::string manifest = folder.File(
+      "list.tsv", kLabelledClips + "synth:departure:1\t-\t-\t-\nup.y4m\t-\t6\t0 3 still;3 6 lead_departs\n");
+  static_cast<void>(folder.File("up.y4m", SquaresRecording(10, 60, {0, -2})));
   const std::string eval = "eval --json --rate 8 --baseline flow " + manifest + " --weights " +
                            ContractionWeights(folder) + " --curve " + folder / "curve.tsv --jobs ";
   const CommandResult one = Stopngo(eval + "1");
@@ -231,7 +214,7 @@ TEST(Eval, RefusesWhatItCannotJudge) {
   const std::string good = folder.File("good.tsv", kLabelledClips + "synth:standing:1\t-\t-\t-\n");
   const std::string bad = folder.File("bad.tsv", kLabelledClips + "synth:standing:2-1\t-\t-\t-\n");
   const std::string text = folder.File("text.tsv", kLabelledClips + "good.tsv\t-\t-\t0 1 still\n");
-  static_cast<void>(folder.File("grey.y4m", Y4mHeader(1) + "FRAME\n" + Plane(0, 0)));
+  static_cast<void>(folder.File("grey.y4m", SquaresRecording(1, 1, {})));
   const std::string longer = folder.File("longer.tsv", kLabelledClips + "grey.y4m\t-\t-\t0 2.1 still\n");
   struct Case {
     std::string arguments;

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -24,22 +23,12 @@
 namespace stopngo::test {
 namespace {
 
-/// Eight seconds at 12 frames a second; from the middle on all moves.
-std::string MovingClip() {
-  std::string video = "YUV4MPEG2 W800 H480 F12:1 Ip A1:1 Cmono\n";
-  for (int i = 0; i < 96; ++i) {
-    const int moved = std::max(0, i - 48);
-    video += "FRAME\n" + Squares(kPictureWidth, kPictureHeight, moved, -2 * moved);
-  }
-  return video;
-}
-
 // What a network is trained on has to be what it will be shown.
 TEST(CollectTracks, FirstLookIsTheModulesOwnFramePath) {
   const TemporaryFolder folder;
   Clip clip;
   clip.name = clip.kind = "recording";
-  clip.source = folder.File("clip.y4m", MovingClip());
+  clip.source = folder.File("clip.y4m", SquaresRecording(12, 96, {1, -2}));
   clip.region = Region{290, 260, 220, 140};
   clip.labels = {{0, 4, Activity::kStill}, {4, 8, Activity::kLeadDeparts}};
   const Module module(STOPNGO_MODULE_FILE);
