@@ -29,12 +29,12 @@ if(NOT STOPNGO_SANITIZE)
 endif()
 
 # With STOPNGO_UNITY, or ALWAYS, a target's sources become a few: they share what takes longest, the headers of
-# libraries. Half a dozen each, so that processors share the work.
+# libraries. Half a dozen each (STOPNGO_UNITY_BATCH), so that processors share the work.
 function(compile_together target)
   set(together ${STOPNGO_UNITY})
   if("ALWAYS" IN_LIST ARGN)
     set(together ON)
   endif()
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${together} UNITY_BUILD_BATCH_SIZE 6
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${together} UNITY_BUILD_BATCH_SIZE ${STOPNGO_UNITY_BATCH}
     UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
 endfunction()

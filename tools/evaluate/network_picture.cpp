@@ -19,7 +19,7 @@ constexpr double kTitle = 30;       // a panel's first line
 constexpr double kCaption = 18;     // under the cells
 constexpr double kHeader = 92;      // the sheet's title and legend
 constexpr std::size_t kAcross = 4;  // panels in a row
-constexpr std::size_t kDirections = style::kDirections.size();
+constexpr std::size_t kArrows = style::kDirections.size();
 
 /// The grid of cells, and the weight that is drawn at full strength.
 struct Sheet {
@@ -32,7 +32,7 @@ struct Sheet {
   [[nodiscard]] double PanelHeight() const { return kTitle + GridHeight() + kCaption + kPadding; }
 };
 
-std::string Number(double value) { return Print("%+.2f", value); }
+std::string Signed(double value) { return Print("%+.2f", value); }
 
 /// A few large weights would leave all others dark: the largest fiftieth is drawn at full strength.
 double FullStrength(const Network& network) {
@@ -74,14 +74,14 @@ void DrawTriangle(Canvas& canvas, Point centre, const style::Direction& directio
 }
 
 void DrawFrame(Canvas& canvas, const Sheet& sheet, Point corner, std::span<const float> weights) {
-  for (std::size_t i = 0; i < weights.size() / kDirections; ++i) {
+  for (std::size_t i = 0; i < weights.size() / kArrows; ++i) {
     const std::size_t row = i / sheet.columns;
     const Box cell{corner.x + kCell * static_cast<double>(i % sheet.columns),
                    corner.y + kCell * static_cast<double>(row), kCell, kCell};
     canvas.Outline(cell, style::kTrack, 1);
-    for (std::size_t d = 0; d < kDirections; ++d) {
+    for (std::size_t d = 0; d < kArrows; ++d) {
       DrawTriangle(canvas, cell.Centre(), style::kDirections[d],
-                   ColourOf(weights[i * kDirections + d], sheet.full));
+                   ColourOf(weights[i * kArrows + d], sheet.full));
     }
   }
 }
@@ -92,12 +92,12 @@ void DrawPanel(Canvas& canvas, const Sheet& sheet, Point corner, const Network& 
   const TextStyle title{.size = 13, .colour = style::kText, .bold = true};
   const double line = corner.y + 20;
   canvas.Text("node " + std::to_string(node.index), {corner.x + kPadding, line}, title);
-  canvas.Text("output " + Number(node.output_weight), {corner.x + sheet.PanelWidth() / 2, line},
+  canvas.Text("output " + Signed(node.output_weight), {corner.x + sheet.PanelWidth() / 2, line},
               {.size = 13,
                .colour = node.output_weight < 0 ? style::kLowers : style::kRaises,
                .align = Align::kCentre,
                .bold = true});
-  canvas.Text("bias " + Number(node.bias), {corner.x + sheet.PanelWidth() - kPadding, line},
+  canvas.Text("bias " + Signed(node.bias), {corner.x + sheet.PanelWidth() - kPadding, line},
               {.size = 13, .colour = style::kMuted, .align = Align::kRight});
   const std::span<const float> weights = network.HiddenWeights(node.index);
   const std::size_t half = weights.size() / 2;
@@ -114,7 +114,7 @@ void DrawPanel(Canvas& canvas, const Sheet& sheet, Point corner, const Network& 
 /// A bar from the weight that lowers most to the one that raises most, and what the shapes mean.
 void DrawHeader(Canvas& canvas, const Sheet& sheet, const Network& network) {
   canvas.Text(std::to_string(network.inputs) + " inputs, " + std::to_string(network.hiddens) +
-                  " hidden nodes, output bias " + Number(network.OutputBias()),
+                  " hidden nodes, output bias " + Signed(network.OutputBias()),
               {kMargin, 36}, {.size = 18, .colour = style::kText, .bold = true});
   const TextStyle small{.size = 12, .colour = style::kMuted};
   canvas.Text(
@@ -128,7 +128,7 @@ void DrawHeader(Canvas& canvas, const Sheet& sheet, const Network& network) {
     const double weight = (2 * (i + 0.5) / kSteps - 1) * sheet.full;
     canvas.Fill({bar.x + i * kStep, bar.y, kStep, bar.height}, ColourOf(weight, sheet.full));
   }
-  canvas.Text("weight " + Number(-sheet.full) + " or less to " + Number(sheet.full) +
+  canvas.Text("weight " + Signed(-sheet.full) + " or less to " + Signed(sheet.full) +
                   " or more: motion lowers or raises the node's sum",
               {bar.Right() + kPadding, bar.Bottom()}, small);
 }
@@ -137,9 +137,8 @@ void DrawHeader(Canvas& canvas, const Sheet& sheet, const Network& network) {
 
 Canvas DrawNetwork(const Network& network, std::size_t columns) {
   const std::size_t features = network.inputs / 2;
-  const std::size_t cells = features / kDirections;
-  if (network.inputs == 0 || columns == 0 || network.inputs != 2 * kDirections * cells ||
-      cells % columns != 0) {
+  const std::size_t cells = features / kArrows;
+  if (network.inputs == 0 || columns == 0 || network.inputs != 2 * kArrows * cells || cells % columns != 0) {
     throw Failure(std::to_string(network.inputs) + " inputs are no two grids of cells, " +
                       std::to_string(columns) + " in a row (see --columns)",
                   ExitCode::kUsage);
