@@ -34,5 +34,6 @@ void AddCopyPeers(std::vector<Contestant>& peers);
 void AddOpenCvPeers(std::vector<Contestant>& peers);
 void AddLibyuvPeers(std::vector<Contestant>& peers);
 void AddEigenPeers(std::vector<Contestant>& peers);
+void AddCompositionPeers(std::vector<Contestant>& peers);
 
 }  // namespace bench

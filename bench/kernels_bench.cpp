@@ -87,6 +87,9 @@ std::vector<Contestant> Peers() {
 #if STOPNGO_WITH_OPENCV
   bench::AddOpenCvPeers(peers);
 #endif
+#if STOPNGO_WITH_COMPOSITION
+  bench::AddCompositionPeers(peers);
+#endif
   bench::AddCopyPeers(peers);
   return peers;
 }

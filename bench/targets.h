@@ -15,12 +15,15 @@ struct RatioTarget {
   double bound;
 };
 
+/// A tenth or so beyond what was seen: ratios differ between machines, and a miss shall be a slower kernel.
 inline constexpr RatioTarget kRatioTargets[] = {
-    {"Block_Match_TSS_", "avx2", Against::kPlain, 20},
-    {"Block_Match_TSS_", "avx512vnni", Against::kPlain, 34},
+    {"Block_Match_TSS_", "avx2", Against::kPlain, 17},
+    {"Block_Match_TSS_", "avx2", Against::kPeer, 0.70},
+    {"Block_Match_TSS_", "avx512vnni", Against::kPlain, 26},
+    {"Block_Match_TSS_", "avx512vnni", Against::kPeer, 0.45},
     {"Block_Local_Histogram_", nullptr, Against::kPlain, 15},
     {"Classify_Conversion_", nullptr, Against::kPlain, 7},
-    {"Classify_Feature_", nullptr, Against::kPlain, 8},
+    {"Classify_Feature_", nullptr, Against::kPlain, 7},
     // As fast as memory is copied: a tenth is left to noise.
     {"Image_Cropping_ Ratio 0", nullptr, Against::kPeer, 1.1},
     {"Image_Cropping_ Ratio 2", nullptr, Against::kPeer, 0.10},
@@ -40,19 +43,21 @@ inline constexpr RatioTarget kRatioTargets[] = {
     {"Image_Original_Cropping_ 1280 Ratio 6", nullptr, Against::kPeer, 0.13},
     {"Image_Original_Cropping_ 1280 Ratio 8", nullptr, Against::kPeer, 0.13},
     {"Image_Subsampling_2_", nullptr, Against::kPeer, 1.0},
-    {"Image_Subsampling_3_", nullptr, Against::kPeer, 0.15},
+    {"Image_Subsampling_3_", nullptr, Against::kPeer, 0.17},
     {"Image_ROI_2_", nullptr, Against::kPeer, 1.0},
-    {"Image_ROI_3_", nullptr, Against::kPeer, 0.15},
+    {"Image_ROI_3_", nullptr, Against::kPeer, 0.17},
     {"Image_Flipping_", nullptr, Against::kPeer, 0.75},
-    {"Image_Marking_", nullptr, Against::kPeer, 0.35},
-    {"image_median_filter", nullptr, Against::kPlain, 300},
-    {"image_median_filter", nullptr, Against::kPeer, 0.25},
-    {"image_gaussian_blur_filter", nullptr, Against::kPlain, 25},
-    {"image_gaussian_blur_filter", nullptr, Against::kPeer, 0.65},
+    {"Image_Marking_", nullptr, Against::kPeer, 0.40},
+    {"image_median_filter", nullptr, Against::kPlain, 270},
+    {"image_median_filter", nullptr, Against::kPeer, 0.28},
+    {"image_gaussian_blur_filter", nullptr, Against::kPlain, 22},
+    {"image_gaussian_blur_filter", nullptr, Against::kPeer, 0.70},
     {"median_filter", nullptr, Against::kPlain, 700},
     {"median_filter", nullptr, Against::kPeer, 0.13},
-    {"vel_stopngo_write", "avx2", Against::kPlain, 20},
-    {"vel_stopngo_write", "avx512vnni", Against::kPlain, 28},
+    {"vel_stopngo_write", "avx2", Against::kPlain, 16},
+    {"vel_stopngo_write", "avx2", Against::kPeer, 0.70},
+    {"vel_stopngo_write", "avx512vnni", Against::kPlain, 24},
+    {"vel_stopngo_write", "avx512vnni", Against::kPeer, 0.45},
 };
 
 struct CountTarget {
