@@ -241,6 +241,9 @@ void ReadInto(const std::string& path, std::vector<Clip>& clips) {
       ++number;
       const std::string_view line = rest.substr(0, rest.find('\n'));
       rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+      if (line.find('\0') != std::string_view::npos) {
+        throw Fault{"no text; a manifest is lines of clip, region, rate and labels"};
+      }
       if (line.size() > kLongestLine) throw Fault{"a line of " + std::to_string(line.size()) + " bytes"};
       if (Trimmed(line).empty() || line.starts_with('#')) continue;
       if (layout) {

@@ -95,7 +95,8 @@ void CheckCommand::Run() {
   const auto warnings = static_cast<std::ptrdiff_t>(findings.size()) - errors;
   if (errors == 0 && !emit_.empty()) Emit(setup);
   if (json_) WriteResult(JsonLine(Json{{"type", "summary"}, {"errors", errors}, {"warnings", warnings}}));
-  const std::string counts = Print("%td errors, %td warnings", errors, warnings);
+  const std::string counts =
+      Print("%td error%s, %td warning%s", errors, errors == 1 ? "" : "s", warnings, warnings == 1 ? "" : "s");
   if (errors > 0) throw Failure(counts + ": this cannot work", ExitCode::kUsage);
   if (strict_ && warnings > 0) throw Failure(counts + ", and --strict");
 }

@@ -65,6 +65,7 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
   const auto region = [&row](const std::string& cell) { return row("a.y4m\t" + cell + "\t-\t0 1 still\t-"); };
   const std::vector<Case> cases{
       {"clip\tregion\trate\tlabels\tcolour\n", ":1:", "unknown column 'colour'"},
+      {std::string("\0\0\0 ftypisom", 12), ":1:", "no text; a manifest is lines of clip"},
       {"clip\trate\tlabels\n", ":1:", "the column 'region' is missing"},
       {"clip\tregion\trate\tlabels\tclip\n", ":1:", "'clip' comes twice"},
       {kHeader + "a.y4m\t-\t-\t0 1 still\n", ":2:", "4 columns, where the header has 5"},
