@@ -77,7 +77,10 @@ class Evaluation {
         settings.back().threshold = threshold;
       }
     }
-    runs_ = RunClips(clips_, {"eval", settings, !arguments_.baselines.empty(), options_.jobs});
+    runs_ = RunClips(clips_, {.title = "eval",
+                              .settings = settings,
+                              .signals = !arguments_.baselines.empty(),
+                              .jobs = options_.jobs});
     RunBaselines();
     if (curve_table_) WriteCurveFiles(settings);
     options_.json ? TellJson() : Tell();

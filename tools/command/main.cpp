@@ -39,6 +39,7 @@ constexpr std::array kSubcommands{
     Entry{"render", "Draw what the module sees on a recording", DeclareRender},
     Entry{"train", "Make a weights file from labelled clips", DeclareTrain},
     Entry{"eval", "Judge a detector on labelled clips", DeclareEval},
+    Entry{"features", "Tell what the module's histograms look like in labelled clips", DeclareFeatures},
     Entry{"tune", "Search the decision's settings on labelled clips", DeclareTune},
     Entry{"check", "Say everything that speaks against a set-up", DeclareCheck},
     Entry{"weights", "Show and check a weights file", DeclareWeights},

@@ -29,6 +29,7 @@ std::unique_ptr<Subcommand> DeclareSynth(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareRender(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareTrain(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareEval(CLI::App& app);
+std::unique_ptr<Subcommand> DeclareFeatures(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareTune(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareWeights(CLI::App& app);
 

@@ -275,7 +275,8 @@ nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
   WriteFile(file.Path(), WeightsBytes(network));
   Settings settings = settings_;
   settings.weights = file.Path();
-  const std::vector<ClipRun> runs = RunClips(test_.clips, {"test clips", {&settings, 1}, false, jobs_});
+  const std::vector<ClipRun> runs =
+      RunClips(test_.clips, {.title = "test clips", .settings = {&settings, 1}, .jobs = jobs_});
   nlohmann::ordered_json figures;
   for (const NamedTally& kind : TallyKinds(test_.clips, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
   figures["all"] = FigureJson(TallyAll(runs, 0));

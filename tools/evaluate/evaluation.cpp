@@ -20,24 +20,15 @@ Settings SettingsFor(const OpenedClip& clip, const Settings& settings) {
   return Placed(settings, clip.region, info.width, info.height);
 }
 
-/// Settings that analyse every frame: no score is ever above 1, and so no hold begins.
-Settings Watching(Settings settings) {
-  settings.weights.clear();
-  settings.no_weights = true;
-  settings.threshold = 2;
-  settings.log = 0;
-  return settings;
-}
-
 class ClipRunner {
  public:
   ClipRunner(const Module& module, const RunOptions& options, const Clip& clip)
-      : clip_(OpenClip(clip, options.settings.front().rate, 0)) {
+      : options_(options), clip_(OpenClip(clip, options.settings.front().rate, 0)) {
     const SourceInfo& info = clip_.frames->Info();
     for (const Settings& settings : options.settings) {
       detectors_.push_back(std::make_unique<Detector>(module, SettingsFor(clip_, settings), info));
     }
-    if (options.signals) {
+    if (options.signals || options.motion) {
       const Settings watching = Watching(SettingsFor(clip_, options.settings.front()));
       watcher_ = std::make_unique<Detector>(module, watching, info);
     }
@@ -56,7 +47,8 @@ class ClipRunner {
         if (report.changed && report.decision == 1) alarms_s_[i].push_back(report.time_s);
       }
       if (!watcher_ || !watcher_->Write(frame).analysed) continue;
-      run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
+      if (options_.signals) run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
+      if (options_.motion) run_.motion.push_back(ReadMotion(frame.time_s, watcher_->Context()));
     }
     CheckEnd(clip_, last_s);
     for (const std::vector<double>& alarms_s : alarms_s_) run_.events.push_back(Judge(alarms_s, run_.labels));
@@ -64,6 +56,7 @@ class ClipRunner {
   }
 
  private:
+  const RunOptions& options_;
   OpenedClip clip_;
   std::vector<std::unique_ptr<Detector>> detectors_;
   std::unique_ptr<Detector> watcher_;
@@ -72,6 +65,14 @@ class ClipRunner {
 };
 
 }  // namespace
+
+Settings Watching(Settings settings) {
+  settings.weights.clear();
+  settings.no_weights = true;
+  settings.threshold = 2;
+  settings.log = 0;
+  return settings;
+}
 
 std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options) {
   const Module module;

@@ -8,6 +8,7 @@
 
 #include "clips/clip.h"
 #include "evaluate/baseline.h"
+#include "evaluate/pair_motion.h"
 #include "evaluate/tally.h"
 #include "host/detector.h"
 #include "host/settings.h"
@@ -20,14 +21,19 @@ struct ClipRun {
   double fps = 0;                          ///< of the frames handed over
   std::vector<std::vector<Event>> events;  ///< a list a setting: its alarms as judged, and what it missed
   std::vector<FrameSignals> signals;       ///< where they were asked for
+  std::vector<PairMotion> motion;          ///< likewise
 };
 
 struct RunOptions {
   std::string title;  ///< of the progress bar
   std::span<const Settings> settings;
   bool signals = false;
+  bool motion = false;
   int jobs = 1;
 };
+
+/// Settings that analyse every frame, for which no weights are needed: no score is ever above 1, and so no hold begins.
+Settings Watching(Settings settings);
 
 /// Runs a detector a setting over every clip, all of a clip's on the same frames. The runs come in the
 /// order of the clips, and are the same for any number of jobs. Throws Failure.

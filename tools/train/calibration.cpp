@@ -39,7 +39,8 @@ Calibration Calibrate(const Network& network, std::span<const Clip> clips, const
     tried.back().weights = files.emplace_back().Path();
     WriteFile(tried.back().weights, WeightsBytes(shifted));
   }
-  const std::vector<ClipRun> runs = RunClips(clips, {"calibrating", tried, false, jobs});
+  const std::vector<ClipRun> runs =
+      RunClips(clips, {.title = "calibrating", .settings = tried, .jobs = jobs});
   Calibration best;
   for (std::size_t i = 0; i < tried.size(); i++) {
     const Tally tally = TallyAll(runs, i);

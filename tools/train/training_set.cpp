@@ -9,6 +9,7 @@
 
 #include "base/parallel.h"
 #include "base/streams.h"
+#include "evaluate/evaluation.h"
 #include "host/failure.h"
 #include "vel_stopngo_ctx.h"
 
@@ -18,9 +19,6 @@ namespace {
 // Half a block and more: the edges of what moves then fall everywhere in the blocks, and a region that a
 // user has set a little off is no surprise.
 constexpr int kShift = 16;  // pixels
-
-/// Far above every score: no alarm, and so no hold in which nothing is analysed.
-constexpr double kNoAlarm = 2;
 
 /// Looks at the same frames: rendering or decoding them takes many times as long as their analysis.
 constexpr std::size_t kLooksARate = 3;
@@ -54,10 +52,7 @@ void Mirror(LumaFrame& frame) {
 
 Settings ForLook(Settings settings, const OpenedClip& clip, const Look& look) {
   const SourceInfo& info = clip.frames->Info();
-  settings.weights.clear();
-  settings.no_weights = true;
-  settings.threshold = kNoAlarm;
-  settings.log = 0;
+  settings = Watching(std::move(settings));
   settings.filter = look.filter;
   settings.scale = look.scale;
   settings.original_size.reset();

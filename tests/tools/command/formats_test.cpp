@@ -115,6 +115,7 @@ TEST_F(Formats, OfJudgementsAreDocumented) {
   const CommandResult tune =
       Stopngo("tune " + manifest + weights + "--try-filter none --try-threshold 0.4 --try-gap-op 2");
   EXPECT_EQ(KeysOf(tune.out), Both(figures_, Documented("### tune"))) << tune.err;
+  EXPECT_EQ(KeysOf(Stopngo("features --table --json " + manifest).out), Documented("### features"));
 }
 
 TEST_F(Formats, OfSettingsAndWeightsAreDocumented) {

@@ -1,0 +1,33 @@
+// pair_motion.cpp: the motion between two frames as the module's histogram has it, in a few figures.
+#include "evaluate/pair_motion.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace stopngo {
+namespace {
+
+/// Entries of a cell, in the histogram's order.
+enum CellEntry : std::size_t { kDown, kRight, kUp, kLeft, kCellEntries };
+
+/// Half a pixel a block: a cell in which something moves.
+constexpr int kBusyCell = 6;
+
+}  // namespace
+
+PairMotion ReadMotion(double time_s, const VEL_STOPNGO_CTX& ctx) {
+  PairMotion motion{.time_s = time_s, .sum = 0, .sideways = 0, .up = 0, .cells = 0};
+  double sideways = 0;
+  for (std::size_t cell = 0; cell < ctx.Features; cell += kCellEntries) {
+    const auto* const entries = ctx.MotionChunk + cell;
+    const int sum = entries[kDown] + entries[kRight] + entries[kUp] + entries[kLeft];
+    motion.sum += sum;
+    motion.up += entries[kUp];
+    sideways += entries[kRight] - entries[kLeft];
+    if (sum >= kBusyCell) ++motion.cells;
+  }
+  motion.sideways = std::abs(sideways);
+  return motion;
+}
+
+}  // namespace stopngo
