@@ -7,13 +7,12 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <random>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "base/file_place.h"
+#include "base/left_over.h"
 #include "host/failure.h"
 
 namespace stopngo {
@@ -21,16 +20,6 @@ namespace {
 
 constexpr unsigned kModeBits = 07777;
 constexpr unsigned kRightsAlone = 0777;  // without those that lend the owner's
-
-/// Of a length that every folder takes, however long the target's own name.
-std::string NameBeside(const std::string& target) {
-  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-  constexpr int kCount = 12;
-  static std::random_device random;
-  std::string name = ".stopngo-";
-  for (int i = 0; i < kCount; ++i) name += kLetters[random() % kLetters.size()];
-  return (std::filesystem::path(target).parent_path() / name).string();
-}
 
 /// Before there is anything in it to read.
 void TakeModeAndOwner(int file, const struct stat& old) {
@@ -77,6 +66,7 @@ void OutputFile::Open() {
 void OutputFile::OpenBeside(const struct stat* old) {
   constexpr mode_t kByUmask = 0666;
   constexpr mode_t kForNow = 0600;
+  WarnOfLeftOvers(target_);
   do {
     beside_.emplace(NameBeside(target_));
     file_.emplace(open(beside_->Path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
@@ -87,6 +77,7 @@ void OutputFile::OpenBeside(const struct stat* old) {
     beside_.reset();
     FailWriting(path_, error);
   }
+  MarkInUse(file_->Number());
   if (old != nullptr) TakeModeAndOwner(file_->Number(), *old);
 }
 
@@ -99,6 +90,9 @@ void OutputFile::Flush() {
 void OutputFile::Complete() {
   Flush();
   if (beside_ && fsync(file_->Number()) != 0) FailWriting(path_, errno);
+}
+
+void OutputFile::Close() {
   if (const int error = file_->Close()) FailWriting(path_, error);
 }
 
@@ -128,11 +122,16 @@ bool OutputFile::GiveBack() const {
   return place_ == Place::kNew && rename(target_.c_str(), beside) == 0;
 }
 
-/// The place is taken for good, also when the power fails next.
+/// What was there before is gone.
 void OutputFile::Settle() {
   if (!beside_) return;
   unlink(beside_->Path().c_str());
   beside_.reset();
+}
+
+/// The place is taken for good, also when the power fails next.
+void OutputFile::SyncFolder() const {
+  if (place_ == Place::kBeside) return;
   const Descriptor folder(open(FolderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // A folder may be one to write to and not to read.
   if (folder.Number() >= 0 && fsync(folder.Number()) != 0 && errno != EINVAL) FailWriting(path_, errno);
@@ -144,7 +143,9 @@ void CommitTogether(std::initializer_list<OutputFile*> files) {
     if (file != nullptr) present.push_back(file);
   }
   for (OutputFile* const file : present) file->Complete();
+  // From here on none is marked as in use: nothing is to be waited for.
   const SignalsWait wait;
+  for (OutputFile* const file : present) file->Close();
   std::size_t placed = 0;
   try {
     for (; placed < present.size(); ++placed) present[placed]->TakePlace(present.size() > 1);
@@ -157,6 +158,7 @@ void CommitTogether(std::initializer_list<OutputFile*> files) {
     throw Failure(sentence);
   }
   for (OutputFile* const file : present) file->Settle();
+  for (const OutputFile* const file : present) file->SyncFolder();
 }
 
 void WriteFile(const std::string& path, std::string_view bytes) {

@@ -50,9 +50,11 @@ class OutputFile {
   void Open();
   void OpenBeside(const struct stat* old);
   void Complete();
+  void Close();
   void TakePlace(bool revocable);
   [[nodiscard]] bool GiveBack() const;
   void Settle();
+  void SyncFolder() const;
 
   std::string path_;
   std::string target_;                    ///< the path, behind its links

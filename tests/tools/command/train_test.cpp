@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -127,6 +128,34 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
     EXPECT_EQ(folder_.Files(), files) << refused.arguments;
   }
 }
+
+#if defined(STOPNGO_KILL_AT_RENAME)
+// Weights, sidecar and report take their places one by one: what a kill in between leaves is refused by
+// whoever uses it, until only the report is missing. The next run names what else was left.
+TEST_F(TrainTest, AKillBetweenNamesLeavesNoSetThatPassesForAnother) {
+  const std::string clips = Manifest("clips.tsv", {"synth:departure:1"});
+  const std::string others = Manifest("others.tsv", {"synth:departure:2"});
+  const std::string weights = folder_ / "w.bin";
+  const std::string train = "train " + clips + " --validation " + others +
+                            " --rate 5 --looks 1 --iterations 2 " + "-o " + weights + " --report " +
+                            folder_ / "curves.png";
+  const auto killed = [&](int name, int seed) {
+    const std::string at =
+        "STOPNGO_KILL_AT=" + std::to_string(name) + " LD_PRELOAD=" STOPNGO_KILL_AT_RENAME " ";
+    EXPECT_EQ(Shell(at + STOPNGO_PROGRAM " " + train + " --seeds 1 --seed " + std::to_string(seed)).exit_code,
+              128 + SIGKILL);
+    return Stopngo("eval " + others + " --rate 5 --weights " + weights);
+  };
+  ExpectRefusal(killed(2, 1), 1, {weights, "No such file"});
+  const CommandResult whole = Stopngo(train + " --seeds 1");
+  EXPECT_EQ(whole.exit_code, 0) << whole.err;
+  EXPECT_NE(whole.err.find("killed"), std::string::npos) << whole.err;
+  const std::string bytes = ReadFile(weights);
+  ExpectRefusal(killed(2, 2), 1, {weights, "of other weights"});
+  EXPECT_EQ(killed(3, 2).exit_code, 0) << "the new set";
+  EXPECT_NE(ReadFile(weights), bytes);
+}
+#endif
 
 }  // namespace
 }  // namespace stopngo::test
