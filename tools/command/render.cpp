@@ -39,7 +39,8 @@ constexpr const char* kRenderFooter =
     R"(Drawn are the region of interest with a motion vector a block and the borders of the cells, the sums of
 every cell, score, alarm counter, hold timer and decision, and the scores of the last seconds. During a
 hold the module analyses nothing, and no vectors are drawn. A signal (Ctrl-C) ends the video with the last
-frame that was drawn; the summary says so, and the exit code is the signal's.
+frame that was drawn; the summary says so, the comment of an .mp4 or .mov as well, and the exit code is the
+signal's.
 
 Examples:
   stopngo render drive.mp4 seen.mp4 --weights weights.bin
@@ -128,9 +129,11 @@ struct Counts {
   long long frames = 0;
   long long alarms = 0;
   std::optional<double> first_alarm_s;
+  double last_s = 0;
 
   void Add(const FrameReport& report) {
     ++frames;
+    last_s = report.time_s;
     if (!report.changed || report.decision != 1) return;
     ++alarms;
     if (!first_alarm_s) first_alarm_s = report.time_s;
@@ -145,9 +148,9 @@ std::string Seconds(double time_s) {
   return text.insert(text.size() - 2, ".") + " s";
 }
 
+/// signal: that cut it short; null: none did.
 std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
-                    std::optional<double> still_s, const std::string& damage) {
-  const char* const signal = InterruptingSignal();
+                    std::optional<double> still_s, const char* signal, const std::string& damage) {
   if (arguments.json) {
     nlohmann::ordered_json line{{"input", arguments.source.input}};
     if (!outputs.video.empty()) line["output"] = outputs.video;
@@ -186,17 +189,21 @@ class Rendering {
 
   void Run() {
     RenderFrames();
+    cut_short_ = InterruptingSignal();
     ends_early_.Finishing();
-    if (still_.Missing() && !Interrupted()) {
+    if (still_.Missing() && cut_short_ == nullptr) {
       throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
     }
     if (debug_) WriteDebugPicture(debug_->Stream(), detector_.Context());
+    if (sink_ && cut_short_ != nullptr) {
+      sink_->Comment(std::string("cut short by ") + cut_short_ + " at " + Seconds(counts_.last_s));
+    }
     if (sink_) sink_->Finish();
     CommitTogether({video_ ? &*video_ : nullptr, still_.File(), debug_ ? &*debug_ : nullptr});
   }
 
   [[nodiscard]] std::string Tell(const std::string& damage) const {
-    return Summary(arguments_, outputs_, counts_, still_.TakenAt(), damage);
+    return Summary(arguments_, outputs_, counts_, still_.TakenAt(), cut_short_, damage);
   }
 
  private:
@@ -255,8 +262,9 @@ class Rendering {
   std::optional<OutputFile> video_;
   std::unique_ptr<VideoSink> sink_;  ///< none when only a still picture is wanted
   Counts counts_;
-  std::int64_t pictures_ = 0;  ///< written to the sink
-  double left_out_s_ = 0;      ///< of the recording's time
+  const char* cut_short_ = nullptr;  ///< the signal that did
+  std::int64_t pictures_ = 0;        ///< written to the sink
+  double left_out_s_ = 0;            ///< of the recording's time
 };
 
 class RenderCommand : public Subcommand {

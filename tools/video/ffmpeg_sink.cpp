@@ -122,6 +122,10 @@ class FfmpegSink : public VideoSink {
     Encode(frame_.get());
   }
 
+  void Comment(const std::string& sentence) override {
+    Must(av_dict_set(&format_->metadata, "comment", sentence.c_str(), 0));
+  }
+
   void Finish() override {
     Encode(nullptr);
     Must(Ffmpeg().av_write_trailer(format_.get()));

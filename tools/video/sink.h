@@ -15,7 +15,8 @@ enum class PixelFormat {
 };
 
 struct SinkOptions {
-  std::string path;  ///< ".y4m" or "-" gives Y4M; anything else is FFmpeg's, by its ending
+  std::string
+      path;  ///< ".y4m" or "-" gives Y4M; anything else is FFmpeg's, by its ending
   int width = 0;
   int height = 0;
   double fps = 25;
@@ -27,6 +28,9 @@ class VideoSink {
   virtual ~VideoSink() = default;
   /// One picture, rows without padding. Throws Failure.
   virtual void Write(std::span<const std::uint8_t> picture) = 0;
+  /// A sentence about the video that its file is to tell, where the format has a place for it that is written last:
+  /// those of the .mp4 family. To be given before Finish.
+  virtual void Comment(const std::string& sentence) = 0;
   /// Writes what is still to come; the file can be committed then.
   virtual void Finish() = 0;
 };

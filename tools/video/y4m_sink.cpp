@@ -31,6 +31,7 @@ class Y4mSink : public VideoSink {
     file_.Flush();  // who reads at the other end of a pipe gets whole pictures
   }
 
+  void Comment(const std::string& /*sentence*/) override {}
   void Finish() override {}
 
  private:

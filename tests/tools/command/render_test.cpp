@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -226,6 +227,21 @@ TEST_F(RenderTest, RefusalsNameTheThingAndLeaveNothing) {
   }
   EXPECT_EQ(ReadFile(clip), before);
 }
+
+#if STOPNGO_WITH_FFMPEG
+TEST_F(RenderTest, AVideoThatIsCutShortTellsThatItself) {
+  const std::string video = folder_ / "seen.mp4";
+  const std::string clip = Clip(800, 480);
+  // The input never ends, and has been drawn in part when the signal comes.
+  const CommandResult result =
+      Shell("mkfifo " + folder_ / "pipe; " STOPNGO_PROGRAM " render " + folder_ / "pipe " + video +
+            kEveryFrame + " & exec 3> " + folder_ / "pipe; cat " + clip + " >&3; kill -INT $!; wait $!");
+  EXPECT_EQ(result.exit_code, 128 + SIGINT) << result.err;
+  EXPECT_NE(ReadFile(video).find("cut short by SIGINT at 0."), std::string::npos);
+  ASSERT_EQ(Stopngo("render " + clip + " " + video + kEveryFrame).exit_code, 0);
+  EXPECT_EQ(ReadFile(video).find("cut short"), std::string::npos);
+}
+#endif
 
 }  // namespace
 }  // namespace stopngo::test
