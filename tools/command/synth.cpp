@@ -1,4 +1,6 @@
 // synth.cpp: stopngo synth: renders a scene in which the vehicle ahead departs, with its labels.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cstdint>
@@ -10,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/file_place.h"
 #include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/progress.h"
@@ -178,7 +181,9 @@ class SynthCommand : public Subcommand {
   void Run() override;
 
  private:
-  [[nodiscard]] bool ToStandardOutput() const { return arguments_.output == "-"; }
+  [[nodiscard]] bool ToStandardOutput() const {
+    return OpenDescriptor(arguments_.output, STDOUT_FILENO) == STDOUT_FILENO;
+  }
   void RenderAll();
 
   SynthArguments arguments_;
@@ -204,7 +209,8 @@ SynthCommand::SynthCommand(CLI::App& app) {
                  "Of the vehicle, m/s², reached after 0.8 s (1.2)");
   app.add_option("--vibration", arguments_.vibration, "Largest shake of the picture, pixels (0.4)");
   app.add_option("--noise", arguments_.noise, "Standard deviation of the sensor noise, grey levels (2)");
-  app.add_option("--labels", arguments_.labels, "Labels file (default: OUTPUT.labels.tsv; none for -)");
+  app.add_option("--labels", arguments_.labels,
+                 "Labels file (default: OUTPUT.labels.tsv; none for - and /dev/fd/N)");
   app.add_flag("--json", arguments_.json, "Describe the clip as one line of JSON");
   app.footer(
       "A signal (Ctrl-C) leaves no part of a clip, and what was there before as it was.\n\n"
@@ -220,7 +226,10 @@ void SynthCommand::Complete() {
   if (arguments_.list_kinds) return;
   if (arguments_.output.empty()) throw Failure("output is required", ExitCode::kUsage);
   options_ = MakeOptions(arguments_);
-  if (arguments_.labels.empty() && !ToStandardOutput()) arguments_.labels = arguments_.output + ".labels.tsv";
+  // Nothing lies beside a file that has only the number by which it was opened.
+  if (arguments_.labels.empty() && !OpenDescriptor(arguments_.output, STDOUT_FILENO)) {
+    arguments_.labels = arguments_.output + ".labels.tsv";
+  }
   FileRegister files;
   files.Writes(arguments_.output, "the video");
   files.Writes(arguments_.labels, "the labels");

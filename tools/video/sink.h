@@ -16,7 +16,7 @@ enum class PixelFormat {
 
 struct SinkOptions {
   std::string
-      path;  ///< ".y4m" or "-" gives Y4M; anything else is FFmpeg's, by its ending
+      path;  ///< ".y4m", "-" and what else is open already (/dev/fd/N) give Y4M; anything else is FFmpeg's, by its ending
   int width = 0;
   int height = 0;
   double fps = 25;

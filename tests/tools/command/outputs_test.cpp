@@ -28,6 +28,21 @@ TEST_F(OutputsTest, StandardStreamsAreWrittenInPlace) {
   EXPECT_EQ(folder_.Files(), 1U);
 }
 
+// What a shell gives a command for >(…) is a pipe by its number: no folder of the user's, and no ending.
+TEST_F(OutputsTest, ScenesGoToOpenFilesAsToStandardOutput) {
+  const std::string synth = "synth /dev/fd/3 --length 0.2 --size 64x48";
+  const CommandResult scene = Stopngo(synth + " 3> " + folder_ / "v.y4m");
+  EXPECT_EQ(scene.exit_code, 0) << scene.err;
+  EXPECT_NE(scene.out.find("5 frames"), std::string::npos) << scene.out;
+  EXPECT_TRUE(ReadFile(folder_ / "v.y4m").starts_with("YUV4MPEG2"));
+  EXPECT_EQ(folder_.Files(), 1U);
+  const CommandResult piped = Stopngo("synth /dev/stdout --length 0.2 --size 64x48 | cat");
+  EXPECT_TRUE(piped.out.starts_with("YUV4MPEG2"));
+  EXPECT_EQ(piped.out.find("5 frames"), std::string::npos) << "that is said on standard error";
+  EXPECT_EQ(Stopngo(synth + " --labels " + folder_ / "labels 3> " + folder_ / "v.y4m").exit_code, 0);
+  EXPECT_EQ(folder_.Files(), 2U);
+}
+
 // A file would get the text of a stream that is not there.
 TEST_F(OutputsTest, ClosedStreamsAreNoFiles) {
   const std::string video = folder_ / "v.y4m";
