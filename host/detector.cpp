@@ -2,6 +2,7 @@
 #include "host/detector.h"
 
 #include <chrono>
+#include <cstdio>
 #include <new>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 #include "host/misfit.h"
 #include "host/setting_table.h"
 #include "host/stdout_guard.h"
+#include "host/text.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
@@ -47,6 +49,7 @@ struct Detector::State {
     operations.control(context.get(), code, value, VEL_CTRL_STOPNGO_END);
   }
   void SendInternal(VEL_CTRL_STOPNGO code, const Settings& settings);
+  void LoadWeights(const Settings& settings);
   void SendPath(VEL_CTRL_STOPNGO code, const Settings& settings);
   void MakeFramebuffer(const Settings& settings);
   std::string RefusalOf(LumaFrame& frame);
@@ -68,10 +71,23 @@ void Detector::State::SendInternal(VEL_CTRL_STOPNGO code, const Settings& settin
   } else if (code == VEL_CTRL_STOPNGO_SET_EVENT_CALLBACK_ARGS) {
     Control(code, static_cast<void*>(&report));
   } else if (code == VEL_CTRL_STOPNGO_LOAD_CLASSIFY && !settings.weights.empty()) {
-    int result = -1;
-    Control(code, &result);
-    if (result != 0) throw Failure(settings.weights + ": the module could not read the weights");
+    LoadWeights(settings);
   }
+}
+
+// Loading prints a line whatever the log level, with the file's name as it is; here it is one of the log's, and
+// escaped as all that tells a name.
+void Detector::State::LoadWeights(const Settings& settings) {
+  int result = -1;
+  std::string line;
+  {
+    const StdoutGuard guard(settings.log > 0 ? ModuleLines::kKept : ModuleLines::kDropped);
+    Control(VEL_CTRL_STOPNGO_LOAD_CLASSIFY, &result);
+    line = guard.Text();
+  }
+  if (line.ends_with('\n')) line.pop_back();
+  if (!line.empty()) std::fprintf(stderr, "%s\n", Escaped(line).c_str());
+  if (result != 0) throw Failure(settings.weights + ": the module could not read the weights");
 }
 
 void Detector::State::SendPath(VEL_CTRL_STOPNGO code, const Settings& settings) {
@@ -118,8 +134,6 @@ Detector::Detector(const Module& module, const Settings& settings, const FrameFo
         "no weights: give a file with --weights, or --no-weights to run with a score of 0.5 on every frame",
         ExitCode::kUsage);
   }
-  // Loading prints its line whatever the log level; here it is one of the log's.
-  const StdoutGuard guard(settings.log > 0 ? ModuleLines::kMessages : ModuleLines::kDropped);
   State& state = *state_;
   for (const Setting& setting : SettingTable()) {
     if (setting.code == VEL_CTRL_STOPNGO_END) continue;

@@ -336,6 +336,17 @@ TEST(RunTest, StandardOutputThatFailsEndsTheRun) {
   ExpectRefusal(unread("run --no-weights gone.y4m"), 1, {"gone.y4m"});
 }
 
+TEST(RunTest, TheLogCannotSteerATerminalByAFilesName) {
+  const TemporaryFolder folder;
+  const std::string weights = folder.File("w\x1b[2J\n.bin", std::string(10372, '\1'));
+  const std::string run = "run - --rate 0 --raw 800x480 --log 1 --weights '" + weights + "'";
+  const CommandResult result = Stopngo(run, RawVideo(2));
+  EXPECT_EQ(result.exit_code, 0) << result.err;
+  ExpectWords(result.err,
+              {"load classify. path:", "/w\\u001b[2J\\u000a.bin, feature:160, hidden:16, result:0\n"});
+  EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
+}
+
 #if STOPNGO_WITH_FFMPEG
 TEST(RunTest, OriginalFramesAreHandedOverAsTheyAre) {
   const TemporaryFolder folder;
