@@ -1,16 +1,19 @@
 // left_over.cpp: the names beside outputs, and what a run that was killed left under one.
 #include "base/left_over.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
+#include <memory>
+#include <new>
 #include <random>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -43,13 +46,23 @@ bool IsLeftOver(const fs::path& path) {
          flock(file.Number(), LOCK_SH | LOCK_NB) == 0;
 }
 
+// The language's own way to read a folder ends the program where memory is short.
+std::vector<fs::path> FilesBeside(const fs::path& folder) {
+  struct Closing {
+    void operator()(DIR* opened) const { closedir(opened); }
+  };
+  std::vector<fs::path> found;
+  const std::unique_ptr<DIR, Closing> opened(opendir(folder.c_str()));
+  if (!opened && errno == ENOMEM) throw std::bad_alloc();
+  while (const dirent* const entry = opened ? readdir(opened.get()) : nullptr) {
+    if (IsNameBeside(entry->d_name)) found.push_back(folder / entry->d_name);
+  }
+  return found;
+}
+
 /// In the order of their names.
 std::vector<fs::path> LeftOvers(const fs::path& folder) {
-  std::vector<fs::path> found;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (IsNameBeside(entry->path().filename().string())) found.push_back(entry->path());
-  }
+  std::vector<fs::path> found = FilesBeside(folder);
   const auto in_use = [](const fs::path& path) { return !IsLeftOver(path); };
   std::erase_if(found, in_use);
   if (found.empty()) return found;

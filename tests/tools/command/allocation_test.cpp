@@ -36,10 +36,15 @@ class AllocationTest : public testing::Test {
     for (int i = 0; i < 4; ++i) video += "FRAME\n" + Squares(800, 480, i, 2 * i);
     (void)folder_.File("v.y4m", video);
     (void)folder_.File("w.bin", std::string(10372, '\1'));
-    (void)folder_.File("clips.tsv", "clip\tregion\trate\tlabels\nv.y4m\t-\t-\t0 0.6 still\n");
+    const std::string head = "clip\tregion\trate\tlabels\n";
+    (void)folder_.File("clips.tsv", head + "v.y4m\t-\t-\t0 0.6 still\n");
+    fs::copy_file(folder_ / "v.y4m", folder_ / "u.y4m");
+    const std::string departs = "\t-\t-\t0 0.2 still; 0.2 0.6 lead_departs\n";
+    (void)folder_.File("trained.tsv", head + "v.y4m" + departs);
+    (void)folder_.File("validation.tsv", head + "u.y4m" + departs);
   }
 
-  /// Runs a command, which may write old.tsv, without one allocation after the other. result: the ending of what it
+  /// Runs a command, which may write old.tsv and old.tsv.json, without one allocation after the other. result: the ending of what it
   /// gives besides that says what came out.
   void Sweep(const std::string& arguments, const char* result) {
     SCOPED_TRACE(arguments);
@@ -60,6 +65,7 @@ class AllocationTest : public testing::Test {
       SCOPED_TRACE("without allocation " + number);
       if (Left(number, "code") == "0\n") {
         EXPECT_EQ(WithoutTimes(Left(number, result)), WithoutTimes(Left("0", result)));
+        EXPECT_EQ(Left(number, "json"), Left("0", "json"));
       } else {
         ExpectFailure(number);
         ++failed;
@@ -79,6 +85,11 @@ class AllocationTest : public testing::Test {
     const std::string told = Left(number, "err");
     EXPECT_EQ(told.rfind("stopngo: ", 0), 0U) << told;
     EXPECT_EQ(std::ranges::count(told, '\n'), 1) << told;
+    // Where the results could not be told any more, a set is the new one, and whole.
+    const bool told_less =
+        Left(number, "json") == Left("0", "json") && Left(number, "tsv") == Left("0", "tsv");
+    EXPECT_TRUE(Left(number, "json") == "old" || told_less);
+    if (told_less) return;
     // Traces are followed while they are written: there is as much of one as there was memory for.
     const std::string table = Left(number, "tsv");
     const std::string rows = WithoutTimes(table.substr(0, table.find("# cut short: not enough memory\n")));
@@ -90,6 +101,14 @@ TEST_F(AllocationTest, Run) { Sweep("run v.y4m --weights w.bin --time-leaving 1 
 
 TEST_F(AllocationTest, Evaluation) {
   Sweep("eval clips.tsv --weights w.bin --jobs 2 --baseline flow", "out");
+}
+
+TEST_F(AllocationTest, Training) {
+  Sweep(
+      "train trained.tsv --validation validation.tsv --looks 2 --seeds 1 --iterations 2 --time-leaving 0 "
+      "--jobs 2 "
+      "-o old.tsv",
+      "tsv");
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
  *
  * Loaded ahead of the C library, it takes the place of main: a copy of the process that is about to run does the
  * program's work, so that loading it costs once. In the folder $STOPNGO_SWEEP, for the run without allocation N, it
- * leaves N.code (the exit code, or 128 + the signal), N.out, N.err, and N.tsv: what became of old.tsv. N = 0 is the
- * run that lacks none. Of the others there are $STOPNGO_SWEEP_RUNS, the closer together the later they come, for most
+ * leaves N.code (the exit code, or 128 + the signal), N.out, N.err, N.tsv: what became of old.tsv, and N.json: of
+ * old.tsv.json. N = 0 is the run that lacks none. Of the others there are $STOPNGO_SWEEP_RUNS, the closer together the later they come, for most
  * allocations are of the options' declarations; $STOPNGO_SWEEP_SHIFT, below 1, moves them all. 0: one for each. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -53,11 +53,16 @@ static void send(int descriptor, long number, const char* ending) {
   close(file);
 }
 
+static void leave_old(const char* name) {
+  FILE* const old = fopen(name, "w");
+  if (old == NULL || fputs("old", old) < 0 || fclose(old) != 0) _exit(99);
+}
+
 /* One run; how many allocations it asked for. */
 static long run(long number, long* counter, int argc, char** argv, char** environment) {
   char name[64];
-  FILE* const old = fopen("old.tsv", "w");
-  if (old == NULL || fputs("old", old) < 0 || fclose(old) != 0) _exit(99);
+  leave_old("old.tsv");
+  leave_old("old.tsv.json");
   *counter = 0;
   const pid_t child = fork();
   if (child < 0) _exit(99);
@@ -79,6 +84,8 @@ static long run(long number, long* counter, int argc, char** argv, char** enviro
   fclose(code);
   snprintf(name, sizeof name, "%ld.tsv", number);
   rename("old.tsv", name);
+  snprintf(name, sizeof name, "%ld.json", number);
+  rename("old.tsv.json", name);
   return *counter;
 }
 
