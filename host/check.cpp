@@ -7,6 +7,7 @@
 
 #include "host/detector.h"
 #include "host/failure.h"
+#include "host/gate.h"
 #include "host/setting_table.h"
 #include "host/text.h"
 #include "host/weights_file.h"
@@ -18,6 +19,9 @@ namespace {
 constexpr double kNextDeparture_s = 15;
 /// An alarm that comes later after a departure is of no use, seconds.
 constexpr double kLatest_s = 3;
+
+/// Luma.
+constexpr double kBrightest = 255;
 
 /// What the rules below ask: the set-up, and what follows from it.
 struct Facts {
@@ -59,6 +63,35 @@ std::string NegativeTimes(const Facts& f) {
     if (time.value < 0) Enlist(names, name);
   }
   return When(!names.empty(), names + ": a time below 0");
+}
+
+struct Limit {
+  const char* name;
+  double value;
+  double least;
+};
+
+/// Times are at least 0 already: a time is taken as nothing else.
+std::string BadGateLimits(const Facts& f) {
+  std::string sentence;
+  for (const auto& [name, value, least] :
+       {Limit{"light-rate", f.s.light_rate, 0},
+        {"speed-above", f.s.speed_above, 0},
+        {"once-calm", static_cast<double>(f.s.once_calm), 0},
+        {"once-busy", static_cast<double>(f.s.once_busy), static_cast<double>(f.s.once_calm)},
+        {"picture-black", f.s.picture_black, 0}}) {
+    if (value < least) Enlist(sentence, Print("%s %.6g is below %.6g", name, value, least));
+  }
+  if (f.s.picture_black > kBrightest) Enlist(sentence, "picture-black: every picture is darker");
+  return sentence;
+}
+
+/// Between two frames there is always so much time.
+std::string AlwaysLost(const Facts& f) {
+  const bool on = (f.s.gates & BitOf(GateKind::kPicture)) != 0;
+  const double period_s = 1 / f.frames.fps;
+  return When(on && f.s.picture_lost_s < period_s,
+              Print("frames are %.6g s apart, and picture-lost is %.6g s", period_s, f.s.picture_lost_s));
 }
 
 std::string BadWeights(const Facts& f) {
@@ -170,6 +203,9 @@ constexpr std::array kRules{
     Rule{"frame-refused", kError, "roi-x",
          "choose a region, blocks and a network that fit each other and the frame",
          [](const Facts& f) { return f.refused; }},
+    Rule{"gate-limit", kError, "gates", "see docs/integrating.md for what the gates' settings mean",
+         BadGateLimits},
+    Rule{"always-lost", kError, "picture-lost", "take several times the time between two frames", AlwaysLost},
     Rule{"unlike-weights", kWarning, "weights", "take the weights' own settings, or train for these",
          UnlikeWeights},
     Rule{"other-features", kWarning, "roi-width",
@@ -241,6 +277,7 @@ std::string RefusalOf(const Module& module, const Facts& f) {
   settings.weights.clear();
   settings.no_weights = true;
   settings.log = 0;
+  settings.gates = 0;
   settings.frame_skip = settings.time_cooling = {0, false};
   LumaFrame frame;
   frame.width = f.frames.width;

@@ -1,9 +1,13 @@
 // detector.cpp: one detector running in the module, as a device's host would drive it.
 #include "host/detector.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdint>
 #include <new>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +32,20 @@ struct Report {
 int TakeDecision(void* param, int flag) {
   *static_cast<Report*>(param) = {true, flag};
   return 0;
+}
+
+GateFrame GateFrameOf(const FrameReport& report, const VEL_STOPNGO_CTX& context) {
+  GateFrame frame;
+  frame.time_s = report.time_s;
+  frame.decided = report.decided;
+  frame.decision = report.decision;
+  frame.score = report.score;
+  if (!report.analysed) return frame;
+  constexpr std::uint64_t kDirections = 4;
+  const std::uint64_t entries = kDirections * context.SumX * context.SumY;
+  frame.histogram = std::span(context.MotionChunk).first(std::min<std::uint64_t>(entries, kChunkCapacity));
+  frame.columns = static_cast<int>(context.SumX);
+  return frame;
 }
 
 }  // namespace
@@ -59,6 +77,7 @@ struct Detector::State {
   std::unique_ptr<VEL_STOPNGO_CTX> context;
   FrameFormat frames;
   std::vector<char> framebuffer;
+  std::optional<Gates> gates;
   Report report;
 };
 
@@ -155,13 +174,22 @@ Detector::Detector(const Module& module, const Settings& settings, const FrameFo
       void operator()(std::string Settings::*) const { state.SendPath(code, settings); }
       void operator()(bool Settings::*field) const { state.Control(code, settings.*field ? 1 : 0); }
       void operator()(const Choice& choice) const { state.Control(code, settings.*choice.field); }
+      void operator()(const SecondsField&) const {}  // of no code: the module counts frames
+      void operator()(const NameSet&) const {}
     };
     std::visit(Sender{state, settings, setting.code}, setting.field);
   }
   CheckFrameSize(*state.context, frames);
+  if (settings.gates != 0) state.gates.emplace(module, settings, frames.fps);
 }
 
 Detector::~Detector() = default;
+
+void Detector::SetSpeed(double speed, double time_s) {
+  if (state_->gates) state_->gates->SetSpeed(speed, time_s);
+}
+
+const char* Detector::TakeRemark() { return state_->gates ? state_->gates->TakeRemark() : nullptr; }
 
 FrameReport Detector::Write(LumaFrame& frame) {
   State& state = *state_;
@@ -173,6 +201,10 @@ FrameReport Detector::Write(LumaFrame& frame) {
   FrameReport report;
   report.index = frame.index;
   report.time_s = frame.time_s;
+  if (state.gates) {
+    state.gates->Before(frame.time_s, context);
+    report.closed = state.gates->Closed();
+  }
   // The write itself may end a hold or start one, so what it is going to do is read off before.
   report.decided = context.FrameOld != nullptr;
   report.analysed = report.decided && !InHold(context);
@@ -196,6 +228,9 @@ FrameReport Detector::Write(LumaFrame& frame) {
   report.hold_timer = context.AlarmCounter[1];
   report.changed = state.report.came;
   report.decision = report.changed ? state.report.decision : context.Flag;
+  if (state.gates) {
+    state.gates->After(GateFrameOf(report, context), context);
+  }
   return report;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "host/gates.h"
 #include "host/luma.h"
 #include "host/module.h"
 #include "host/settings.h"
@@ -24,6 +25,7 @@ struct FrameReport {
   int decision = 0;
   bool changed = false;  ///< the callback came
   double write_ns = 0;   ///< time spent in write
+  ClosedGates closed{};  ///< gates that held the module during this write
 };
 
 class Detector {
@@ -37,6 +39,11 @@ class Detector {
 
   /// Throws Failure when the module refuses the frame, std::bad_alloc when it lacked the memory for it.
   FrameReport Write(LumaFrame& frame);
+  /// The own vehicle's speed, for its gates, in the unit of the settings' `speed-above` and at a time on the frames'
+  /// clock. Without gates it is of no use, and does nothing.
+  void SetSpeed(double speed, double time_s);
+  /// What is wrong with an input of the gates, each once, in a sentence; null: nothing more.
+  [[nodiscard]] const char* TakeRemark();
   /// The detector's record, for vectors, histograms and geometry: see vel_stopngo_ctx.h.
   [[nodiscard]] const VEL_STOPNGO_CTX& Context() const;
 

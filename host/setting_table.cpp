@@ -8,14 +8,17 @@
 #include <limits>
 #include <stdexcept>
 
+#include "host/gate.h"
 #include "host/text.h"
 
 namespace stopngo {
 namespace {
 
 constexpr const char* kFilterNames[] = {"none", "median", "gaussian"};
+constexpr const char* kFailNames[] = {"open", "closed"};
 
 using S = Settings;
+constexpr VEL_CTRL_STOPNGO kTools = VEL_CTRL_STOPNGO_END;
 constexpr std::array kTable = {
     Setting{"input-width", VEL_CTRL_STOPNGO_INPUT_WIDTH, &S::input_width, "columns of a working-size frame"},
     Setting{"input-height", VEL_CTRL_STOPNGO_INPUT_HEIGHT, &S::input_height, "rows of a working-size frame"},
@@ -63,6 +66,30 @@ constexpr std::array kTable = {
     Setting{"no-weights", VEL_CTRL_STOPNGO_END, &S::no_weights, "run without weights: every score is 0.5"},
     Setting{"rate", VEL_CTRL_STOPNGO_END, RateField{&S::rate},
             "frames a second to hand over, the nearest ones; 0: all", true},
+    // All that follows is kept from the module: gates act through the settings above.
+    Setting{"gates", kTools, NameSet{&S::gates, kGateNames, kDefaultGates},
+            "what may hold an alarm back: light, speed, once, picture, in any number; none; or default"},
+    Setting{"light-rate", kTools, &S::light_rate, "closes light: levels a second of the region's mean"},
+    Setting{"light-calm", kTools, SecondsField{&S::light_calm_s},
+            "opens it: how long no such change has come"},
+    Setting{"speed-file", kTools, &S::speed_file,
+            "file or named pipe that is read for the own speed, a number a line"},
+    Setting{"speed-above", kTools, &S::speed_above, "closes speed: own speed, in the unit of the file"},
+    Setting{"speed-time", kTools, SecondsField{&S::speed_time_s}, "how long after that it stays closed"},
+    Setting{"speed-stale", kTools, SecondsField{&S::speed_stale_s},
+            "for so long a speed that was told holds"},
+    Setting{"speed-fails", kTools, Choice{&S::speed_fails, kFailNames},
+            "what speed is without one: open, closed, or 0 to 1"},
+    Setting{"once-busy", kTools, &S::once_busy,
+            "sum of a frame's histogram with which the own vehicle may drive"},
+    Setting{"once-busy-time", kTools, SecondsField{&S::once_busy_time_s},
+            "how long it is seen before once opens"},
+    Setting{"once-calm", kTools, &S::once_calm, "sum up to which it then may stand"},
+    Setting{"once-calm-time", kTools, SecondsField{&S::once_calm_time_s}, "how long that is seen after it"},
+    Setting{"picture-frozen", kTools, SecondsField{&S::picture_frozen_s},
+            "closes picture: how long every pixel of the region is the same"},
+    Setting{"picture-black", kTools, &S::picture_black, "closes it: below this mean luma of the region"},
+    Setting{"picture-lost", kTools, SecondsField{&S::picture_lost_s}, "closes it: more between two frames"},
 };
 
 // The module's 32-bit fields are partly signed, partly unsigned, and take any bits.
@@ -115,6 +142,41 @@ int ChoiceOf(const std::string& text, const Choice& choice) {
                               std::to_string(choice.names.size() - 1));
 }
 
+double SecondsOf(const std::string& text) {
+  const std::optional<double> seconds =
+      text.ends_with('s') ? FiniteOf(std::string_view(text).substr(0, text.size() - 1)) : std::nullopt;
+  if (!seconds || *seconds < 0) throw std::invalid_argument(Quoted(text) + " is no number of seconds (1.5s)");
+  return *seconds;
+}
+
+int SetOf(const std::string& text, const NameSet& set) {
+  if (text == "none") return 0;
+  if (text == "default") return set.usual;
+  int bits = 0;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t end = std::min(text.find(',', start), text.size());
+    const std::string name = text.substr(start, end - start);
+    const auto found = std::ranges::find(set.names, name);
+    if (found == set.names.end()) {
+      std::string expected;
+      for (const char* const known : set.names) Enlist(expected, known);
+      throw std::invalid_argument(Quoted(name) + " is none of " + expected +
+                                  ", nor are all together none or default");
+    }
+    bits |= 1 << (found - set.names.begin());
+    start = end + 1;
+  }
+  return bits;
+}
+
+std::string SetText(int bits, const NameSet& set) {
+  std::string text;
+  for (std::size_t i = 0; i < set.names.size(); ++i) {
+    if ((bits >> i & 1) != 0) text.append(text.empty() ? "" : ",").append(set.names[i]);
+  }
+  return text.empty() ? "none" : text;
+}
+
 // One overload a kind of field: how its text is read, and how it is written.
 struct TextReader {
   Settings& settings;
@@ -136,6 +198,8 @@ struct TextReader {
     settings.*field = text == "true";
   }
   void operator()(const Choice& choice) const { settings.*choice.field = ChoiceOf(text, choice); }
+  void operator()(const SecondsField& time) const { settings.*time.field = SecondsOf(text); }
+  void operator()(const NameSet& set) const { settings.*set.field = SetOf(text, set); }
 };
 
 struct TextWriter {
@@ -155,6 +219,8 @@ struct TextWriter {
   std::string operator()(std::string Settings::*field) const { return settings.*field; }
   std::string operator()(bool Settings::*field) const { return settings.*field ? "true" : "false"; }
   std::string operator()(const Choice& choice) const { return choice.names[settings.*choice.field]; }
+  std::string operator()(const SecondsField& time) const { return NumberText(settings.*time.field) + "s"; }
+  std::string operator()(const NameSet& set) const { return SetText(settings.*set.field, set); }
 };
 
 }  // namespace

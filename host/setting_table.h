@@ -25,12 +25,24 @@ struct RateField {
   double Settings::*field;
 };
 
+/// Seconds, which are no number of frames.
+struct SecondsField {
+  double Settings::*field;
+};
+
+/// Any of some names, a bit each.
+struct NameSet {
+  int Settings::*field;
+  std::span<const char* const> names;
+  int usual;  ///< what "default" stands for
+};
+
 /// The tool's own end of a code: nothing that a user sets.
 struct Internal {};
 
-using SettingField =
-    std::variant<Internal, int Settings::*, std::optional<int> Settings::*, double Settings::*, RateField,
-                 FrameCount Settings::*, std::string Settings::*, bool Settings::*, Choice>;
+using SettingField = std::variant<Internal, int Settings::*, std::optional<int> Settings::*,
+                                  double Settings::*, RateField, FrameCount Settings::*,
+                                  std::string Settings::*, bool Settings::*, Choice, SecondsField, NameSet>;
 
 struct Setting {
   const char* name;       ///< option (behind two dashes) and TOML key; empty: internal

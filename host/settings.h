@@ -17,6 +17,13 @@ struct FrameCount {
 /// Below it no clip has a second frame to hand over, and times in frames leave the range of whole numbers.
 inline constexpr double kLowestRate = 0.01;
 
+/// Gates that are there unless others are asked for: none.
+inline constexpr int kDefaultGates = 0;
+
+/// What the speed gate is where the own speed is not known: values of Settings::speed_fails.
+inline constexpr int kFailsOpen = 0;
+inline constexpr int kFailsClosed = 1;
+
 /// The settings of one run. Defaults are the module's own but for the region, which the tools put
 /// where a forward camera sees the vehicle ahead, and for the rate, with the times that follow from it:
 /// a vehicle that moves off shifts by a tenth of a pixel a frame at 30 frames a second and by whole
@@ -50,6 +57,28 @@ struct Settings {
   int lcd_width = 800;
   int lcd_height = 480;
   double rate = 6;  ///< frames a second to feed; 0: all
+
+  /// Gates around the module, a bit each (host/gate.h). Times are seconds of the frames' time stamps: a gate goes by
+  /// what is seen, and not by how many frames show it.
+  int gates = kDefaultGates;
+  /// Of the region's mean. A dark vehicle that fills a third of it and leaves within 3 s changes it by 7 a second;
+  /// a step of exposure by 5 levels, which is hardly seen, at 6 frames a second by 30.
+  double light_rate = 25;
+  double light_calm_s = 0.5;
+  std::string speed_file;  ///< empty: the host tells the speed, or nobody does
+  double speed_above = 1;  ///< in the source's unit: km/h and m/s alike, standing is below
+  double speed_time_s = 3;
+  double speed_stale_s = 2;
+  int speed_fails = kFailsOpen;
+  /// Sums of the histogram. With a camera in a car that drives, half of all pairs have above 1000 and nine in ten
+  /// above 500; nine in ten have below 300 while it stands.
+  int once_busy = 500;
+  int once_calm = 300;
+  double once_busy_time_s = 3;
+  double once_calm_time_s = 1;
+  double picture_frozen_s = 2;
+  double picture_black = 18;  ///< mean luma; limited range has its black at 16
+  double picture_lost_s = 1;
 };
 
 }  // namespace stopngo

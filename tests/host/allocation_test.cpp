@@ -11,6 +11,7 @@
 
 #include "host/check.h"
 #include "host/detector.h"
+#include "host/gate.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/settings_file.h"
@@ -78,6 +79,8 @@ void Sweep(const std::function<std::string()>& work) {
   EXPECT_GT(told, 5);
 }
 
+constexpr int kAllGates = (1 << kGateCount) - 1 - BitOf(GateKind::kHistory);
+
 bool NothingIsSettled(const std::string& /*name*/) { return false; }
 
 std::string Joined(const std::vector<std::string>& lines) {
@@ -133,6 +136,8 @@ TEST_F(Allocation, Detector) {
     const Module module(STOPNGO_MODULE_FILE);
     Settings settings;
     settings.weights = path_;
+    settings.gates = kAllGates;
+    settings.speed_file = config_;
     stopngo::Detector detector(module, settings, {800, 480, 6});
     LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
     std::string text;
@@ -142,6 +147,22 @@ TEST_F(Allocation, Detector) {
     }
     return text;
   });
+}
+
+TEST_F(Allocation, GatesTakeNoneOnceTheyAreMade) {
+  const Module module(STOPNGO_MODULE_FILE);
+  Settings settings;
+  settings.weights = path_;
+  settings.gates = kAllGates;
+  settings.speed_file = config_;
+  stopngo::Detector detector(module, settings, {800, 480, 6});
+  LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
+  const FailingAllocation failing(0);
+  for (; frame.index < 100; ++frame.index, frame.time_s += 1.0 / 6) {
+    frame.pixels.assign(frame.pixels.size(), frame.index % 20 < 10 ? 40 : 80);
+    detector.Write(frame);
+    EXPECT_FALSE(FailingAllocation::Failed()) << frame.index;
+  }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/gate.h"
 #include "host/module.h"
 #include "support/temporary_folder.h"
 
@@ -68,6 +69,14 @@ std::vector<CheckCase> Cases(const std::string& short_file) {
       {"!leaving-unreachable long-leaving ", [](Setup& s) { s.settings.time_leaving.value = 599; }},
       {"!weights ", [](Setup& s) { s.settings.no_weights = false; }},
       {"!weights ", [short_file](Setup& s) { s.settings.weights = short_file; }},
+      {"!gate-limit ", [](Setup& s) { s.settings.once_busy = s.settings.once_calm - 1; }},
+      {"!gate-limit ", [](Setup& s) { s.settings.light_rate = -1; }},
+      {"!gate-limit ", [](Setup& s) { s.settings.picture_black = 256; }},
+      {"!always-lost ",
+       [](Setup& s) {
+         s.settings.gates = BitOf(GateKind::kPicture);
+         s.settings.picture_lost_s = 0.1;
+       }},
       {"unlike-weights ",
        [](Setup& s) {
          s.sidecar = Sidecar{160, 16, "", {{"rate", "8"}, {"threshold", "0.1"}}};

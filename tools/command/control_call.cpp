@@ -84,6 +84,8 @@ struct ValueWriter {
   }
   std::string operator()(bool Settings::*) const { return {}; }
   std::string operator()(const Choice& choice) const { return std::to_string(settings.*choice.field); }
+  std::string operator()(const SecondsField&) const { return {}; }
+  std::string operator()(const NameSet&) const { return {}; }
 };
 
 }  // namespace
@@ -109,6 +111,11 @@ std::vector<std::string> ControlCall(const Settings& settings, const FrameFormat
     const std::string value = std::visit(ValueWriter{settings, frames, setting.code}, setting.field);
     if (value.empty()) continue;
     lines.push_back(Print("      VEL_CTRL_STOPNGO_%s, %s,", kCodeNames.at(setting.code), value.c_str()));
+  }
+  if (settings.gates != 0) {
+    lines.insert(
+        lines.begin(),
+        {"/* Without the gates: they are no settings of the module, but the host library's. */", ""});
   }
   lines.insert(lines.end(), {"      VEL_CTRL_STOPNGO_END);", "  return applied == 0 ? loaded : -1;", "}",
                              "/* clang-format on */"});

@@ -28,6 +28,8 @@ const char* TypeName(const Setting& setting) {
     const char* operator()(std::string Settings::*) const { return "FILE"; }
     const char* operator()(bool Settings::*) const { return ""; }
     const char* operator()(const Choice&) const { return "NAME"; }
+    const char* operator()(const SecondsField&) const { return "TIME"; }
+    const char* operator()(const NameSet&) const { return "NAME,…"; }
   };
   return std::visit(Names{}, setting.field);
 }
@@ -134,6 +136,7 @@ const char* SettingsOptions::OriginOf(const std::string& name) const {
 
 void SettingsOptions::EnterFiles(FileRegister& files) const {
   files.Reads(config_, "--config");
+  files.Reads(settings_.speed_file, "--speed-file");
   if (settings_.weights.empty()) return;
   files.Reads(settings_.weights, "the weights");
   files.Reads(SidecarPath(settings_.weights), "the weights' sidecar");

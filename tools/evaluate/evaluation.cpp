@@ -71,6 +71,7 @@ Settings Watching(Settings settings) {
   settings.no_weights = true;
   settings.threshold = 2;
   settings.log = 0;
+  settings.gates = 0;
   return settings;
 }
 

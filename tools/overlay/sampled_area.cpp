@@ -45,6 +45,7 @@ SampledArea ProbeSampledArea(const Module& module, const Settings& settings, con
   // Only the geometry counts: a filter would change the coordinates, and no score is wanted.
   probe.filter = 0;
   probe.log = 0;
+  probe.gates = 0;
   probe.weights.clear();
   probe.no_weights = true;
   probe.debug_fb.clear();

@@ -48,6 +48,7 @@ TEST(CheckCommand, EmitsWhatSetsADeviceSo) {
   ExpectWords(Stopngo(check + "--emit c").out,
               {"VEL_CTRL_STOPNGO_SET_TIME_COOLING, 20,", "SET_CLASSIFIY_THRESHOLD, 0.1,", "SET_FILTER, 1,",
                "UPDATE_PARAMS, &unused,", "VEL_CTRL_STOPNGO_END);"});
+  ExpectWords(Stopngo(check + "--gates light --emit c").out, {"Without the gates"});
   EXPECT_EQ(Stopngo("check --no-weights --roi-x 700 --emit c").out, "") << "not what cannot work";
 }
 
