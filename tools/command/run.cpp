@@ -10,6 +10,7 @@
 #include "base/interruption.h"
 #include "base/output_file.h"
 #include "base/progress.h"
+#include "base/warning.h"
 #include "command/run_report.h"
 #include "command/settings_options.h"
 #include "command/setup_check.h"
@@ -38,6 +39,14 @@ Examples:
   stopngo run /dev/video0 --original --weights weights.bin --json
   stopngo run - --raw 800x480 --raw-fps 30 --no-weights < luma.raw)";
 
+/// What the same settings would do without gates.
+Settings Ungated(Settings settings) {
+  settings.gates = 0;
+  settings.log = 0;
+  settings.debug_fb.clear();
+  return settings;
+}
+
 class RunCommand : public Subcommand {
  public:
   explicit RunCommand(CLI::App& app);
@@ -45,7 +54,7 @@ class RunCommand : public Subcommand {
   void Run() override;
 
  private:
-  void RunFrames(FrameSource& frames, Detector& detector, RunReport& report,
+  void RunFrames(FrameSource& frames, const Module& module, Detector& detector, RunReport& report,
                  std::optional<Trace>& trace) const;
 
   Settings settings_;
@@ -83,14 +92,14 @@ void RunCommand::Run() {
   // Before the first frame, so that a run of hours does not end at a path that cannot be written.
   std::optional<Trace> trace;
   std::optional<OutputFile> debug;
-  if (!trace_.empty()) trace.emplace(trace_);
+  if (!trace_.empty()) trace.emplace(trace_, settings_.gates != 0);
   if (!settings_.debug_fb.empty()) debug.emplace(settings_.debug_fb);
-  RunReport report(json_);
+  RunReport report(json_, settings_.gates);
   const auto note = [&trace](const std::string& text) {
     if (trace) trace->Note(text);
   };
   try {
-    RunFrames(*frames, detector, report, trace);
+    RunFrames(*frames, module, detector, report, trace);
   } catch (const std::bad_alloc&) {
     note("cut short: not enough memory");
     throw;
@@ -111,15 +120,19 @@ void RunCommand::Run() {
   damage.RefuseKept();
 }
 
-void RunCommand::RunFrames(FrameSource& frames, Detector& detector, RunReport& report,
+void RunCommand::RunFrames(FrameSource& frames, const Module& module, Detector& detector, RunReport& report,
                            std::optional<Trace>& trace) const {
+  std::optional<Detector> alone;
+  if (settings_.gates != 0) alone.emplace(module, Ungated(settings_), frames.Info());
   // The module's own lines and a progress bar would write over each other.
   std::optional<Progress> progress;
   if (settings_.log <= 0) progress.emplace("run", frames.Info().frames);
   for (LumaFrame frame; NextFrame(frames, frame);) {
     const FrameReport written = detector.Write(frame);
-    if (trace) trace->Add(written);
-    report.Add(written);
+    const FrameReport ungated = alone ? alone->Write(frame) : written;
+    if (const char* const remark = detector.TakeRemark()) Warn(remark);
+    if (trace) trace->Add(written, ungated);
+    report.Add(written, ungated);
     if (progress) progress->Step();
   }
 }

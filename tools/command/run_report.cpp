@@ -26,13 +26,14 @@ long long Printable(std::int64_t number) { return number; }
 
 }  // namespace
 
-void RunReport::Add(const FrameReport& frame) {
+void RunReport::Add(const FrameReport& frame, const FrameReport& alone) {
   ++frames_;
   decided_ += frame.decided ? 1 : 0;
   analysed_ += frame.analysed ? 1 : 0;
   latency_.Add(frame.write_ns);
   Kind& kind = kinds_.at(static_cast<std::size_t>(frame.decision));
   kind.frames += frame.decided ? 1 : 0;
+  if (gates_) gates_->Add(frame, alone);
   if (!frame.changed) return;
   ++kind.changes;
   TellChange(frame);
@@ -63,6 +64,7 @@ void RunReport::Summarize(const char* cut_short, const std::string& damage) cons
     for (const Quantile& quantile : kQuantiles) {
       line["write_ns"][quantile.name] = latency_.Percentile(quantile.share);
     }
+    if (gates_) gates_->AddTo(line);
     if (cut_short != nullptr) line["cut_short"] = cut_short;
     if (!damage.empty()) line["damaged"] = damage;
     WriteResult(JsonLine(line));
@@ -75,6 +77,7 @@ void RunReport::Summarize(const char* cut_short, const std::string& damage) cons
     WriteResult(Print("decision %d (%s): reported %lld times, %lld frames", static_cast<int>(i),
                       kDecisionNames.at(i), Printable(kinds_.at(i).changes), Printable(kinds_.at(i).frames)));
   }
+  if (gates_) gates_->Summarize();
   std::string times = "time of a write:";
   for (const Quantile& quantile : kQuantiles) {
     times += Print(" %s %.1f us", quantile.name, latency_.Percentile(quantile.share) / 1000);

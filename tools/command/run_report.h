@@ -3,7 +3,9 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
+#include "command/gate_report.h"
 #include "command/latency.h"
 #include "host/detector.h"
 
@@ -12,10 +14,13 @@ namespace stopngo {
 /// Tells decision changes as they come and counts for the summary, both on standard output.
 class RunReport {
  public:
-  /// json: JSON Lines instead of lines to read.
-  explicit RunReport(bool json) : json_(json) {}
+  /// json: JSON Lines instead of lines to read. gates: as GateReport has them; 0: nothing is told of any.
+  RunReport(bool json, int gates) : json_(json) {
+    if (gates != 0) gates_.emplace(gates, json);
+  }
   /// Throws Failure when standard output cannot be written.
-  void Add(const FrameReport& frame);
+  /// alone: of the module without gates, where there are any.
+  void Add(const FrameReport& frame, const FrameReport& alone);
   /// cut_short: the signal that ended the run before its input did, if one has. damage: of the input, if any.
   void Summarize(const char* cut_short, const std::string& damage) const;
 
@@ -33,6 +38,7 @@ class RunReport {
   std::int64_t analysed_ = 0;
   std::array<Kind, 3> kinds_{};  ///< by decision
   Latency latency_;
+  std::optional<GateReport> gates_;
 };
 
 }  // namespace stopngo

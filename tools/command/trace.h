@@ -13,8 +13,10 @@ namespace stopngo {
 /// the recording was damaged, the last line is a comment that says so. Throws as FailWriting.
 class Trace {
  public:
-  explicit Trace(std::string path) : file_(std::move(path)) {}
-  void Add(const FrameReport& frame);
+  /// gates: with the columns that tell of gates.
+  Trace(std::string path, bool gates) : file_(std::move(path)), gates_(gates) {}
+  /// alone: of the module without gates, where there are any.
+  void Add(const FrameReport& frame, const FrameReport& alone);
   /// After the input's last frame.
   void End();
   /// Of what the lines alone do not tell, such as that there should have been more.
@@ -24,6 +26,7 @@ class Trace {
   void Write(const std::string& line);
 
   FollowedFile file_;
+  bool gates_;
   bool begun_ = false;
 };
 

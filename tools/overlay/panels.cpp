@@ -8,6 +8,7 @@
 #include <numbers>
 
 #include "draw/style.h"
+#include "host/gates.h"
 #include "host/text.h"
 #include "overlay/field.h"
 
@@ -90,13 +91,14 @@ Gauge ScoreGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
           .colour = report.score > threshold ? style::kAbove : style::kBelow};
 }
 
-/// The counter has to pass TimeLeaving, so the bar is full one above it: at the alarm.
+/// The counter has to pass TimeLeaving, so the bar is full one above it: at the alarm. A closed gate puts that out of reach.
 Gauge CounterGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   const double full = ctx.TimeLeaving + 1.0;
+  const std::string held = ClosedText(report.closed);
   // More divisions than this would leave nothing of the bar between them.
   constexpr int kMostSegments = 30;
   return {.name = "Alarm counter",
-          .remark = "alarm above " + std::to_string(ctx.TimeLeaving),
+          .remark = held.empty() ? "alarm above " + std::to_string(ctx.TimeLeaving) : "held by " + held,
           .value = std::to_string(report.alarm_counter),
           .filled = full > 0 ? report.alarm_counter / full : 0,
           .segments = full <= kMostSegments ? static_cast<int>(full) : 0,

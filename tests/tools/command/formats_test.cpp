@@ -85,6 +85,14 @@ TEST_F(Formats, OfRecordingsAreDocumented) {
   EXPECT_EQ(Both(KeysOf(Stopngo("run " + cut + run + "--trace " + trace).out), broken_off),
             Documented("### run"));
   EXPECT_EQ(Columns(ReadFile(trace)), Documented("## Trace"));
+  // All of it black to the gate, which so holds the alarm back.
+  const std::string gated = "--gates picture --picture-black 255 --trace " + trace;
+  Names more = KeysOf(Stopngo("run " + cut + run + gated).out);
+  for (const std::string& key : Documented("### run")) more.erase(key);
+  EXPECT_EQ(more, Documented("#### With gates"));
+  more = Columns(ReadFile(trace));
+  for (const std::string& column : Documented("## Trace")) more.erase(column);
+  EXPECT_EQ(more, Documented("### Columns of gates"));
   const CommandResult render =
       Stopngo("render " + cut + " " + folder_ / "seen.y4m" + run + "--still " + folder_ / "still.png");
   EXPECT_EQ(Both(KeysOf(render.out), broken_off), Documented("### render"));

@@ -173,6 +173,40 @@ TEST(RunTest, DecisionsTraceAndSummaryAgree) {
   EXPECT_NEAR(summary.at("write_ns").at("max").get<double>(), times.at(19), 1);
 }
 
+TEST(RunTest, TellsWhatGatesDoAndWhatTheModuleWouldHaveDoneAlone) {
+  const TemporaryFolder folder;
+  const std::string path = folder / "t.tsv";
+  const std::string black(std::size_t{kWidth} * kHeight, '\0');
+  const std::string video = RawVideo(2) + black + black + RawVideo(12);
+  const std::string run = kRaw + "--raw-fps 10 --no-weights --time-cooling 5 --trace " + path;
+  const CommandResult result = Stopngo(run + " --json --gates once,picture", video);
+  ASSERT_EQ(result.exit_code, 0) << result.err;
+  std::string told;
+  for (const nlohmann::json& line : JsonLines(result.out)) {
+    if (!line.contains("time")) continue;
+    told += line["frame"].dump() + ' ' + std::string(line["type"]) + ' ' + line.value("reason", "") +
+            line.value("held_back_by", "") + line.value("state", "") + line.value("name", "") + "; ";
+  }
+  EXPECT_EQ(told,
+            "3 health picture blackclosed; 4 alone picture (picture black); 5 health open; 8 decision alarm; "
+            "9 gate told alreadyclosed; 13 alone once (told already); 14 decision none; ");
+  const nlohmann::json summary = JsonLines(result.out).back();
+  EXPECT_EQ(summary["alone"], nlohmann::json::parse(R"({"alarms": 2, "held_back": 2})"));
+  EXPECT_EQ(summary["gates"][1],
+            nlohmann::json::parse(R"({"gate": "picture", "closed": 1, "frames": 2, "held_back": 1})"));
+  EXPECT_EQ(Column(ReadTrace(path), "gates").at(4), "picture");
+  const auto alone = Column(ReadTrace(path), "alone_decision");
+  const CommandResult text = Stopngo(run, video);
+  EXPECT_EQ(Column(ReadTrace(path), "decision"), alone);
+  EXPECT_EQ(ReadTrace(path).front().count("gates"), 0U);
+  EXPECT_EQ(text.out.find("gate"), std::string::npos) << text.out;
+  ExpectWords(
+      Stopngo(run + " --gates once,picture", video).out,
+      {"picture black", "picture back", "the module alone: alarm, held back by picture (picture black)"});
+  ExpectWords(Stopngo(run + " --gates speed", RawVideo(40)).err, {"warning", "speed-stale"});
+  ExpectRefusal(Stopngo(run + " --gates lights"), 2, {"--gates", "'lights'", "picture"});
+}
+
 TEST(RunTest, FramesAndTimesFollowTheRate) {
   const TemporaryFolder folder;
   const std::string path = folder / "t.tsv";
