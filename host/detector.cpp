@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 #include <new>
 #include <optional>
 #include <span>

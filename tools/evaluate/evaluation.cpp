@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -17,7 +18,19 @@ namespace {
 /// The settings with the place of a clip's region in its frames.
 Settings SettingsFor(const OpenedClip& clip, const Settings& settings) {
   const SourceInfo& info = clip.frames->Info();
-  return Placed(settings, clip.region, info.width, info.height);
+  Settings placed = Placed(settings, clip.region, info.width, info.height);
+  placed.speed_file.clear();  // tells the speed of now
+  return placed;
+}
+
+/// Of a clip the labels know it; where it has none, nobody does.
+std::optional<double> OwnSpeed(const OpenedClip& clip, double time_s) {
+  constexpr double kFast = std::numeric_limits<double>::max();
+  for (const LabelSpan& span : clip.labels) {
+    if (time_s < span.start_s || time_s >= span.end_s) continue;
+    return span.activity == Activity::kEgoMoving ? kFast : 0;
+  }
+  return std::nullopt;
 }
 
 class ClipRunner {
@@ -42,7 +55,9 @@ class ClipRunner {
     double last_s = 0;
     while (clip_.frames->Next(frame)) {
       last_s = frame.time_s;
+      const std::optional<double> speed = OwnSpeed(clip_, frame.time_s);
       for (std::size_t i = 0; i < detectors_.size(); ++i) {
+        if (speed) detectors_[i]->SetSpeed(*speed, frame.time_s);
         const FrameReport report = detectors_[i]->Write(frame);
         if (report.changed && report.decision == 1) alarms_s_[i].push_back(report.time_s);
       }

@@ -35,7 +35,8 @@ struct RunOptions {
 /// Settings that analyse every frame, for which no weights are needed: no score is ever above 1, and so no hold begins.
 Settings Watching(Settings settings);
 
-/// Runs a detector a setting over every clip, all of a clip's on the same frames. The runs come in the
+/// Runs a detector a setting over every clip, all of a clip's on the same frames. What their gates hear of the own
+/// speed comes from the labels. The runs come in the
 /// order of the clips, and are the same for any number of jobs. Throws Failure.
 std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& options);
 

@@ -64,6 +64,32 @@ class Steady : public testing::Test {
   std::string manifest;
 };
 
+TEST_F(Steady, GatesHaveARowBesideTheModuleAlone) {
+  const std::string eval = "eval " + manifest + " " + kAllFrames + "--json ";
+  const CommandResult without = Stopngo(eval);
+  const CommandResult once = Stopngo(eval + "--gates once");
+  EXPECT_TRUE(JsonLines(without.out, "alone").empty());
+  const auto figures = [](const CommandResult& result, const std::string& type) {
+    nlohmann::json line = JsonLines(result.out, type).at(0);
+    line.erase("type");
+    return line;
+  };
+  EXPECT_EQ(figures(once, "alone"), figures(without, "summary")) << once.err;
+  EXPECT_EQ(figures(once, "summary")["false_standing"], 1);
+  EXPECT_EQ(figures(once, "summary")["right"], 0);
+  EXPECT_EQ(figures(without, "summary")["right"], 1);
+  const std::string text = Stopngo("eval " + manifest + " " + kAllFrames + "--gates once").out;
+  EXPECT_NE(text.find("without gates"), std::string::npos) << text;
+  // The labels are the speed: the gate is closed until 1 s, and the count then starts from nothing.
+  const std::string driving =
+      folder.File("drive.tsv", kLabelledClips + "clip.y4m\t-\t-\t0 0.9 ego_moving;0.9 2.3 lead_departs\n");
+  const CommandResult speed =
+      Stopngo("eval " + driving + " " + kAllFrames + "--json --gates speed --speed-time 0.1s");
+  EXPECT_EQ(figures(speed, "alone")["false_driving"], 1) << speed.err;
+  EXPECT_EQ(figures(speed, "summary")["false_driving"], 0);
+  EXPECT_EQ(figures(speed, "summary")["right"], 1);
+}
+
 TEST_F(Steady, EveryAlarmIsJudgedAtItsTime) {
   const CommandResult json = Stopngo("eval " + kAllFrames + "--json " + manifest);
   ASSERT_EQ(json.exit_code, 0) << json.err;
