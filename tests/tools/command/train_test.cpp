@@ -133,8 +133,8 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
 // Weights, sidecar and report take their places one by one: what a kill in between leaves is refused by
 // whoever uses it, until only the report is missing. The next run names what else was left.
 TEST_F(TrainTest, AKillBetweenNamesLeavesNoSetThatPassesForAnother) {
-  const std::string clips = Manifest("clips.tsv", {"synth:departure:1"});
-  const std::string others = Manifest("others.tsv", {"synth:departure:2"});
+  const std::string clips = Recordings("clips.tsv", {{0, -2}});
+  const std::string others = Recordings("others.tsv", {{0, -1}});
   const std::string weights = folder_ / "w.bin";
   const std::string train = "train " + clips + " --validation " + others +
                             " --rate 5 --looks 1 --iterations 2 " + "-o " + weights + " --report " +
