@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include "base/results.h"
 #include "host/failure.h"
 
 namespace stopngo {
@@ -30,6 +31,7 @@ void FileRegister::Reads(const std::string& path, const std::string& what) {
 
 void FileRegister::Writes(const std::string& path, const std::string& what) {
   Enter({path == "-" ? "standard output" : path, what, Use::kWritten}, path, STDOUT_FILENO);
+  if (OpenDescriptor(path, STDOUT_FILENO) == STDOUT_FILENO) GiveUpStandardOutput();
 }
 
 void FileRegister::Enter(const Entry& entry, const std::string& path, int standard) {

@@ -16,6 +16,7 @@ class FileRegister {
   /// Enters the files that standard output and standard error are led to.
   FileRegister();
   void Reads(const std::string& path, const std::string& what);
+  /// Results make way for a file on standard output: base/results.h.
   void Writes(const std::string& path, const std::string& what);
 
  private:

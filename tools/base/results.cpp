@@ -1,4 +1,4 @@
-// results.cpp: a subcommand's results, line by line on standard output.
+// results.cpp: a subcommand's results, line by line.
 #include "base/results.h"
 
 #include <fcntl.h>
@@ -13,6 +13,13 @@
 #include "host/text.h"
 
 namespace stopngo {
+namespace {
+
+std::FILE* results_ = stdout;
+
+}  // namespace
+
+void GiveUpStandardOutput() { results_ = stderr; }
 
 void OccupyClosedStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -23,13 +30,13 @@ void OccupyClosedStreams() {
 
 void WriteResult(std::string_view line) {
   // On one terminal a progress bar may stand where the line is going to be.
-  if (isatty(STDOUT_FILENO) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
+  if (isatty(fileno(results_)) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
   const std::string text = Escaped(line);
   errno = 0;
-  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-  if (!written || std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0) {
-    FailOutput();
-  }
+  const bool written = std::fwrite(text.data(), 1, text.size(), results_) == text.size();
+  const bool failed = !written || std::fputc('\n', results_) == EOF || std::fflush(results_) != 0;
+  if (failed && results_ == stdout)
+    FailOutput();  // beside a file that is whole, what cannot be said is left out
 }
 
 std::string JsonLine(const nlohmann::ordered_json& object) {

@@ -1,4 +1,5 @@
-// results.h: a subcommand's results, line by line on standard output.
+// results.h: a subcommand's results, line by line: on standard output, or on standard error where that is one of the
+// command's files.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -10,6 +11,9 @@ namespace stopngo {
 /// To be called when the program starts. A standard stream that was closed for it fails when it is used: the first
 /// file that is opened would be taken for it otherwise, and get its text.
 void OccupyClosedStreams();
+
+/// Standard output is a file of the command's ("-"): results go to standard error from now on.
+void GiveUpStandardOutput();
 
 /// Writes a line, escaped, and its newline at once, so that a reader at the other end of a pipe sees a decision
 /// when it falls. Throws as FailOutput.

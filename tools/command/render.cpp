@@ -1,11 +1,8 @@
 // render.cpp: stopngo render: writes a recording with what the module saw drawn on it.
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -13,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/file_place.h"
 #include "base/file_register.h"
 #include "base/interruption.h"
 #include "base/output_file.h"
@@ -285,11 +281,7 @@ class RenderCommand : public Subcommand {
     HeedFindings(Module(), arguments_.options.InForce(frames->Info()));
     Rendering rendering(arguments_, outputs_, std::move(frames));
     rendering.Run();
-    if (OpenDescriptor(arguments_.output, STDOUT_FILENO) == STDOUT_FILENO) {
-      std::cerr << Escaped(rendering.Tell(damage.Kept())) << '\n';  // standard output is the video
-    } else {
-      WriteResult(rendering.Tell(damage.Kept()));
-    }
+    WriteResult(rendering.Tell(damage.Kept()));
     damage.RefuseKept();
   }
 

@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cstdint>
-#include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -181,9 +180,6 @@ class SynthCommand : public Subcommand {
   void Run() override;
 
  private:
-  [[nodiscard]] bool ToStandardOutput() const {
-    return OpenDescriptor(arguments_.output, STDOUT_FILENO) == STDOUT_FILENO;
-  }
   void RenderAll();
 
   SynthArguments arguments_;
@@ -254,12 +250,7 @@ void SynthCommand::RenderAll() {
   // Labels ahead of the video: those of a video that is not there are of no harm.
   CommitTogether({labels_file ? &*labels_file : nullptr, &video});
 
-  const std::string summary = Summary(arguments_, description, labels);
-  if (ToStandardOutput()) {
-    std::cerr << Escaped(summary) << '\n';  // standard output is the video
-  } else {
-    WriteResult(summary);
-  }
+  WriteResult(Summary(arguments_, description, labels));
 }
 
 }  // namespace

@@ -41,6 +41,11 @@ TEST_F(OutputsTest, ScenesGoToOpenFilesAsToStandardOutput) {
   EXPECT_EQ(piped.out.find("5 frames"), std::string::npos) << "that is said on standard error";
   EXPECT_EQ(Stopngo(synth + " --labels " + folder_ / "labels 3> " + folder_ / "v.y4m").exit_code, 0);
   EXPECT_EQ(folder_.Files(), 2U);
+  const CommandResult traced =
+      Stopngo("run " + folder_ / "v.y4m" + " --no-weights --json --roi-x 0 --roi-y 0 --trace -");
+  EXPECT_TRUE(traced.out.starts_with("frame\t")) << traced.out;
+  EXPECT_EQ(traced.out.find('{'), std::string::npos) << "a trace alone";
+  EXPECT_NE(traced.err.find("\"type\":\"summary\""), std::string::npos) << traced.err;
 }
 
 // A file would get the text of a stream that is not there.
