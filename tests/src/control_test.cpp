@@ -204,6 +204,7 @@ TEST(Load, RefusesWhatCannotBeRead) {
   // And these in 64 bits, to one without a number.
   EXPECT_EQ(Classify_Load_(path.c_str(), weights.data(), 0xFFFFFFFFU, 0xFFFFFFFFU), -1);
   EXPECT_EQ(Classify_Load_(path.c_str(), nullptr, 160, 16), -1);
+  EXPECT_EQ(Classify_Load_(path.c_str(), nullptr, 160, 0), -1) << "a single number, which is copied";
   EXPECT_EQ(Classify_Load_(nullptr, weights.data(), 160, 16), -1);
   EXPECT_EQ(weights, std::vector<float>(2600, -5));
   EXPECT_EQ(Classify_Load_(path.c_str(), weights.data(), 160, 0), 0);

@@ -1,4 +1,6 @@
 // match_test.cpp: block matching and the direction histogram.
+#include "match.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -197,6 +199,18 @@ TEST(BlockMatch, ASearchThatCouldLeaveTheImagesReadsNothingAndGivesZeros) {
       EXPECT_EQ(motion[0] | motion[1], 0) << size << " " << width;
     }
   }
+}
+
+// The two images need not be of one size: settings may shrink the region between the frames that they are made for.
+TEST(BlockMatch, EachImageIsAskedForWhatIsReadOfIt) {
+  const auto fits = [](std::uint64_t old, std::uint64_t now) {
+    return SearchStaysInside({old, now}, 10, 12, 20, 220);
+  };
+  constexpr std::uint64_t kPatch = 120 * 220 + 200 + 9 * 220 + 16;  // the last block's
+  constexpr std::uint64_t kReach = 7 * 220 + 7;
+  EXPECT_TRUE(fits(kPatch + kReach, kPatch));
+  EXPECT_FALSE(fits(kPatch + kReach - 1, kPatch));
+  EXPECT_FALSE(fits(kPatch + kReach, kPatch - 1));
 }
 
 TEST(Histogram, SumsMagnitudesByDirectionAndCell) {
