@@ -20,10 +20,12 @@ extern "C" {
 #include "host/failure.h"
 #include "host/text.h"
 #include "video/announced_end.h"
+#include "video/announced_size.h"
 #include "video/ffmpeg.h"
 #include "video/ffmpeg_luma.h"
 #include "video/reader.h"
 #include "video/remark.h"
+#include "video/time_jump.h"
 
 namespace stopngo {
 namespace {
@@ -105,6 +107,7 @@ class FfmpegSource : public FrameSource {
     frame.index = index_;
     frame.time_s = Time();
     Look();
+    TellJump(frame.time_s);
     luma_.Take(*frame_, frame.pixels);
     if (upside_down_) std::reverse(frame.pixels.begin(), frame.pixels.end());
     ++index_;
@@ -197,6 +200,7 @@ class FfmpegSource : public FrameSource {
         return;
       }
       end_.Add(*input_, *packet_);
+      FollowBytes();
       // An empty packet stands for a picture that a recorder left out, and would end the decoding.
       const bool wanted = packet_->stream_index == stream_->index && packet_->size > 0;
       if (wanted) Send();
@@ -272,6 +276,30 @@ class FfmpegSource : public FrameSource {
     return std::max(last_s_, static_cast<double>(stamp - *zero_) * av_q2d(stream_->time_base));
   }
 
+  // A jump alone may be how a recording was made. In a file that has lost bytes, or holds some that are none of any
+  // packet, it is where they were.
+  void TellJump(double time_s) {
+    constexpr std::int64_t kBetweenPackets =
+        4096;  // bytes: far more than what stands between two that follow
+    const double before_s = std::exchange(told_s_, time_s);
+    if (index_ == 0 || !jump_.Take(time_s - before_s)) return;
+    const std::string jump = "its time jumps from " + Seconds(before_s) + " to " + Seconds(time_s);
+    if (const std::uint64_t lacking = LackingBytes(name_); lacking > 0) {
+      remarks_.Say(Remarks::kLost, jump + ", and " + std::to_string(lacking) + " of its bytes are missing");
+    } else if (passed_over_ > kBetweenPackets) {
+      remarks_.Say(Remarks::kLost, jump + ", and " + std::to_string(passed_over_) + " bytes cannot be read");
+    } else {
+      remarks_.Say(Remarks::kJump, jump + ", and nothing tells whether pictures are missing there");
+    }
+  }
+
+  // Of all streams. In other formats than Matroska packets lie apart, or in pieces.
+  void FollowBytes() {
+    if (packet_->pos < 0 || std::strcmp(input_->iformat->name, "matroska,webm") != 0) return;
+    if (bytes_read_ > 0) passed_over_ = std::max(passed_over_, packet_->pos - bytes_read_);
+    bytes_read_ = std::max(bytes_read_, packet_->pos + packet_->size);
+  }
+
   // Recordings joined from pieces may start their clock anew in the middle: it goes on where it stood.
   double Time() {
     const double unit_s = av_q2d(stream_->time_base);
@@ -310,7 +338,11 @@ class FfmpegSource : public FrameSource {
   std::optional<Incomplete> incomplete_;
   std::optional<std::int64_t> zero_;  ///< the stamp of time 0, in the stream's units
   double last_s_ = 0;
-  bool upside_down_ = false;  ///< as the pictures are stored
+  TimeJump jump_;
+  std::int64_t bytes_read_ = 0;   ///< the end of the packets so far
+  std::int64_t passed_over_ = 0;  ///< the most bytes between two of them
+  double told_s_ = 0;             ///< the time of the picture before
+  bool upside_down_ = false;      ///< as the pictures are stored
 };
 
 }  // namespace

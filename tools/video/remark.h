@@ -20,14 +20,27 @@ using RemarkHearer = std::function<void(const Remark&)>;
 /// Tells of one input, each kind of thing once.
 class Remarks {
  public:
-  enum Kind : std::size_t { kPicture, kEnd, kPixels, kTurned, kInterlaced, kRange, kScaled, kSizes, kKinds };
+  /// Damage first.
+  enum Kind : std::size_t {
+    kPicture,
+    kLost,
+    kEnd,
+    kJump,
+    kPixels,
+    kTurned,
+    kInterlaced,
+    kRange,
+    kScaled,
+    kSizes,
+    kKinds
+  };
 
   Remarks(std::string name, RemarkHearer hear) : name_(std::move(name)), hear_(std::move(hear)) {}
 
   void Say(Kind kind, const std::string& what) {
     if (said_.test(kind)) return;
     said_.set(kind);
-    if (hear_) hear_({name_ + ": " + what, kind == kPicture || kind == kEnd});
+    if (hear_) hear_({name_ + ": " + what, kind <= kEnd});
   }
 
  private:
