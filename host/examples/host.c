@@ -88,21 +88,21 @@ static int run(const VEL_STOPNGO_OPERATION* operations, void* context, struct fr
 }
 
 int main(int argc, char** argv) {
-  if (argc != 5) return fail("usage: host WIDTH HEIGHT STRIDE FPS < FRAMES");
+  double given[4];
+  char rest; /* behind a number nothing may follow */
+  for (int i = 0; i < 4; ++i)
+    if (argc != 5 || sscanf(argv[i + 1], "%lf%c", &given[i], &rest) != 1)
+      return fail("usage: host WIDTH HEIGHT STRIDE FPS < FRAMES");
   /* The module is not told a frame's size: one of another would be read past its end. */
-  const long width = strtol(argv[1], NULL, 10), height = strtol(argv[2], NULL, 10);
-  if (width != WIDTH || height != HEIGHT) return fail("set_up.h is for frames of another size");
-  stride = strtoul(argv[3], NULL, 10);
-  if (stride < WIDTH || stride > LONGEST_STRIDE) return fail("STRIDE is below WIDTH or above 65536");
-  fps = strtod(argv[4], NULL);
+  if (given[0] != WIDTH || given[1] != HEIGHT) return fail("set_up.h is for frames of another size");
+  stride = given[2] >= WIDTH && given[2] <= LONGEST_STRIDE ? (size_t)given[2] : 0;
+  if (stride == 0 || (double)stride != given[2]) return fail("STRIDE is no whole number from WIDTH to 65536");
+  fps = given[3];
   if (!(fps >= STOPNGO_FRAMES_A_SECOND)) return fail("FPS is less than set_up.h asks for");
-
   void* const module = dlopen("libzetstopngo.so.1", RTLD_NOW | RTLD_LOCAL);
-  if (module == NULL) return fail(dlerror());
-  const VEL_STOPNGO_OPERATION* const operations = dlsym(module, "vel_stopngo");
+  const VEL_STOPNGO_OPERATION* const operations = module == NULL ? NULL : dlsym(module, "vel_stopngo");
   if (operations == NULL) return fail(dlerror());
   if (operations->maxctrl < VEL_CTRL_STOPNGO_MAX) return fail("the module is older than its header");
-
   double time_s = 0; /* of the frame that is handed over */
   void* const context = malloc((size_t)operations->ctxsize);
   struct frame frames[2] = {{malloc(stride * HEIGHT), 0}, {malloc(stride * HEIGHT), 0}};

@@ -63,8 +63,14 @@ refuses "usage" "$folder/two" 800 480 800
 refuses "another size" "$folder/two" 1280 720 1280 30
 refuses "STRIDE" "$folder/two" 800 480 799 30
 refuses "STRIDE" "$folder/two" 800 480 -1 30
+refuses "STRIDE" "$folder/two" 800 480 832.5 30
+refuses "STRIDE" "$folder/two" 800 480 1e300 30
 refuses "FPS" "$folder/two" 800 480 800 5
-refuses "FPS" "$folder/two" 800 480 800 often
+refuses "FPS" "$folder/two" 800 480 800 nan
+for arguments in "800x 480 800 30" "800 480p 800 30" "800 480 800b 30" "800 480 800 30fps" "800 480 800 often"; do
+  # shellcheck disable=SC2086  # four words
+  refuses "usage" "$folder/two" $arguments
+done
 refuses "time stamps" "$folder/two" 800 480 800 inf
 refuses "ends within a frame" "$folder/cut" 800 480 800 6
 refuses "cannot be read" "$folder" 800 480 800 6
