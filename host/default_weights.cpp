@@ -3,15 +3,13 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
+
+#include "host/places.h"
 
 namespace stopngo {
 namespace {
 
-// A build folder, and no folder of programs, has a cache of CMake's beside the program.
-constexpr const char* kBuildMark = "CMakeCache.txt";
-constexpr const char* kFromBuild = "../../weights";
-// From the folder of programs to the shared data, as installed.
-constexpr const char* kFromPrograms = STOPNGO_DATA_FROM_PROGRAMS;
 constexpr const char* kFileName = "default.bin";
 
 }  // namespace
@@ -20,13 +18,11 @@ std::optional<std::string> FindDefaultWeights() {
   if (const char* const named = std::getenv("STOPNGO_WEIGHTS"); named != nullptr && *named != '\0') {
     return named;
   }
-  std::error_code error;
-  const std::filesystem::path programs = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-  const bool built = std::filesystem::exists(programs / kBuildMark, error);
-  const std::filesystem::path file =
-      (programs / (built ? kFromBuild : kFromPrograms) / kFileName).lexically_normal();
-  if (!std::filesystem::exists(file, error)) return std::nullopt;
-  return file.string();
+  for (const std::filesystem::path& folder : DataFolders()) {
+    std::error_code error;
+    if (std::filesystem::exists(folder / kFileName, error)) return (folder / kFileName).string();
+  }
+  return std::nullopt;
 }
 
 }  // namespace stopngo

@@ -6,8 +6,8 @@
 
 namespace stopngo {
 
-/// $STOPNGO_WEIGHTS where it is set; else those installed with the program; for a program that lies in
-/// build/NAME of a clone, those of the clone. None where there is no such file.
+/// $STOPNGO_WEIGHTS where it is set; else the first default.bin in one of DataFolders (host/places.h). None where there
+/// is no such file.
 std::optional<std::string> FindDefaultWeights();
 
 }  // namespace stopngo

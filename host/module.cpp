@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/failure.h"
+#include "host/places.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
@@ -18,9 +19,6 @@ constexpr const char* kRecordName = "vel_stopngo";
 // The first is what a device's host and a build folder have, the second what a runtime package installs.
 constexpr const char* kFileNames[] = {"libzetstopngo.so", "libzetstopngo.so.1"};
 
-// From the folder of programs to that of libraries, as installed.
-constexpr const char* kLibrariesFromPrograms = STOPNGO_LIBRARIES_FROM_PROGRAMS;
-
 // Where to look, in order; each has a slash, for dlopen searches the loader's folders for a name without one.
 std::vector<std::string> Candidates(const std::string& path) {
   if (!path.empty()) return {path.find('/') == std::string::npos ? "./" + path : path};
@@ -28,10 +26,7 @@ std::vector<std::string> Candidates(const std::string& path) {
     return Candidates(named);
   }
   std::vector<std::string> candidates;
-  std::error_code error;
-  const std::filesystem::path programs = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-  for (const std::filesystem::path& folder :
-       {programs, (programs / kLibrariesFromPrograms).lexically_normal()}) {
+  for (const std::filesystem::path& folder : LibraryFolders()) {
     for (const char* name : kFileNames) candidates.push_back((folder / name).string());
   }
   return candidates;

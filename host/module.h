@@ -10,9 +10,8 @@ namespace stopngo {
 /// libzetstopngo.so, loaded with dlopen.
 class Module {
  public:
-  /// path: the shared object; empty: $STOPNGO_MODULE, else beside the program, else where it is installed with the
-  /// program. Nowhere else: not in the current folder, not where the loader looks. Throws Failure naming what was
-  /// tried.
+  /// path: the shared object; empty: $STOPNGO_MODULE, else in the first of LibraryFolders (host/places.h) that has it.
+  /// Nowhere else: not in the current folder, not where the loader looks. Throws Failure naming what was tried.
   explicit Module(const std::string& path = {});
   ~Module();
   Module(const Module&) = delete;

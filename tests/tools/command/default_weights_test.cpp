@@ -13,6 +13,7 @@ namespace {
 // A copy of the program shows what it finds from where it lies.
 TEST(DefaultWeights, AreFoundAsInstalledAndInAClone) {
   namespace fs = std::filesystem;
+  if (fs::exists(STOPNGO_FULL_DATADIR "/default.bin")) GTEST_SKIP() << "some are installed for every program";
   const TemporaryFolder folder;
   const fs::path root = folder / "root";
   for (const char* const name : {"bin", "share/zetstopngo", "build/any", "weights"}) {
@@ -30,6 +31,9 @@ TEST(DefaultWeights, AreFoundAsInstalledAndInAClone) {
     ExpectWords(none.err, {"--weights", "--no-weights"});
   }
   const std::string weights = folder.File("w.bin", std::string(10372, '\1'));
+  fs::copy_file(weights, root / "bin/default.bin");
+  EXPECT_EQ(run("bin").exit_code, 0) << "beside the program";
+  fs::remove(root / "bin/default.bin");
   fs::copy_file(weights, root / "share/zetstopngo/default.bin");
   EXPECT_EQ(run("bin").exit_code, 0);
   (void)folder.File("root/build/any/CMakeCache.txt", "");
