@@ -4,8 +4,8 @@
 #include <Eigen/Core>
 #include <algorithm>
 
-#include "base/exact_math.h"
 #include "base/parallel.h"
+#include "host/exact_math.h"
 
 namespace stopngo {
 namespace {

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "base/exact_math.h"
 #include "base/random.h"
+#include "host/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/texture.h"
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "base/exact_math.h"
+#include "host/exact_math.h"
 
 namespace stopngo {
 namespace {

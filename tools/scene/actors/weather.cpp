@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "base/exact_math.h"
+#include "host/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/exact_math.h"
 #include "base/streams.h"
+#include "host/exact_math.h"
 
 namespace stopngo {
 namespace {

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/exact_math.h"
 #include "base/random.h"
 #include "base/streams.h"
+#include "host/exact_math.h"
 #include "scene/paint/noise.h"
 
 namespace stopngo {

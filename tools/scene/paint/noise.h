@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "base/exact_math.h"
 #include "base/random.h"
+#include "host/exact_math.h"
 
 namespace stopngo {
 

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstddef>
 
-#include "base/exact_math.h"
 #include "base/streams.h"
+#include "host/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/recipe/chance.h"
 

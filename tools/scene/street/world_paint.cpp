@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/exact_math.h"
+#include "host/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/street/world.h"
 
