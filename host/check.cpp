@@ -8,6 +8,7 @@
 #include "host/detector.h"
 #include "host/failure.h"
 #include "host/gate.h"
+#include "host/history_gate.h"
 #include "host/setting_table.h"
 #include "host/text.h"
 #include "host/weights_file.h"
@@ -75,13 +76,15 @@ struct Limit {
 std::string BadGateLimits(const Facts& f) {
   std::string sentence;
   for (const auto& [name, value, least] :
-       {Limit{"light-rate", f.s.light_rate, 0},
+       {Limit{"history-threshold", f.s.history_threshold, 0},
+        {"light-rate", f.s.light_rate, 0},
         {"speed-above", f.s.speed_above, 0},
         {"once-calm", static_cast<double>(f.s.once_calm), 0},
         {"once-busy", static_cast<double>(f.s.once_busy), static_cast<double>(f.s.once_calm)},
         {"picture-black", f.s.picture_black, 0}}) {
     if (value < least) Enlist(sentence, Print("%s %.6g is below %.6g", name, value, least));
   }
+  if (f.s.history_threshold > 1) Enlist(sentence, "history-threshold: every score is below it");
   if (f.s.picture_black > kBrightest) Enlist(sentence, "picture-black: every picture is darker");
   return sentence;
 }
@@ -124,18 +127,39 @@ std::string OutsideFrame(const Facts& f) {
                     f.s.roi_height, f.s.roi_x, f.s.roi_y, f.s.input_width, f.s.input_height));
 }
 
-std::string UnlikeWeights(const Facts& f) {
+std::string Unlike(const Settings& settings, const SettingTexts& trained, const char* what) {
   // What the decision takes from the scores may be chosen later.
   constexpr std::array kTrained{"roi-width", "roi-height", "scale", "block-size", "filter", "rate"};
-  if (!f.setup.sidecar) return {};
   std::string differences;
-  for (const auto& [name, text] : f.setup.sidecar->settings) {
-    const std::string own = TextOf(f.s, *FindSetting(name));
+  for (const auto& [name, text] : trained) {
+    const std::string own = TextOf(settings, *FindSetting(name));
     if (std::ranges::count(kTrained, name) == 0 || own == text) continue;
     Enlist(differences, name);
     differences.append(" ").append(own).append(" instead of ").append(text);
   }
-  return When(!differences.empty(), "the weights were trained for other settings: " + differences);
+  return When(!differences.empty(), what + (" were trained for other settings: " + differences));
+}
+
+std::string UnlikeWeights(const Facts& f) {
+  return f.setup.sidecar ? Unlike(f.s, f.setup.sidecar->settings, "the weights") : std::string();
+}
+
+bool HasHistory(const Facts& f) { return (f.s.gates & BitOf(GateKind::kHistory)) != 0; }
+
+std::string BadHistory(const Facts& f) {
+  if (!HasHistory(f)) return {};
+  try {
+    (void)ReadHistoryWeights(f.s.history_weights);
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+  return {};
+}
+
+std::string UnlikeHistory(const Facts& f) {
+  if (!HasHistory(f) || !BadHistory(f).empty()) return {};
+  const std::optional<Sidecar> sidecar = ReadSidecar(f.s.history_weights);
+  return sidecar ? Unlike(f.s, sidecar->settings, "the weights of the history gate") : std::string();
 }
 
 /// An alarm takes one high score more than time-leaving, and the first frame has none.
@@ -205,9 +229,12 @@ constexpr std::array kRules{
          [](const Facts& f) { return f.refused; }},
     Rule{"gate-limit", kError, "gates", "see docs/integrating.md for what the gates' settings mean",
          BadGateLimits},
+    Rule{"history-weights", kError, "history-weights", "name a file that was made for this gate", BadHistory},
     Rule{"always-lost", kError, "picture-lost", "take several times the time between two frames", AlwaysLost},
     Rule{"unlike-weights", kWarning, "weights", "take the weights' own settings, or train for these",
          UnlikeWeights},
+    Rule{"unlike-history", kWarning, "history-weights",
+         "take the settings that they were trained for, or others", UnlikeHistory},
     Rule{"other-features", kWarning, "roi-width",
          "take the region's size and the blocks that the network was made for", OtherFeatures},
     Rule{"beeping-cooling", kWarning, "time-beeping", "let cooling, which starts with the alarm, last longer",

@@ -10,6 +10,7 @@
 #include <span>
 
 #include "decide.h"
+#include "host/history_gate.h"
 #include "host/light_gate.h"
 #include "host/once_gate.h"
 #include "host/picture_gate.h"
@@ -22,14 +23,21 @@ namespace {
 
 constexpr int kOutOfReach = std::numeric_limits<int>::max();
 
+using Maker = std::unique_ptr<Gate> (*)(const Module& module, const Settings& settings);
+
 template <typename Kind>
-std::unique_ptr<Gate> Make(const Settings& settings) {
+std::unique_ptr<Gate> Make(const Module& /*module*/, const Settings& settings) {
   return std::make_unique<Kind>(settings);
 }
 
+template <>
+std::unique_ptr<Gate> Make<HistoryGate>(const Module& module, const Settings& settings) {
+  return std::make_unique<HistoryGate>(module, settings);
+}
+
 /// By kind.
-constexpr std::array<std::unique_ptr<Gate> (*)(const Settings& settings), kGateCount> kMakers{
-    nullptr, Make<LightGate>, Make<SpeedGate>, Make<OnceGate>, Make<PictureGate>};
+constexpr std::array<Maker, kGateCount> kMakers{Make<HistoryGate>, Make<LightGate>, Make<SpeedGate>,
+                                                Make<OnceGate>, Make<PictureGate>};
 
 /// The region as the module looks at it, after zoom and filter.
 std::span<const std::uint8_t> Region(const VEL_STOPNGO_CTX& context, const data_08* buffer) {
@@ -38,7 +46,13 @@ std::span<const std::uint8_t> Region(const VEL_STOPNGO_CTX& context, const data_
 
 double MeanLuma(std::span<const std::uint8_t> region) {
   if (region.empty()) return 0;
-  const std::uint64_t sum = std::accumulate(region.begin(), region.end(), std::uint64_t{0});
+  // A sum of 32 bits holds so many pixels, and compilers add them several at a time.
+  constexpr std::size_t kPixels = 65536;
+  std::uint64_t sum = 0;
+  for (auto rest = region; !rest.empty(); rest = rest.subspan(std::min(kPixels, rest.size()))) {
+    const auto some = rest.first(std::min(kPixels, rest.size()));
+    sum += std::accumulate(some.begin(), some.end(), std::uint32_t{0});
+  }
   return static_cast<double>(sum) / static_cast<double>(region.size());
 }
 
@@ -73,7 +87,7 @@ Gates::Gates(const Module& module, const Settings& settings, double fps)
   places_.reserve(kGateCount);
   for (std::size_t i = 0; i < kGateCount; ++i) {
     const auto kind = static_cast<GateKind>(i);
-    if ((settings.gates & BitOf(kind)) != 0) places_.push_back({kind, kMakers.at(i)(settings)});
+    if ((settings.gates & BitOf(kind)) != 0) places_.push_back({kind, kMakers.at(i)(module, settings)});
   }
 }
 

@@ -67,8 +67,11 @@ constexpr std::array kTable = {
     Setting{"rate", VEL_CTRL_STOPNGO_END, RateField{&S::rate},
             "frames a second to hand over, the nearest ones; 0: all", true},
     // All that follows is kept from the module: gates act through the settings above.
-    Setting{"gates", kTools, NameSet{&S::gates, kGateNames, kDefaultGates},
-            "what may hold an alarm back: light, speed, once, picture, in any number; none; or default"},
+    Setting{
+        "gates", kTools, NameSet{&S::gates, kGateNames, kDefaultGates},
+        "what may hold an alarm back: history, light, speed, once, picture, in any number; none; or default"},
+    Setting{"history-weights", kTools, &S::history_weights, "weights file of the history gate"},
+    Setting{"history-threshold", kTools, &S::history_threshold, "closes history: a score below, 0 to 1"},
     Setting{"light-rate", kTools, &S::light_rate, "closes light: levels a second of the region's mean"},
     Setting{"light-calm", kTools, SecondsField{&S::light_calm_s},
             "opens it: how long no such change has come"},

@@ -61,6 +61,8 @@ struct Settings {
   /// Gates around the module, a bit each (host/gate.h). Times are seconds of the frames' time stamps: a gate goes by
   /// what is seen, and not by how many frames show it.
   int gates = kDefaultGates;
+  std::string history_weights;
+  double history_threshold = 0.5;  ///< score of the history, below which it is closed
   /// Of the region's mean. A dark vehicle that fills a third of it and leaves within 3 s changes it by 7 a second;
   /// a step of exposure by 5 levels, which is hardly seen, at 6 frames a second by 30.
   double light_rate = 25;

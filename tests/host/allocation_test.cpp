@@ -79,7 +79,7 @@ void Sweep(const std::function<std::string()>& work) {
   EXPECT_GT(told, 5);
 }
 
-constexpr int kAllGates = (1 << kGateCount) - 1 - BitOf(GateKind::kHistory);
+constexpr int kAllGates = (1 << kGateCount) - 1;
 
 bool NothingIsSettled(const std::string& /*name*/) { return false; }
 
@@ -96,12 +96,14 @@ class Allocation : public testing::Test {
   Allocation() {
     const std::string weights(4 * (162 * 16 + 1), '\1');
     path_ = folder_.File("w.bin", weights);
+    history_ = folder_.File("h.bin", weights.substr(0, 4 * (58 * 16 + 1)));
     config_ = folder_.File("car.toml",
                            "rate = 6\nweights = \"w.bin\"\ntime-cooling = \"5s\"\nfilter = \"median\"\n");
   }
 
   TemporaryFolder folder_;
   std::string path_;
+  std::string history_;
   std::string config_;
 };
 
@@ -138,6 +140,7 @@ TEST_F(Allocation, Detector) {
     settings.weights = path_;
     settings.gates = kAllGates;
     settings.speed_file = config_;
+    settings.history_weights = history_;
     stopngo::Detector detector(module, settings, {800, 480, 6});
     LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
     std::string text;
@@ -155,6 +158,7 @@ TEST_F(Allocation, GatesTakeNoneOnceTheyAreMade) {
   settings.weights = path_;
   settings.gates = kAllGates;
   settings.speed_file = config_;
+  settings.history_weights = history_;
   stopngo::Detector detector(module, settings, {800, 480, 6});
   LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
   const FailingAllocation failing(0);

@@ -72,6 +72,13 @@ std::vector<CheckCase> Cases(const std::string& short_file) {
       {"!gate-limit ", [](Setup& s) { s.settings.once_busy = s.settings.once_calm - 1; }},
       {"!gate-limit ", [](Setup& s) { s.settings.light_rate = -1; }},
       {"!gate-limit ", [](Setup& s) { s.settings.picture_black = 256; }},
+      {"!gate-limit ", [](Setup& s) { s.settings.history_threshold = 1.5; }},
+      {"!history-weights ", [](Setup& s) { s.settings.gates = BitOf(GateKind::kHistory); }},
+      {"!history-weights ",
+       [short_file](Setup& s) {
+         s.settings.gates = BitOf(GateKind::kHistory);
+         s.settings.history_weights = short_file;
+       }},
       {"!always-lost ",
        [](Setup& s) {
          s.settings.gates = BitOf(GateKind::kPicture);

@@ -18,7 +18,7 @@
 namespace stopngo::test {
 namespace {
 
-constexpr double kHandedOver = 6;
+constexpr double kFed = 6;
 
 /// Without weights every score is 0.5, so that alarms come by the count alone.
 Settings Counting(int gates) {
@@ -53,20 +53,19 @@ struct Told {
 
 Told Play(const Settings& settings, const Scenario& scenario) {
   static const Module module(STOPNGO_MODULE_FILE);
-  stopngo::Detector detector(module, settings, {800, 480, kHandedOver});
+  stopngo::Detector detector(module, settings, {800, 480, kFed});
   LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480)};
   Told told;
   for (int i = 0; i < scenario.frames; ++i) {
     frame.index = i;
-    frame.time_s = i / kHandedOver;
+    frame.time_s = i / kFed;
     Paint(frame, scenario.grey(i));
     scenario.before(i, frame.time_s, detector);
     told.reports.push_back(detector.Write(frame));
     const FrameReport& report = told.reports.back();
     if (report.changed) told.decisions += std::to_string(i) + ":" + std::to_string(report.decision) + " ";
     told.gates += ClosedText(report.closed).empty() ? '.' : 'X';
-    EXPECT_EQ(told.gates.back() == '.',
-              detector.Context().TimeLeaving == settings.time_leaving.Frames(kHandedOver));
+    EXPECT_EQ(told.gates.back() == '.', detector.Context().TimeLeaving == settings.time_leaving.Frames(kFed));
   }
   return told;
 }
@@ -130,8 +129,8 @@ TEST(Gates, WhatWasCountedBeyondTheAlarmIsForgottenAtTheFirstLowScore) {
   VEL_STOPNGO_CTX context;
   module.Operations().open(&context);
   Settings settings = Counting(BitOf(GateKind::kSpeed));
-  Gates gates(module, settings, kHandedOver);
-  const int alarm = settings.time_leaving.Frames(kHandedOver) + 1;
+  Gates gates(module, settings, kFed);
+  const int alarm = settings.time_leaving.Frames(kFed) + 1;
   for (const int count : {0, alarm, alarm + 1, 500}) {
     context.AlarmCounter[0] = count;
     gates.Before(0, context);

@@ -123,7 +123,7 @@ void CheckCommand::TellSettings() const {
       WriteResult(
           JsonLine(Json{{"type", "setting"}, {"name", setting.name}, {"value", value}, {"from", origin}}));
     } else {
-      WriteResult(Print("%-14s %-24s %s", setting.name, value.c_str(), origin));
+      WriteResult(Print("%-17s %-24s %s", setting.name, value.c_str(), origin));
     }
   }
 }

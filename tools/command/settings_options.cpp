@@ -137,6 +137,10 @@ const char* SettingsOptions::OriginOf(const std::string& name) const {
 void SettingsOptions::EnterFiles(FileRegister& files) const {
   files.Reads(config_, "--config");
   files.Reads(settings_.speed_file, "--speed-file");
+  files.Reads(settings_.history_weights, "--history-weights");
+  if (!settings_.history_weights.empty()) {
+    files.Reads(SidecarPath(settings_.history_weights), "the sidecar of --history-weights");
+  }
   if (settings_.weights.empty()) return;
   files.Reads(settings_.weights, "the weights");
   files.Reads(SidecarPath(settings_.weights), "the weights' sidecar");

@@ -16,7 +16,7 @@ constexpr const char* kHeader =
 constexpr const char* kGateHeader = "\tgates\talone_decision";
 
 /// Names alone: a reason would be a column that only people can read.
-std::string Names(const ClosedGates& closed) {
+std::string GateNames(const ClosedGates& closed) {
   std::string names;
   for (std::size_t gate = 0; gate < kGateCount; ++gate) {
     if (closed.at(gate) != nullptr) names.append(names.empty() ? "" : ",").append(kGateNames.at(gate));
@@ -35,7 +35,7 @@ void Trace::Write(const std::string& line) {
 
 void Trace::Add(const FrameReport& frame, const FrameReport& alone) {
   const std::string of_gates =
-      gates_ ? Print("\t%s\t%d", Names(frame.closed).c_str(), alone.decision) : std::string();
+      gates_ ? Print("\t%s\t%d", GateNames(frame.closed).c_str(), alone.decision) : std::string();
   // Nine digits give every single-precision score back exactly.
   Write(Print("%lld\t%.6f\t%.9g\t%08x\t%d\t%d\t%d\t%d\t%.0f", static_cast<long long>(frame.index),
               frame.time_s, static_cast<double>(frame.score), std::bit_cast<std::uint32_t>(frame.score),

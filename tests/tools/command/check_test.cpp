@@ -33,9 +33,9 @@ TEST(CheckCommand, TellsWhereSettingsComeFrom) {
   const TemporaryFolder folder;
   const std::string config = folder.File("car.toml", "rate = 5\nroi-x = 300\n");
   const CommandResult told = Stopngo("check --no-weights --print --rate 8 --config " + config);
-  ExpectWords(told.out, {"\nrate           8                        option\n",
-                         "\nroi-x          300                      file\n",
-                         "\nroi-y          260                      default\n"});
+  ExpectWords(told.out, {"\nrate              8                        option\n",
+                         "\nroi-x             300                      file\n",
+                         "\nroi-y             260                      default\n"});
 }
 
 TEST(CheckCommand, EmitsWhatSetsADeviceSo) {
