@@ -28,9 +28,8 @@ using Quantities = std::array<float, kHistoryInputs>;
 
 enum Direction { kDown, kRight, kUp, kLeft };
 
-void Put(Histogram& histogram, int row, int column, Direction direction, int pixels) {
-  histogram.at(static_cast<std::size_t>((row * kColumns + column) * 4 + direction)) =
-      static_cast<std::int8_t>(pixels);
+void Put(Histogram& histogram, std::size_t row, std::size_t column, Direction direction, int pixels) {
+  histogram.at((row * kColumns + column) * 4 + direction) = static_cast<std::int8_t>(pixels);
 }
 
 float At(const Quantities& quantities, std::size_t span, HistoryQuantity quantity) {
@@ -39,7 +38,7 @@ float At(const Quantities& quantities, std::size_t span, HistoryQuantity quantit
 
 TEST(History, WaysAreToldApart) {
   struct Case {
-    int row, column;
+    std::size_t row, column;
     Direction direction;
     int up, right;
     float towards_column, towards_row;

@@ -15,6 +15,7 @@
 #include "base/output_file.h"
 #include "base/progress.h"
 #include "base/results.h"
+#include "base/warning.h"
 #include "command/settings_options.h"
 #include "command/setup_check.h"
 #include "command/source_options.h"
@@ -219,6 +220,7 @@ class Rendering {
       // The last frame has to outlast the attempt to read another one.
       std::swap(frame, next);
       report = detector_.Write(frame);
+      if (const char* const remark = detector_.TakeRemark()) Warn(remark);
       counts_.Add(report);
       overlay_.Record(report);
       const bool still_wanted = still_.Wants(report);
