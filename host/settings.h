@@ -79,7 +79,9 @@ struct Settings {
   double once_busy_time_s = 3;
   double once_calm_time_s = 1;
   double picture_frozen_s = 2;
-  double picture_black = 18;  ///< mean luma; limited range has its black at 16
+  /// Mean luma. Limited range has its black at 16, but regions of full range at night have means of 15, and a departure
+  /// must not be held back there.
+  double picture_black = 8;
   double picture_lost_s = 1;
 };
 

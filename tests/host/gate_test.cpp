@@ -138,7 +138,7 @@ TEST(Gate, PictureTellsFrozenBlackAndLostAndThatItIsBack) {
               return frame;
             }),
             "......fff...");
-  EXPECT_EQ(run([](int i) { return Luma(i == 0 || (i > 4 && i < 8) ? 16 : 100); }), ".b....bbb...");
+  EXPECT_EQ(run([](int i) { return Luma(i == 0 || (i > 4 && i < 8) ? 3 : 15); }), ".b....bbb...");
   EXPECT_EQ(run([](int i) {
               GateFrame frame = Luma(100);
               frame.time_s = (i < 6 ? i : i + 9) * kPeriod_s;
