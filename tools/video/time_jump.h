@@ -15,8 +15,8 @@ class TimeJump {
     constexpr double kShort_s = 0.5;  // a jump is longer
     constexpr double kManifold = 4;   // than any step before
     constexpr double kLeftOut = 2.5;  // steps, with one picture left out
-    constexpr double kRounding_s = 0.002;
-    const bool steady = longest_s_ <= kLeftOut * shortest_s_ + kRounding_s;
+    constexpr double kStampRounding_s = 0.002;
+    const bool steady = longest_s_ <= kLeftOut * shortest_s_ + kStampRounding_s;
     const bool jump = steps_ >= kFew && steady && step_s > std::max(kShort_s, kManifold * longest_s_);
     if (jump) return true;
     shortest_s_ = steps_ == 0 ? step_s : std::min(shortest_s_, step_s);
