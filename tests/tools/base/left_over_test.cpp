@@ -48,7 +48,7 @@ TEST_F(LeftOverTest, FilesOfKilledRunsAreNamedAndKept) {
       std::filesystem::directory_iterator(std::filesystem::path(folder_ / "x").parent_path())
           ->path()
           .string();
-  ExpectWords(SaidOf(folder_ / "other.y4m"), {"killed", name.c_str()});
+  ExpectWords(SaidOf(folder_ / "other.y4m"), {"killed", name});
   EXPECT_EQ(SaidOf(folder_ / "other.y4m"), "") << "once";
   EXPECT_EQ(ReadFile(name), "half");
   for (int i = 0; i < 4; ++i) LeaveBehind(folder_ / "video.y4m");
