@@ -63,7 +63,7 @@ class ClipRunner {
       }
       if (!watcher_ || !watcher_->Write(frame).analysed) continue;
       if (options_.signals) run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
-      if (options_.motion) run_.motion.push_back(ReadMotion(frame.time_s, watcher_->Context()));
+      if (options_.motion) run_.motion.push_back(ReadPairFigures(frame.time_s, watcher_->Context()));
     }
     CheckEnd(clip_, last_s);
     for (const std::vector<double>& alarms_s : alarms_s_) run_.events.push_back(Judge(alarms_s, run_.labels));

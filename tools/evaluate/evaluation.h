@@ -8,7 +8,7 @@
 
 #include "clips/clip.h"
 #include "evaluate/baseline.h"
-#include "evaluate/pair_motion.h"
+#include "evaluate/pair_figures.h"
 #include "evaluate/tally.h"
 #include "host/detector.h"
 #include "host/settings.h"
@@ -21,7 +21,7 @@ struct ClipRun {
   double fps = 0;                          ///< of the frames handed over
   std::vector<std::vector<Event>> events;  ///< a list a setting: its alarms as judged, and what it missed
   std::vector<FrameSignals> signals;       ///< where they were asked for
-  std::vector<PairMotion> motion;          ///< likewise
+  std::vector<PairFigures> motion;         ///< likewise
 };
 
 struct RunOptions {

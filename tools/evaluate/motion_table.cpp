@@ -8,13 +8,13 @@
 #include <utility>
 
 #include "base/label.h"
-#include "evaluate/pair_motion.h"
+#include "evaluate/pair_figures.h"
 #include "host/text.h"
 
 namespace stopngo {
 namespace {
 
-using Pairs = std::vector<PairMotion>;
+using Pairs = std::vector<PairFigures>;
 using Values = std::vector<double>;
 using Shares = std::array<double, 5>;
 
@@ -49,7 +49,7 @@ Spread SpreadOf(Values values, const Shares& shares) {
 struct Lists {
   Values sum, sideways, up, cells;
 
-  void Add(const PairMotion& pair) {
+  void Add(const PairFigures& pair) {
     sum.push_back(pair.sum);
     cells.push_back(pair.cells);
     if (pair.sum <= kSumWithShares) return;
@@ -83,7 +83,7 @@ struct Lists {
 /// The pairs from a time on and before another.
 Lists Between(const Pairs& pairs, double from_s, double until_s) {
   Lists lists;
-  for (const PairMotion& pair : pairs) {
+  for (const PairFigures& pair : pairs) {
     if (pair.time_s >= from_s && pair.time_s < until_s) lists.Add(pair);
   }
   return lists;
@@ -114,7 +114,7 @@ std::vector<MotionRow> MotionByLabel(std::span<const Clip> clips, std::span<cons
       };
       auto group = std::find_if(groups.begin(), groups.end(), same);
       if (group == groups.end()) group = groups.insert(groups.end(), {label.activity, clips[i].kind, {}});
-      for (const PairMotion& pair : runs[i].motion) {
+      for (const PairFigures& pair : runs[i].motion) {
         if (pair.time_s >= label.start_s && pair.time_s < label.end_s) group->lists.Add(pair);
       }
     }

@@ -8,17 +8,17 @@
 #include <string>
 #include <vector>
 
-#include "evaluate/pair_motion.h"
+#include "evaluate/pair_figures.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo::test {
 namespace {
 
-TEST(PairMotion, IsOfAllCellsAndNetToTheSides) {
+TEST(PairFigures, IsOfAllCellsAndNetToTheSides) {
   const auto context = std::make_unique<VEL_STOPNGO_CTX>();
   context->Features = 12;  // three cells of down, right, up, left
   std::ranges::copy(std::vector<inte_08>{1, 7, 2, 0, 0, 1, 4, 0, 0, 0, 0, 20}, context->MotionChunk);
-  const PairMotion motion = ReadMotion(1.5, *context);
+  const PairFigures motion = ReadPairFigures(1.5, *context);
   EXPECT_EQ(motion.time_s, 1.5);
   EXPECT_EQ(motion.sum, 35);
   EXPECT_EQ(motion.sideways, 12) << "8 to the right, 20 to the left";
@@ -58,7 +58,7 @@ TEST(MotionTable, PairsCountUnderTheLabelOfTheirTimeAndTheKindOfTheirClip) {
 
 TEST(MotionTable, DeparturesCountOnceByTheirMedian) {
   std::vector<ClipRun> runs(3, Counting());
-  for (PairMotion& pair : runs[1].motion) pair.sum *= 2;
+  for (PairFigures& pair : runs[1].motion) pair.sum *= 2;
   runs[2].labels.clear();
   const std::vector<MotionRow> rows = MotionOfDepartures(runs);
   ASSERT_EQ(rows.size(), 5U);

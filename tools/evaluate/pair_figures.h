@@ -1,11 +1,11 @@
-// pair_motion.h: the motion between two frames as the module's histogram has it, in a few figures.
+// pair_figures.h: the motion between two frames as the module's histogram has it, in a few figures.
 #pragma once
 
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
 
-struct PairMotion {
+struct PairFigures {
   double time_s;
   double sum;       ///< of all entries: the blocks' motion, pixels
   double sideways;  ///< |right - left|
@@ -14,6 +14,6 @@ struct PairMotion {
 };
 
 /// ctx: of a detector that has just analysed a frame.
-PairMotion ReadMotion(double time_s, const VEL_STOPNGO_CTX& ctx);
+PairFigures ReadPairFigures(double time_s, const VEL_STOPNGO_CTX& ctx);
 
 }  // namespace stopngo

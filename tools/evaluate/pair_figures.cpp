@@ -1,5 +1,5 @@
-// pair_motion.cpp: the motion between two frames as the module's histogram has it, in a few figures.
-#include "evaluate/pair_motion.h"
+// pair_figures.cpp: the motion between two frames as the module's histogram has it, in a few figures.
+#include "evaluate/pair_figures.h"
 
 #include <cmath>
 #include <cstddef>
@@ -15,8 +15,8 @@ constexpr int kBusyCell = 6;
 
 }  // namespace
 
-PairMotion ReadMotion(double time_s, const VEL_STOPNGO_CTX& ctx) {
-  PairMotion motion{.time_s = time_s, .sum = 0, .sideways = 0, .up = 0, .cells = 0};
+PairFigures ReadPairFigures(double time_s, const VEL_STOPNGO_CTX& ctx) {
+  PairFigures motion{.time_s = time_s, .sum = 0, .sideways = 0, .up = 0, .cells = 0};
   double sideways = 0;
   for (std::size_t cell = 0; cell < ctx.Features; cell += kCellEntries) {
     const auto* const entries = ctx.MotionChunk + cell;
