@@ -5,12 +5,12 @@
 #include <array>
 #include <limits>
 
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "host/detector.h"
-#include "host/failure.h"
 #include "host/gate.h"
 #include "host/history_gate.h"
 #include "host/setting_table.h"
-#include "host/text.h"
 #include "host/weights_file.h"
 
 namespace stopngo {

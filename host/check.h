@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/sidecar.h"

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/places.h"
+#include "host/common/places.h"
 
 namespace stopngo {
 namespace {

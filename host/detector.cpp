@@ -13,11 +13,11 @@
 #include <vector>
 
 #include "decide.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
+#include "host/common/stdout_guard.h"
+#include "host/common/text.h"
 #include "host/misfit.h"
 #include "host/setting_table.h"
-#include "host/stdout_guard.h"
-#include "host/text.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

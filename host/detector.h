@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "host/common/luma.h"
 #include "host/gates.h"
-#include "host/luma.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "vel_stopngo.h"

@@ -10,12 +10,12 @@
 #include <span>
 
 #include "decide.h"
+#include "host/common/text.h"
 #include "host/history_gate.h"
 #include "host/light_gate.h"
 #include "host/once_gate.h"
 #include "host/picture_gate.h"
 #include "host/speed_gate.h"
-#include "host/text.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/common/luma.h"
 #include "host/gate.h"
-#include "host/luma.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/speed_source.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 namespace stopngo {
 namespace {

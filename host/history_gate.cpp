@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "host/sidecar.h"
 
 namespace stopngo {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 namespace stopngo {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "host/weights_file.h"
 #include "vel_stopngo_ctx.h"
 

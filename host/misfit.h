@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 #include "vel_stopngo.h"
 
 namespace stopngo {

@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "host/failure.h"
-#include "host/places.h"
+#include "host/common/failure.h"
+#include "host/common/places.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

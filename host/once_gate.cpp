@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 namespace stopngo {
 namespace {

@@ -1,7 +1,7 @@
 // picture_gate.cpp: closed while there is no picture to go by.
 #include "host/picture_gate.h"
 
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 namespace stopngo {
 

@@ -8,8 +8,8 @@
 #include <limits>
 #include <stdexcept>
 
+#include "host/common/text.h"
 #include "host/gate.h"
-#include "host/text.h"
 
 namespace stopngo {
 namespace {

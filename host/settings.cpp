@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 

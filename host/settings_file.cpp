@@ -11,11 +11,11 @@
 #include <string_view>
 #include <variant>
 
-#include "host/failure.h"
-#include "host/file.h"
+#include "host/common/failure.h"
+#include "host/common/file.h"
+#include "host/common/spelling.h"
+#include "host/common/text.h"
 #include "host/setting_table.h"
-#include "host/spelling.h"
-#include "host/text.h"
 
 namespace stopngo {
 namespace {

@@ -7,10 +7,10 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "host/failure.h"
-#include "host/file.h"
+#include "host/common/failure.h"
+#include "host/common/file.h"
+#include "host/common/sha256.h"
 #include "host/setting_table.h"
-#include "host/sha256.h"
 #include "host/weights_file.h"
 
 namespace stopngo {

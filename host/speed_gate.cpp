@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 namespace stopngo {
 

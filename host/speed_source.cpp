@@ -9,8 +9,8 @@
 #include <cmath>
 #include <cstddef>
 
-#include "host/pace.h"
-#include "host/text.h"
+#include "host/common/pace.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

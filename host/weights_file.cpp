@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "classify.h"
-#include "host/failure.h"
-#include "host/file.h"
+#include "host/common/failure.h"
+#include "host/common/file.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

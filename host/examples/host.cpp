@@ -2,10 +2,10 @@
 #include <iostream>
 
 #include "host/check.h"
+#include "host/common/failure.h"
+#include "host/common/pace.h"
 #include "host/default_weights.h"
 #include "host/detector.h"
-#include "host/failure.h"
-#include "host/pace.h"
 
 int main(int argc, char** argv) try {
   const int padding = argc == 3 ? std::stoi(argv[1]) : -1;  // bytes behind each row

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "command/subcommand.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "reading.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "input.h"
 #include "support/temporary_folder.h"
 

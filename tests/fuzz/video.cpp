@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 #include "reading.h"
 #include "video/frame_source.h"
 #include "video/reader.h"

@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "host/check.h"
+#include "host/common/text.h"
 #include "host/detector.h"
 #include "host/gate.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/settings_file.h"
-#include "host/text.h"
 #include "host/weights_file.h"
 #include "support/temporary_folder.h"
 

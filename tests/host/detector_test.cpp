@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/settings_file.h"

@@ -1,5 +1,5 @@
 // exact_math_test.cpp: functions with the same bits everywhere are close to those of the library.
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 #include <gtest/gtest.h>
 

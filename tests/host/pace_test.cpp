@@ -1,5 +1,5 @@
 // pace_test.cpp: which frames are handed over.
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo::test {
 namespace {

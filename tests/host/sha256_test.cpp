@@ -1,5 +1,5 @@
 // sha256_test.cpp: the fingerprint is that of the standard.
-#include "host/sha256.h"
+#include "host/common/sha256.h"
 
 #include <gtest/gtest.h>
 

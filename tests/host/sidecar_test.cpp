@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/common/sha256.h"
 #include "host/settings.h"
-#include "host/sha256.h"
 #include "support/damage.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

@@ -1,5 +1,5 @@
 // text_test.cpp: text of others, as a terminal may have it.
-#include "host/text.h"
+#include "host/common/text.h"
 
 #include <gtest/gtest.h>
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "classify.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "support/random.h"
 #include "support/seed.h"
 #include "support/temporary_folder.h"

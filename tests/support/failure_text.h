@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo::test {
 

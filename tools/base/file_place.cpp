@@ -3,7 +3,7 @@
 
 #include <system_error>
 
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

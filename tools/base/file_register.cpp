@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "base/results.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstddef>
 
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -19,8 +19,8 @@
 
 #include "base/file_place.h"
 #include "base/warning.h"
-#include "host/descriptor.h"
-#include "host/text.h"
+#include "host/common/descriptor.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -4,8 +4,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "host/failure.h"
-#include "host/system_error.h"
+#include "host/common/failure.h"
+#include "host/common/system_error.h"
 
 namespace stopngo {
 

@@ -13,7 +13,7 @@
 
 #include "base/file_place.h"
 #include "base/left_over.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "base/descriptor_buffer.h"
 #include "base/interruption.h"
-#include "host/descriptor.h"
+#include "host/common/descriptor.h"
 
 namespace stopngo {
 

@@ -8,9 +8,9 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "host/failure.h"
-#include "host/system_error.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/system_error.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <set>
 
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 

@@ -5,8 +5,8 @@
 #include <mutex>
 
 #include "clips/scene_source.h"
+#include "host/common/text.h"
 #include "host/settings.h"
-#include "host/text.h"
 #include "video/damage.h"
 #include "video/open_source.h"
 

@@ -10,7 +10,7 @@
 
 #include "base/label.h"
 #include "clips/region.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "scene/script/script.h"
 #include "video/frame_source.h"
 

@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "clips/twofold.h"
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

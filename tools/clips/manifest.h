@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "clips/clip.h"
-#include "host/file.h"
+#include "host/common/file.h"
 #include "host/settings.h"
 
 namespace stopngo {

@@ -16,10 +16,10 @@
 #include "command/settings_options.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
-#include "host/text.h"
 #include "video/damage.h"
 #include "video/open_source.h"
 

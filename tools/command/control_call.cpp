@@ -4,8 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "host/common/text.h"
 #include "host/setting_table.h"
-#include "host/text.h"
 
 namespace stopngo {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 #include "host/settings.h"
 
 namespace stopngo {

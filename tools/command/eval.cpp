@@ -16,8 +16,8 @@
 #include "evaluate/curve.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -15,9 +15,9 @@
 #include "base/results.h"
 #include "command/misuse.h"
 #include "command/subcommand.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "host/module.h"
-#include "host/text.h"
 
 namespace stopngo {
 namespace {

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/spelling.h"
-#include "host/text.h"
+#include "host/common/spelling.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/results.h"
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <variant>
 
+#include "host/common/failure.h"
 #include "host/default_weights.h"
-#include "host/failure.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
 #include "host/sidecar.h"

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/warning.h"
+#include "host/common/failure.h"
 #include "host/detector.h"
-#include "host/failure.h"
 
 namespace stopngo {
 

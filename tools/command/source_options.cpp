@@ -12,8 +12,8 @@
 #include <system_error>
 
 #include "base/interruption.h"
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "video/playlist.h"
 
 namespace stopngo {

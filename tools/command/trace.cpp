@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -16,10 +16,10 @@
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
-#include "host/text.h"
 
 namespace stopngo {
 namespace {

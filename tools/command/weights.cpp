@@ -14,10 +14,10 @@
 #include "command/subcommand.h"
 #include "evaluate/network_figures.h"
 #include "evaluate/network_picture.h"
-#include "host/failure.h"
-#include "host/sha256.h"
+#include "host/common/failure.h"
+#include "host/common/sha256.h"
+#include "host/common/text.h"
 #include "host/sidecar.h"
-#include "host/text.h"
 #include "host/weights_file.h"
 
 namespace stopngo {

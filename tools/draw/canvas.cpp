@@ -9,7 +9,7 @@
 #include <new>
 #include <numbers>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "draw/axes.h"
 #include "draw/style.h"
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -11,7 +11,7 @@
 #include "draw/axes.h"
 #include "draw/style.h"
 #include "evaluate/figures.h"
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

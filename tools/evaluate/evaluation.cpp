@@ -10,7 +10,7 @@
 
 #include "base/parallel.h"
 #include "base/progress.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

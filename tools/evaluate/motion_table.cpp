@@ -9,7 +9,7 @@
 
 #include "base/label.h"
 #include "evaluate/pair_figures.h"
-#include "host/text.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

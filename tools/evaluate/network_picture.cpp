@@ -6,8 +6,8 @@
 #include <span>
 
 #include "draw/style.h"
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 
 namespace stopngo {
 namespace {

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "draw/canvas.h"
+#include "host/common/luma.h"
 #include "host/detector.h"
-#include "host/luma.h"
 #include "overlay/sampled_area.h"
 
 namespace stopngo {

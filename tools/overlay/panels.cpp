@@ -8,8 +8,8 @@
 #include <numbers>
 
 #include "draw/style.h"
+#include "host/common/text.h"
 #include "host/gates.h"
-#include "host/text.h"
 #include "overlay/field.h"
 
 namespace stopngo {

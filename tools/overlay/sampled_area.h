@@ -1,8 +1,8 @@
 // sampled_area.h: which part of a frame the module looks at.
 #pragma once
 
+#include "host/common/luma.h"
 #include "host/detector.h"
-#include "host/luma.h"
 #include "host/settings.h"
 
 namespace stopngo {

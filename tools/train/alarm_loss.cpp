@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "base/parallel.h"
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 namespace stopngo {
 namespace {

@@ -9,7 +9,7 @@
 #include <span>
 
 #include "base/streams.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

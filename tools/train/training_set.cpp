@@ -10,7 +10,7 @@
 #include "base/parallel.h"
 #include "base/streams.h"
 #include "evaluate/evaluation.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

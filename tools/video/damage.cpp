@@ -2,7 +2,7 @@
 #include "video/damage.h"
 
 #include "base/warning.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

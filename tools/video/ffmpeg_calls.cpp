@@ -9,7 +9,7 @@ extern "C" {
 
 #include <string>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -10,7 +10,7 @@ extern "C" {
 #include <cstddef>
 #include <cstring>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 namespace {

@@ -17,8 +17,8 @@ extern "C" {
 #include <utility>
 
 #include "base/interruption.h"
-#include "host/failure.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/text.h"
 #include "video/announced_end.h"
 #include "video/announced_size.h"
 #include "video/ffmpeg.h"

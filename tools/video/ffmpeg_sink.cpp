@@ -17,7 +17,7 @@ extern "C" {
 
 #include "base/descriptor_buffer.h"
 #include "base/output_file.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "video/ffmpeg.h"
 #include "video/frame_rate.h"
 #include "video/writer.h"

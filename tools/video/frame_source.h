@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 #include "video/remark.h"
 
 namespace stopngo {

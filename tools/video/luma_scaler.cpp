@@ -1,7 +1,7 @@
 // luma_scaler.cpp: scales luma planes with FFmpeg's swscale.
 #include "video/luma_scaler.h"
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "video/ffmpeg.h"
 
 namespace stopngo {

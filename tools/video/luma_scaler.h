@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 
 struct SwsContext;
 

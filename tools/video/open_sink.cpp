@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "base/file_place.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "video/writer.h"
 
 namespace stopngo {

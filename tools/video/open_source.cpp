@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "base/interruption.h"
-#include "host/failure.h"
-#include "host/pace.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/pace.h"
+#include "host/common/text.h"
 #include "video/luma_scaler.h"
 #include "video/reader.h"
 #include "video/remark.h"

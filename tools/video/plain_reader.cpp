@@ -7,9 +7,9 @@
 #include <sstream>
 #include <string_view>
 
-#include "host/failure.h"
-#include "host/system_error.h"
-#include "host/text.h"
+#include "host/common/failure.h"
+#include "host/common/system_error.h"
+#include "host/common/text.h"
 #include "video/reader.h"
 #include "video/remark.h"
 

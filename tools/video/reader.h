@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "host/text.h"
+#include "host/common/text.h"
 #include "video/frame_source.h"
 
 namespace stopngo {

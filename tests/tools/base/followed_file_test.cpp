@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <string>
 
-#include "host/failure.h"
-#include "host/file.h"
+#include "host/common/failure.h"
+#include "host/common/file.h"
 #include "support/temporary_folder.h"
 
 namespace stopngo::test {

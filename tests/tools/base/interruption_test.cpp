@@ -9,7 +9,7 @@
 #include <string>
 
 #include "base/output_file.h"
-#include "host/file.h"
+#include "host/common/file.h"
 #include "support/temporary_folder.h"
 
 namespace stopngo::test {

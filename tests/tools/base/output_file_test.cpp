@@ -9,7 +9,7 @@
 #include <string>
 
 #include "base/memory_file.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 

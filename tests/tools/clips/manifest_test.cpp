@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "host/settings.h"
 #include "support/damage.h"
 #include "support/failure_text.h"

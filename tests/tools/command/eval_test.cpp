@@ -12,7 +12,7 @@
 
 #include "clips/clip.h"
 #include "clips/region.h"
-#include "host/text.h"
+#include "host/common/text.h"
 #include "program.h"
 #include "scene/scene.h"
 #include "support/squares.h"

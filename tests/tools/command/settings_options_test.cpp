@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/common/sha256.h"
 #include "host/settings.h"
-#include "host/sha256.h"
 #include "host/sidecar.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

@@ -9,7 +9,7 @@
 
 #include "base/output_file.h"
 #include "classify.h"
-#include "host/sha256.h"
+#include "host/common/sha256.h"
 #include "host/sidecar.h"
 #include "host/weights_file.h"
 #include "program.h"

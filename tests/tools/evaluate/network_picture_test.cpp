@@ -9,7 +9,7 @@
 
 #include "classify.h"
 #include "draw/canvas.h"
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "host/weights_file.h"
 
 namespace stopngo::test {

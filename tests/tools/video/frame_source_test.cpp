@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 #include "video/open_source.h"

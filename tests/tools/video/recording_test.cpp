@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 #include "support/temporary_folder.h"
 #include "video/frame_source.h"
 #include "waves.h"

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "base/random.h"
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/texture.h"
 

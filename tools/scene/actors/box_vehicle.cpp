@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/panel.h"
 #include "scene/paint/stroke.h"
 #include "scene/space/projection.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/actors/skeleton.h"
 #include "scene/motion/route.h"
 #include "scene/motion/track.h"

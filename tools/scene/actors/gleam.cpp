@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/paint/sheet.h"
 #include "scene/paint/stroke.h"

@@ -5,7 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 namespace stopngo {
 namespace {

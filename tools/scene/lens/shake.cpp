@@ -6,7 +6,7 @@
 
 #include "base/random.h"
 #include "base/streams.h"
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/noise.h"
 
 namespace stopngo {

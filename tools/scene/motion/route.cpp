@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 namespace stopngo {
 namespace {

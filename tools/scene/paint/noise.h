@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "base/random.h"
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 
 namespace stopngo {
 

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/recipe/recipe.h"
 #include "scene/space/offset.h"
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 
 #include "base/streams.h"
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/recipe/chance.h"
 

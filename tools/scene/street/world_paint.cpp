@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/exact_math.h"
+#include "host/common/exact_math.h"
 #include "scene/paint/noise.h"
 #include "scene/street/world.h"
 

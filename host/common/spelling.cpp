@@ -1,5 +1,5 @@
 // spelling.cpp: what somebody may have meant by a name that is not known.
-#include "host/spelling.h"
+#include "host/common/spelling.h"
 
 #include <algorithm>
 #include <cstddef>

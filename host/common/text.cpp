@@ -1,5 +1,5 @@
 // text.cpp: text of others, fit for a terminal and for JSON.
-#include "host/text.h"
+#include "host/common/text.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,11 +1,11 @@
 // sha256.cpp: the fingerprint of a file's bytes.
-#include "host/sha256.h"
+#include "host/common/sha256.h"
 
 #include <openssl/evp.h>
 
 #include <array>
 
-#include "host/failure.h"
+#include "host/common/failure.h"
 
 namespace stopngo {
 

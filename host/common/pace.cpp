@@ -1,5 +1,5 @@
 // pace.cpp: which frames are handed over.
-#include "host/pace.h"
+#include "host/common/pace.h"
 
 #include <algorithm>
 #include <cmath>

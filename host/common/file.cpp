@@ -1,5 +1,5 @@
 // file.cpp: whole files, read at once, as far as their kind goes.
-#include "host/file.h"
+#include "host/common/file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "host/descriptor.h"
-#include "host/failure.h"
-#include "host/system_error.h"
+#include "host/common/descriptor.h"
+#include "host/common/failure.h"
+#include "host/common/system_error.h"
 
 namespace stopngo {
 namespace {

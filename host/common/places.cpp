@@ -1,5 +1,5 @@
 // places.cpp: where module and weights lie that nobody names: folders beside or installed with the program.
-#include "host/places.h"
+#include "host/common/places.h"
 
 #include <system_error>
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "host/luma.h"
+#include "host/common/luma.h"
 
 namespace stopngo {
 

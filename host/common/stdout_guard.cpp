@@ -1,5 +1,5 @@
 // stdout_guard.cpp: keeps what the module prints apart from a subcommand's results.
-#include "host/stdout_guard.h"
+#include "host/common/stdout_guard.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
