@@ -42,7 +42,7 @@ TEST_F(OutputsTest, ScenesGoToOpenFilesAsToStandardOutput) {
   EXPECT_EQ(Stopngo(synth + " --labels " + folder_ / "labels 3> " + folder_ / "v.y4m").exit_code, 0);
   EXPECT_EQ(folder_.Files(), 2U);
   const CommandResult traced =
-      Stopngo("run " + folder_ / "v.y4m" + " --no-weights --json --roi-x 0 --roi-y 0 --trace -");
+      Stopngo("synth - --length 0.2 | " STOPNGO_PROGRAM " run - --no-weights --json --trace -");
   EXPECT_TRUE(traced.out.starts_with("frame\t")) << traced.out;
   EXPECT_EQ(traced.out.find('{'), std::string::npos) << "a trace alone";
   EXPECT_NE(traced.err.find("\"type\":\"summary\""), std::string::npos) << traced.err;
