@@ -15,11 +15,11 @@
 namespace stopngo {
 namespace {
 
-std::FILE* results_ = stdout;
+std::FILE* destination = stdout;
 
 }  // namespace
 
-void GiveUpStandardOutput() { results_ = stderr; }
+void GiveUpStandardOutput() { destination = stderr; }
 
 void OccupyClosedStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -30,12 +30,12 @@ void OccupyClosedStreams() {
 
 void WriteResult(std::string_view line) {
   // On one terminal a progress bar may stand where the line is going to be.
-  if (isatty(fileno(results_)) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
+  if (isatty(fileno(destination)) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
   const std::string text = Escaped(line);
   errno = 0;
-  const bool written = std::fwrite(text.data(), 1, text.size(), results_) == text.size();
-  const bool failed = !written || std::fputc('\n', results_) == EOF || std::fflush(results_) != 0;
-  if (failed && results_ == stdout)
+  const bool written = std::fwrite(text.data(), 1, text.size(), destination) == text.size();
+  const bool failed = !written || std::fputc('\n', destination) == EOF || std::fflush(destination) != 0;
+  if (failed && destination == stdout)
     FailOutput();  // beside a file that is whole, what cannot be said is left out
 }
 
