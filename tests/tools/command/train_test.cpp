@@ -68,10 +68,10 @@ TEST_F(TrainTest, WritesTheSameBytesWithAnyNumberOfThreads) {
 }
 
 TEST_F(TrainTest, EveryFifthClipIsKeptApart) {
-  const std::string clips = Manifest("clips.tsv", {"synth:standing:1", "synth:departure:1-4"});
+  const std::string clips = Recordings("clips.tsv", {{2, 0}, {0, -1}, {0, -2}, {1, -1}, {1, -2}});
   const std::string weights = folder_ / "w.bin";
   const CommandResult result =
-      Stopngo("train " + clips + " --looks 1 --seeds 1 --iterations 2 -o " + weights);
+      Stopngo("train " + clips + " --rate 5 --looks 1 --seeds 1 --iterations 2 -o " + weights);
   ASSERT_EQ(result.exit_code, 0) << result.err;
   const auto json = nlohmann::json::parse(ReadFile(weights + ".json"));
   EXPECT_EQ(json["training"]["clips"], 4);
