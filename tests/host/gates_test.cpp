@@ -64,7 +64,7 @@ Told Play(const Settings& settings, const Scenario& scenario) {
     told.reports.push_back(detector.Write(frame));
     const FrameReport& report = told.reports.back();
     if (report.changed) told.decisions += std::to_string(i) + ":" + std::to_string(report.decision) + " ";
-    told.gates += ClosedText(report.closed).empty() ? '.' : 'X';
+    told.gates += ClosedText(report.closed).empty() ? '.' : '#';
     EXPECT_EQ(told.gates.back() == '.', detector.Context().TimeLeaving == settings.time_leaving.Frames(kFed));
   }
   return told;
@@ -86,7 +86,7 @@ TEST(Gates, OpenOnesChangeNothing) {
 TEST(Gates, CountsOnWhileTheLightChanges) {
   const Told told = Play(Counting(BitOf(GateKind::kLight)),
                          {.frames = 10, .grey = [](int i) { return i < 2 ? 100 : 140; }});
-  EXPECT_EQ(told.gates, "...XX.....");
+  EXPECT_EQ(told.gates, "...##.....");
   EXPECT_EQ(told.decisions, "5:1 8:2 ") << "the alarm of frame 4 comes as soon as the gate opens";
 }
 
@@ -98,7 +98,7 @@ TEST(Gates, AnAlarmThatAGateClosesOnIsToldToItsEnd) {
   Settings settings = Counting(BitOf(GateKind::kSpeed));
   settings.speed_time_s = 0.5;
   const Told told = Play(settings, {.frames = 24, .before = drive});
-  EXPECT_EQ(told.gates, ".....XXXXXXXXXXXX.......");
+  EXPECT_EQ(told.gates, ".....############.......");
   EXPECT_EQ(told.decisions, "4:1 7:2 9:0 20:1 23:2 ") << "and the count starts from nothing at 17";
   // Without a hold the next alarm could come on the frame behind the first one.
   settings.time_cooling = settings.time_leaving = {0, false};
@@ -118,7 +118,7 @@ TEST(Gates, OneAlarmAStop) {
 TEST(Gates, ThePicturesStateIsToldAndEvidenceStartsAnew) {
   const Told told = Play(Counting(BitOf(GateKind::kPicture)),
                          {.frames = 12, .grey = [](int i) { return i >= 2 && i < 5 ? 0 : 100; }});
-  EXPECT_EQ(told.gates, "...XXX......");
+  EXPECT_EQ(told.gates, "...###......");
   EXPECT_EQ(ClosedText(told.reports[3].closed), "picture (picture black)");
   EXPECT_EQ(told.decisions, "9:1 ");
 }
