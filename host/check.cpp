@@ -299,11 +299,7 @@ constexpr std::array kRules{
 
 // Weights and hold matter to no refusal; the first frame is only cropped, the second one analysed.
 std::string RefusalOf(const Module& module, const Facts& f) {
-  Settings settings = f.s;
-  settings.weights.clear();
-  settings.no_weights = true;
-  settings.log = 0;
-  settings.gates = 0;
+  Settings settings = OnlyLooking(f.s);
   settings.frame_skip = settings.time_cooling = {0, false};
   LumaFrame frame;
   frame.width = f.frames.width;

@@ -1,4 +1,4 @@
-// settings.cpp: times in frames.
+// settings.cpp: times in frames, and settings that follow from others.
 #include "host/settings.h"
 
 #include <cmath>
@@ -16,6 +16,14 @@ int FrameCount::Frames(double fps) const {
     throw Failure("a time of " + std::to_string(value) + " s has too many frames", ExitCode::kUsage);
   }
   return static_cast<int>(frames);
+}
+
+Settings OnlyLooking(Settings settings) {
+  settings.weights.clear();
+  settings.no_weights = true;
+  settings.log = 0;
+  settings.gates = 0;
+  return settings;
 }
 
 }  // namespace stopngo

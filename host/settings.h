@@ -85,4 +85,7 @@ struct Settings {
   double picture_lost_s = 1;
 };
 
+/// For a detector that is looked at and not asked to decide: without weights every score is 0.5; no log, no gates.
+Settings OnlyLooking(Settings settings);
+
 }  // namespace stopngo

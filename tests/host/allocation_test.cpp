@@ -101,6 +101,15 @@ class Allocation : public testing::Test {
                            "rate = 6\nweights = \"w.bin\"\ntime-cooling = \"5s\"\nfilter = \"median\"\n");
   }
 
+  [[nodiscard]] Settings WithAllGates() const {
+    Settings settings;
+    settings.weights = path_;
+    settings.gates = kAllGates;
+    settings.speed_file = config_;
+    settings.history_weights = history_;
+    return settings;
+  }
+
   TemporaryFolder folder_;
   std::string path_;
   std::string history_;
@@ -136,12 +145,7 @@ TEST_F(Allocation, Check) {
 TEST_F(Allocation, Detector) {
   Sweep([this] {
     const Module module(STOPNGO_MODULE_FILE);
-    Settings settings;
-    settings.weights = path_;
-    settings.gates = kAllGates;
-    settings.speed_file = config_;
-    settings.history_weights = history_;
-    stopngo::Detector detector(module, settings, {800, 480, 6});
+    stopngo::Detector detector(module, WithAllGates(), {800, 480, 6});
     LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
     std::string text;
     for (; frame.index < 4; ++frame.index) {
@@ -154,12 +158,7 @@ TEST_F(Allocation, Detector) {
 
 TEST_F(Allocation, GatesTakeNoneOnceTheyAreMade) {
   const Module module(STOPNGO_MODULE_FILE);
-  Settings settings;
-  settings.weights = path_;
-  settings.gates = kAllGates;
-  settings.speed_file = config_;
-  settings.history_weights = history_;
-  stopngo::Detector detector(module, settings, {800, 480, 6});
+  stopngo::Detector detector(module, WithAllGates(), {800, 480, 6});
   LumaFrame frame{800, 480, 0, 0, std::vector<std::uint8_t>(std::size_t{800} * 480, 7)};
   const FailingAllocation failing(0);
   for (; frame.index < 100; ++frame.index, frame.time_s += 1.0 / 6) {

@@ -35,8 +35,8 @@ void WriteResult(std::string_view line) {
   errno = 0;
   const bool written = std::fwrite(text.data(), 1, text.size(), destination) == text.size();
   const bool failed = !written || std::fputc('\n', destination) == EOF || std::fflush(destination) != 0;
-  if (failed && destination == stdout)
-    FailOutput();  // beside a file that is whole, what cannot be said is left out
+  // Beside a file that is whole, what cannot be said on standard error is left out.
+  if (failed && destination == stdout) FailOutput();
 }
 
 std::string JsonLine(const nlohmann::ordered_json& object) {

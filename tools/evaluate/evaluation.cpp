@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "base/parallel.h"
 #include "base/progress.h"
@@ -82,11 +83,8 @@ class ClipRunner {
 }  // namespace
 
 Settings Watching(Settings settings) {
-  settings.weights.clear();
-  settings.no_weights = true;
+  settings = OnlyLooking(std::move(settings));
   settings.threshold = 2;
-  settings.log = 0;
-  settings.gates = 0;
   return settings;
 }
 

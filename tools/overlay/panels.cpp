@@ -91,7 +91,8 @@ Gauge ScoreGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
           .colour = report.score > threshold ? style::kAbove : style::kBelow};
 }
 
-/// The counter has to pass TimeLeaving, so the bar is full one above it: at the alarm. A closed gate puts that out of reach.
+/// The counter has to pass TimeLeaving, so the bar is full one above it: at the alarm. A closed gate puts that out of
+/// reach.
 Gauge CounterGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   const double full = ctx.TimeLeaving + 1.0;
   const std::string held = ClosedText(report.closed);

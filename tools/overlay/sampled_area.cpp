@@ -41,13 +41,8 @@ double Step(Corners corners, DATA_32 count) {
 }  // namespace
 
 SampledArea ProbeSampledArea(const Module& module, const Settings& settings, const FrameFormat& source) {
-  Settings probe = settings;
-  // Only the geometry counts: a filter would change the coordinates, and no score is wanted.
-  probe.filter = 0;
-  probe.log = 0;
-  probe.gates = 0;
-  probe.weights.clear();
-  probe.no_weights = true;
+  Settings probe = OnlyLooking(settings);
+  probe.filter = 0;  // would change the coordinates
   probe.debug_fb.clear();
   Detector detector(module, probe, source);
   LumaFrame frame{.width = source.width, .height = source.height, .index = 0, .time_s = 0, .pixels = {}};
