@@ -13,11 +13,13 @@ namespace {
 
 /// What is wrong with the first word that a part of the command line has no place for; empty where there is none.
 std::string MisplacedWord(const CLI::App& part, const std::string& command) {
-  const std::vector<std::string> words = part.remaining();
+  std::vector<std::string> words = part.remaining();
+  // Nothing behind -- is an option; the mark itself is left over wherever it stands.
+  const auto mark = std::ranges::find(words, "--");
   // An option that is not known drags its value along.
   const auto option =
-      std::ranges::find_if(words, [](const auto& word) { return word.size() > 1 && word[0] == '-'; });
-  if (option != words.end()) {
+      std::find_if(words.begin(), mark, [](const auto& word) { return word.size() > 1 && word[0] == '-'; });
+  if (option != mark) {
     const std::string name = option->substr(0, option->find('='));
     std::vector<std::string> known;
     for (const CLI::Option* each : part.get_options()) {
@@ -26,6 +28,7 @@ std::string MisplacedWord(const CLI::App& part, const std::string& command) {
     return name + ": " + command + " has no such option" + MeantBy(name, known) + " (see " + command +
            " --help)";
   }
+  if (mark != words.end()) words.erase(mark);
   if (words.empty()) return {};
   return Quoted(words.front()) + ": one argument too many for " + command;
 }

@@ -294,6 +294,7 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {kRaw + "--bogus", 2, {"--bogus"}},
       {kRaw + "--thresold 0.5", 2, {"--thresold", "is --threshold meant"}},
       {"run a.mp4 b.mp4", 2, {"'b.mp4'", "too many"}},
+      {"run --no-weights -- --json", 1, {"--json", "No such file"}},
       {"--json run a.mp4", 2, {"--json", "stopngo has no such option"}},
       {kRaw + "--roi-x 1.5", 2, {"--roi-x", "1.5"}},
       {kRaw + "--gap-op 4294967296", 2, {"--gap-op", "4294967296"}},
