@@ -236,4 +236,6 @@ FrameReport Detector::Write(LumaFrame& frame) {
 
 const VEL_STOPNGO_CTX& Detector::Context() const { return *state_->context; }
 
+VEL_STOPNGO_CTX& Detector::Context() { return *state_->context; }
+
 }  // namespace stopngo

@@ -46,6 +46,8 @@ class Detector {
   [[nodiscard]] const char* TakeRemark();
   /// The detector's record, for vectors, histograms and geometry: see vel_stopngo_ctx.h.
   [[nodiscard]] const VEL_STOPNGO_CTX& Context() const;
+  /// For who puts into the record what was found out before.
+  [[nodiscard]] VEL_STOPNGO_CTX& Context();
 
  private:
   struct State;

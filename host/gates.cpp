@@ -78,6 +78,12 @@ std::string ClosedText(const ClosedGates& closed) {
   return text;
 }
 
+PixelFigures ReadPixels(const VEL_STOPNGO_CTX& context) {
+  const bool first = context.FrameNew == nullptr;
+  const auto region = Region(context, first ? context.FrameOld : context.FrameNew);
+  return {MeanLuma(region), !first && std::memcmp(context.FrameOld, context.FrameNew, region.size()) == 0};
+}
+
 Gates::Gates(const Module& module, const Settings& settings, double fps)
     : operations_(module.Operations()),
       time_leaving_(settings.time_leaving.Frames(fps)),
@@ -125,11 +131,14 @@ void Gates::Hold(VEL_STOPNGO_CTX& context, bool closed, bool anew) const {
 
 void Gates::After(GateFrame frame, const VEL_STOPNGO_CTX& context) {
   if (looks_) {
-    const bool first = context.FrameNew == nullptr;
-    const auto region = Region(context, first ? context.FrameOld : context.FrameNew);
-    frame.luma = MeanLuma(region);
-    frame.repeated = !first && std::memcmp(context.FrameOld, context.FrameNew, region.size()) == 0;
+    const PixelFigures pixels = ReadPixels(context);
+    frame.luma = pixels.luma;
+    frame.repeated = pixels.repeated;
   }
+  After(frame);
+}
+
+void Gates::After(const GateFrame& frame) {
   for (const Place& place : places_) place.gate->After(frame);
 }
 

@@ -22,6 +22,15 @@ using ClosedGates = std::array<const char*, kGateCount>;
 /// Those that are closed: "light (light changes), once (told already)"; empty: none.
 std::string ClosedText(const ClosedGates& closed);
 
+/// What the pixels of a frame tell gates.
+struct PixelFigures {
+  double luma = 0;        ///< mean of the region, 0 to 255
+  bool repeated = false;  ///< every pixel of the region is as it was in the frame before
+};
+
+/// context: of a detector that has just been given a frame.
+PixelFigures ReadPixels(const VEL_STOPNGO_CTX& context);
+
 /// Everything that the settings ask for. It belongs to one detector, whose record it is given with every frame, and
 /// allocates nothing once it is made.
 class Gates {
@@ -38,6 +47,8 @@ class Gates {
   void Before(double time_s, VEL_STOPNGO_CTX& context);
   /// After it: shows them what the module made of it. frame: all but what its pixels tell.
   void After(GateFrame frame, const VEL_STOPNGO_CTX& context);
+  /// The same for a frame of which everything is known.
+  void After(const GateFrame& frame);
   /// Those that were closed when the last frame was written.
   [[nodiscard]] const ClosedGates& Closed() const { return closed_; }
 
