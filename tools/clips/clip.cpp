@@ -60,10 +60,14 @@ std::vector<LabelSpan> LabelsOf(const Clip& clip) {
 }
 
 void CheckEnd(const OpenedClip& clip, double last_s) {
+  CheckEnd(clip.labels, clip.frames->Info().fps, last_s);
+}
+
+void CheckEnd(const std::vector<LabelSpan>& labels, double fps, double last_s) {
   constexpr double kRounding_s = 1;  // of times that people write
-  if (clip.labels.empty()) return;
-  const double end_s = last_s + 1 / clip.frames->Info().fps;
-  const double labelled_s = clip.labels.back().end_s;
+  if (labels.empty()) return;
+  const double end_s = last_s + 1 / fps;
+  const double labelled_s = labels.back().end_s;
   if (labelled_s <= end_s + kRounding_s) return;
   throw Failure(Print("the last label ends at %.6g s, the clip at %.6g s", labelled_s, end_s));
 }

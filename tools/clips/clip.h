@@ -1,6 +1,7 @@
 // clip.h: a labelled clip, recorded or rendered, and its frames as a detector is given them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -29,6 +30,7 @@ struct Clip {
   std::optional<Region> region{};   ///< unset: where the scene suggests it, or the tools' default
   std::optional<double> rate{};     ///< frames a second handed over; unset: as settings tell
   std::vector<LabelSpan> labels{};  ///< of a recording; a scene knows its own
+  std::size_t number = 0;           ///< its place among all clips that were read with it
   bool allow_damaged = false;       ///< a recording is taken as far as it goes
 
   [[nodiscard]] bool IsScene() const { return std::holds_alternative<DrawnScene>(source); }
@@ -53,6 +55,7 @@ std::vector<LabelSpan> LabelsOf(const Clip& clip);
 /// For after the last frame, which came at last_s: throws Failure when labels go on for more than a second. A
 /// recording that was cut short, or labels of another one, would count as time without a false alarm.
 void CheckEnd(const OpenedClip& clip, double last_s);
+void CheckEnd(const std::vector<LabelSpan>& labels, double fps, double last_s);
 
 /// The failure with the clip's name, where it does not have it yet.
 Failure NamingClip(const Clip& clip, const Failure& failure);

@@ -275,6 +275,7 @@ std::vector<Clip> ReadManifests(std::span<const std::string> paths, const Settin
   all.reserve(clips.size());
   for (Clip& clip : clips) {
     all.push_back(&clip);
+    clip.number = all.size() - 1;
     clip.allow_damaged = allow_damaged;
     if (clip.region || clip.IsScene()) continue;
     clip.region = RegionOf(settings);
