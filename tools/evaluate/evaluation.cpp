@@ -64,7 +64,10 @@ class ClipRunner {
       }
       if (!watcher_ || !watcher_->Write(frame).analysed) continue;
       if (options_.signals) run_.signals.push_back(ReadSignals(frame.time_s, watcher_->Context()));
-      if (options_.motion) run_.motion.push_back(ReadPairFigures(frame.time_s, watcher_->Context()));
+      if (options_.motion) {
+        const VEL_STOPNGO_CTX& context = watcher_->Context();
+        run_.motion.push_back(ReadPairFigures(frame.time_s, context.MotionChunk, context.Features));
+      }
     }
     CheckEnd(clip_, last_s);
     for (const std::vector<double>& alarms_s : alarms_s_) run_.events.push_back(Judge(alarms_s, run_.labels));

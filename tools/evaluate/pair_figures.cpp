@@ -1,6 +1,7 @@
 // pair_figures.cpp: the motion between two frames as the module's histogram has it, in a few figures.
 #include "evaluate/pair_figures.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -15,11 +16,12 @@ constexpr int kBusyCell = 6;
 
 }  // namespace
 
-PairFigures ReadPairFigures(double time_s, const VEL_STOPNGO_CTX& ctx) {
+PairFigures ReadPairFigures(double time_s, std::span<const std::int8_t> histogram, std::size_t features) {
   PairFigures motion{.time_s = time_s, .sum = 0, .sideways = 0, .up = 0, .cells = 0};
   double sideways = 0;
-  for (std::size_t cell = 0; cell < ctx.Features; cell += kCellEntries) {
-    const auto* const entries = ctx.MotionChunk + cell;
+  const std::size_t count = std::min(features, histogram.size() / kCellEntries * kCellEntries);
+  for (std::size_t cell = 0; cell < count; cell += kCellEntries) {
+    const auto entries = histogram.subspan(cell, kCellEntries);
     const int sum = entries[kDown] + entries[kRight] + entries[kUp] + entries[kLeft];
     motion.sum += sum;
     motion.up += entries[kUp];

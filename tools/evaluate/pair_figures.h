@@ -1,7 +1,9 @@
 // pair_figures.h: the motion between two frames as the module's histogram has it, in a few figures.
 #pragma once
 
-#include "vel_stopngo_ctx.h"
+#include <cstddef>
+#include <cstdint>
+#include <span>
 
 namespace stopngo {
 
@@ -13,7 +15,7 @@ struct PairFigures {
   int cells;  ///< with a sum of 6 or more
 };
 
-/// ctx: of a detector that has just analysed a frame.
-PairFigures ReadPairFigures(double time_s, const VEL_STOPNGO_CTX& ctx);
+/// histogram: of the pair that the frame at time_s ends; features: how many of its entries count.
+PairFigures ReadPairFigures(double time_s, std::span<const std::int8_t> histogram, std::size_t features);
 
 }  // namespace stopngo

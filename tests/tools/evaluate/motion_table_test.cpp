@@ -3,22 +3,19 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "evaluate/pair_figures.h"
-#include "vel_stopngo_ctx.h"
 
 namespace stopngo::test {
 namespace {
 
 TEST(PairFigures, IsOfAllCellsAndNetToTheSides) {
-  const auto context = std::make_unique<VEL_STOPNGO_CTX>();
-  context->Features = 12;  // three cells of down, right, up, left
-  std::ranges::copy(std::vector<inte_08>{1, 7, 2, 0, 0, 1, 4, 0, 0, 0, 0, 20}, context->MotionChunk);
-  const PairFigures motion = ReadPairFigures(1.5, *context);
+  // Cells of down, right, up, left; the fourth is none of the features.
+  const std::vector<std::int8_t> histogram{1, 7, 2, 0, 0, 1, 4, 0, 0, 0, 0, 20, 9, 9, 9, 9};
+  const PairFigures motion = ReadPairFigures(1.5, histogram, 12);
   EXPECT_EQ(motion.time_s, 1.5);
   EXPECT_EQ(motion.sum, 35);
   EXPECT_EQ(motion.sideways, 12) << "8 to the right, 20 to the left";
