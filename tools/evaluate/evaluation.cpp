@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -11,6 +10,8 @@
 
 #include "base/parallel.h"
 #include "base/progress.h"
+#include "evaluate/own_speed.h"
+#include "evaluate/replay.h"
 #include "host/common/failure.h"
 
 namespace stopngo {
@@ -22,16 +23,6 @@ Settings SettingsFor(const OpenedClip& clip, const Settings& settings) {
   Settings placed = Placed(settings, clip.region, info.width, info.height);
   placed.speed_file.clear();  // tells the speed of now
   return placed;
-}
-
-/// Of a clip the labels know it; where it has none, nobody does.
-std::optional<double> OwnSpeed(const OpenedClip& clip, double time_s) {
-  constexpr double kFast = std::numeric_limits<double>::max();
-  for (const LabelSpan& span : clip.labels) {
-    if (time_s < span.start_s || time_s >= span.end_s) continue;
-    return span.activity == Activity::kEgoMoving ? kFast : 0;
-  }
-  return std::nullopt;
 }
 
 class ClipRunner {
@@ -56,7 +47,7 @@ class ClipRunner {
     double last_s = 0;
     while (clip_.frames->Next(frame)) {
       last_s = frame.time_s;
-      const std::optional<double> speed = OwnSpeed(clip_, frame.time_s);
+      const std::optional<double> speed = OwnSpeed(clip_.labels, frame.time_s);
       for (std::size_t i = 0; i < detectors_.size(); ++i) {
         if (speed) detectors_[i]->SetSpeed(*speed, frame.time_s);
         const FrameReport report = detectors_[i]->Write(frame);
@@ -100,7 +91,8 @@ std::vector<ClipRun> RunClips(std::span<const Clip> clips, const RunOptions& opt
   std::mutex drawing;
   InParallel(clips.size(), options.jobs, [&](std::size_t i) {
     try {
-      runs[i] = ClipRunner(module, options, clips[i]).Run();
+      runs[i] = options.features != nullptr ? ReplayClip(module, options, clips[i])
+                                            : ClipRunner(module, options, clips[i]).Run();
     } catch (const Failure& failure) {
       throw NamingClip(clips[i], failure);
     }

@@ -10,6 +10,7 @@
 #include "evaluate/baseline.h"
 #include "evaluate/pair_figures.h"
 #include "evaluate/tally.h"
+#include "features/feature_folder.h"
 #include "host/detector.h"
 #include "host/settings.h"
 
@@ -30,6 +31,7 @@ struct RunOptions {
   bool signals = false;
   bool motion = false;
   int jobs = 1;
+  const FeatureFolder* features = nullptr;  ///< in the stead of the clips' pictures
 };
 
 /// Settings that analyse every frame, for which no weights are needed: no score is ever above 1, and so no hold begins.
