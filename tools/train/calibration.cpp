@@ -28,7 +28,7 @@ std::vector<double> Shifts() {
 // A threshold moved the other way would not do the same: the decision also takes off its count for scores
 // clearly below the threshold, in whole tenths, and for none at all where the threshold is below 0.2.
 Calibration Calibrate(const Network& network, std::span<const Clip> clips, const Settings& settings,
-                      double false_per_hour, int jobs) {
+                      double false_per_hour, int jobs, const FeatureFolder* features) {
   const std::vector<double> shifts = Shifts();
   std::deque<MemoryFile> files;  // the module takes weights from files alone
   std::vector<Settings> tried;
@@ -40,7 +40,7 @@ Calibration Calibrate(const Network& network, std::span<const Clip> clips, const
     WriteFile(tried.back().weights, WeightsBytes(shifted));
   }
   const std::vector<ClipRun> runs =
-      RunClips(clips, {.title = "calibrating", .settings = tried, .jobs = jobs});
+      RunClips(clips, {.title = "calibrating", .settings = tried, .jobs = jobs, .features = features});
   Calibration best;
   for (std::size_t i = 0; i < tried.size(); i++) {
     const Tally tally = TallyAll(runs, i);

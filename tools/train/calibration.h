@@ -5,6 +5,7 @@
 
 #include "clips/clip.h"
 #include "evaluate/tally.h"
+#include "features/feature_folder.h"
 #include "host/settings.h"
 #include "host/weights_file.h"
 
@@ -17,8 +18,9 @@ struct Calibration {
 
 /// settings: with the decision that the scores are to suit; their weights do not matter. Runs the module
 /// itself over the clips, with copies of the network side by side whose biases differ, and picks the best:
-/// see Better; of biases that do equally well, the one moved least. Throws Failure.
+/// see Better; of biases that do equally well, the one moved least. features: in the stead of the clips' pictures.
+/// Throws Failure.
 Calibration Calibrate(const Network& network, std::span<const Clip> clips, const Settings& settings,
-                      double false_per_hour, int jobs);
+                      double false_per_hour, int jobs, const FeatureFolder* features = nullptr);
 
 }  // namespace stopngo

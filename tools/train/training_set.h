@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "clips/clip.h"
+#include "features/feature_folder.h"
 #include "host/detector.h"
 #include "host/settings.h"
 #include "train/feature_track.h"
@@ -14,8 +15,9 @@
 namespace stopngo {
 
 struct Looks {
-  int count = 1;           ///< tracks from each clip; the first is the clip as it stands
-  std::uint64_t seed = 1;  ///< of how the others differ
+  int count = 1;                          ///< tracks from each clip; the first is the clip as it stands
+  std::uint64_t seed = 1;                 ///< of how the others differ
+  const FeatureFolder* stored = nullptr;  ///< in the stead of the clips' pictures
 };
 
 /// The tracks of all clips, those of one clip side by side, in the clips' order. A look after the first may
