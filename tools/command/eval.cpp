@@ -86,7 +86,8 @@ class Evaluation {
     runs_ = RunClips(clips_, {.title = "eval",
                               .settings = settings,
                               .signals = !arguments_.baselines.empty(),
-                              .jobs = options_.jobs});
+                              .jobs = options_.jobs,
+                              .features = options_.Features()});
     RunBaselines();
     if (curve_table_) WriteCurveFiles(settings);
     options_.json ? TellJson() : Tell();

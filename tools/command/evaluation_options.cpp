@@ -24,6 +24,7 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   AddAllowDamaged(app, allow_damaged);
+  AddFeaturesFrom(app, features_from_);
   app.add_flag("--json", json, "JSON Lines");
 }
 
@@ -31,7 +32,26 @@ std::vector<Clip> EvaluationOptions::Clips(FileRegister& files) {
   options_.Complete();
   HeedFindings(Module(), options_.InForce());
   options_.EnterFiles(files);
-  return ClipsOf(manifests, settings, allow_damaged, files);
+  std::vector<Clip> clips = ClipsOf(manifests, settings, allow_damaged, files);
+  ReadFeatures(features_from_, settings, files, features_);
+  return clips;
+}
+
+void AddFeaturesFrom(CLI::App& app, std::string& folder) {
+  app.add_option("--features-from", folder,
+                 "take clips from what stopngo features has kept of them, not from pictures")
+      ->type_name("DIR");
+}
+
+void ReadFeatures(const std::string& folder, const Settings& settings, FileRegister& files,
+                  std::optional<FeatureFolder>& features) {
+  if (folder.empty()) return;
+  if (settings.log > 0) {
+    throw Failure("--log: the module tells of pictures, and with --features-from there are none",
+                  ExitCode::kUsage);
+  }
+  for (const std::string& path : FeatureFilesIn(folder)) files.Reads(path, "--features-from");
+  features.emplace(folder);
 }
 
 std::vector<Clip> ClipsOf(std::span<const std::string> manifests, const Settings& settings,

@@ -116,6 +116,7 @@ class TrainCommand : public Subcommand {
   void RefuseSettings() const;
   void ReadClips(FileRegister& files);
   void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
+  [[nodiscard]] const FeatureFolder* Stored() const { return features_ ? &*features_ : nullptr; }
   [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
   [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
@@ -127,7 +128,8 @@ class TrainCommand : public Subcommand {
   SettingsOptions options_;
   TrainingOptions training_;
   ClipSet clips_, validation_, test_;
-  std::string output_, report_;
+  std::string output_, report_, features_from_;
+  std::optional<FeatureFolder> features_;
   bool allow_damaged_ = false;
   int jobs_ = HardwareJobs();
 };
@@ -148,6 +150,7 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
       ->check(CLI::Range(1, 256))
       ->type_name("N");
   AddAllowDamaged(app, allow_damaged_);
+  AddFeaturesFrom(app, features_from_);
   const auto number = [&app](const char* name, auto& value, const char* help, auto low, auto high) {
     app.add_option(name, value, help)
         ->capture_default_str()
@@ -222,7 +225,7 @@ void TrainCommand::RefuseWithoutDepartures(const std::vector<FeatureTrack>& trac
 std::vector<FeatureTrack> TrainCommand::Collect(const Module& module, const std::vector<Clip>& clips,
                                                 const char* title, int looks) const {
   Progress progress(title, static_cast<std::int64_t>(clips.size()));
-  return CollectTracks(module, settings_, clips, {looks, training_.seed}, jobs_,
+  return CollectTracks(module, settings_, clips, {looks, training_.seed, Stored()}, jobs_,
                        [&progress] { progress.Step(); });
 }
 
@@ -275,8 +278,8 @@ nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
   WriteFile(file.Path(), WeightsBytes(network));
   Settings settings = settings_;
   settings.weights = file.Path();
-  const std::vector<ClipRun> runs =
-      RunClips(test_.clips, {.title = "test clips", .settings = {&settings, 1}, .jobs = jobs_});
+  const std::vector<ClipRun> runs = RunClips(
+      test_.clips, {.title = "test clips", .settings = {&settings, 1}, .jobs = jobs_, .features = Stored()});
   nlohmann::ordered_json figures;
   for (const NamedTally& kind : TallyKinds(test_.clips, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
   figures["all"] = FigureJson(TallyAll(runs, 0));
@@ -299,6 +302,7 @@ void TrainCommand::Complete() {
   HeedFindings(Module(), setup);
   options_.EnterFiles(files);
   ReadClips(files);
+  ReadFeatures(features_from_, settings_, files, features_);
 }
 
 void TrainCommand::Run() {
@@ -320,7 +324,7 @@ void TrainCommand::Run() {
   if (const std::string fault = FaultOf(network); !fault.empty())
     throw Failure("the network that came out: " + fault);
   const Calibration calibration =
-      Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_);
+      Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_, Stored());
   network.numbers.back() += static_cast<float>(calibration.shift);
   const std::string bytes = WeightsBytes(network);
   weights_file.Stream() << bytes;

@@ -111,8 +111,9 @@ class Search {
     for (std::size_t pass = 0; pass < passes.size(); ++pass) {
       const std::vector<Settings> settings = Combinations(passes[pass], dimensions.subspan(1));
       const std::string title = Print("tune %zu/%zu", pass + 1, passes.size());
-      const std::vector<ClipRun> runs =
-          RunClips(clips_, {.title = title, .settings = settings, .jobs = options_.jobs});
+      const std::vector<ClipRun> runs = RunClips(
+          clips_,
+          {.title = title, .settings = settings, .jobs = options_.jobs, .features = options_.Features()});
       for (std::size_t i = 0; i < settings.size(); ++i) {
         candidates_.push_back({settings[i], TallyAll(runs, i)});
       }

@@ -41,7 +41,7 @@ struct ClipFeatures {
   std::string key;                ///< see ClipKeys
   std::vector<LabelSpan> labels;  ///< a scene's own; of a recording, the manifest's
   bool damaged_allowed = false;   ///< the recording was taken as far as it goes
-  std::uint64_t looks_seed = 0;   ///< that the looks were drawn from
+  std::uint64_t looks_seed = 0;   ///< that the looks after the first were drawn from
   std::optional<Pass>
       evaluation;           ///< a view a filter, in the order of their numbers; with pixels and signals
   std::vector<Pass> looks;  ///< for a training: the views of all of them are its looks

@@ -21,14 +21,14 @@ struct FeatureRecipe {
   FeatureRecipe(const Settings& settings, const FeatureChoice& choice)
       : scale(settings.scale),
         block_size(settings.block_size),
-        filter(settings.filter),
+        filter(choice.looks > 0 ? settings.filter : 0),
         evaluation(choice.evaluation),
         looks(choice.looks) {}
 
   std::uint32_t scene_version = kSceneVersion;
   std::int32_t scale = 0;
   std::int32_t block_size = 0;
-  std::int32_t filter = 0;  ///< of looks; an evaluation has a view of every one
+  std::int32_t filter = 0;  ///< that looks go by; an evaluation has a view of every one
   bool evaluation = false;
   std::int32_t looks = 0;
 

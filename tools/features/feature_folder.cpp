@@ -7,68 +7,9 @@
 #include <system_error>
 #include <utility>
 
-#include "host/common/text.h"
+#include "features/fault.h"
 
 namespace stopngo {
-namespace {
-
-constexpr std::size_t kFilters = 3;
-
-std::string Told(std::int32_t number) { return std::to_string(number); }
-
-/// Why features of a file will not do; nothing where they do.
-std::optional<Failure> FaultOf(const FeatureFile& file, const Clip& clip, const FeatureRecipe& wanted) {
-  const FeatureRecipe& made = file.Recipe();
-  const auto fault = [&](const std::string& reason, ExitCode code) {
-    return Failure(file.Path() + ": " + clip.name + ": " + reason, code);
-  };
-  if (clip.IsScene() && made.scene_version != kSceneVersion) {
-    return fault("features of version " + std::to_string(made.scene_version) +
-                     " of the scenes, and this program renders version " + std::to_string(kSceneVersion) +
-                     "; remove the file, and make it anew with stopngo features",
-                 ExitCode::kFailed);
-  }
-  if (made.scale != wanted.scale || made.block_size != wanted.block_size) {
-    return fault("features with --scale " + Told(made.scale) + " and --block-size " + Told(made.block_size) +
-                     " serve no detector with " + Told(wanted.scale) + " and " + Told(wanted.block_size),
-                 ExitCode::kUsage);
-  }
-  if (wanted.evaluation && !made.evaluation) {
-    return fault("features for a training alone (--only-looks), and decisions are asked for",
-                 ExitCode::kUsage);
-  }
-  if (wanted.looks > made.looks) {
-    return fault(
-        "features with --looks " + Told(made.looks) + ", and " + Told(wanted.looks) + " are asked for",
-        ExitCode::kUsage);
-  }
-  if (wanted.looks > 0 && wanted.filter != made.filter) {
-    return fault("features whose looks have another --filter", ExitCode::kUsage);
-  }
-  return std::nullopt;
-}
-
-std::optional<Failure> FaultOf(const FeatureFile& file, const Clip& clip, const FeatureChoice& choice,
-                               const ClipFeatures& features) {
-  const std::string start = file.Path() + ": " + clip.name + ": ";
-  if (choice.looks > 1 && features.looks_seed != choice.seed + clip.number) {
-    return Failure(
-        start + "features whose looks were drawn with another --seed, or for another place in the manifests",
-        ExitCode::kUsage);
-  }
-  if (features.damaged_allowed && !clip.allow_damaged) {
-    return Failure(
-        start + "features of a recording that was taken as far as it goes, which asks for --allow-damaged",
-        ExitCode::kUsage);
-  }
-  const bool whole =
-      (!choice.evaluation || (features.evaluation && features.evaluation->views.size() == kFilters)) &&
-      (choice.looks == 0 || !features.looks.empty());
-  if (!whole) return Failure(start + "features that lack what their file announces");
-  return std::nullopt;
-}
-
-}  // namespace
 
 std::vector<std::string> FeatureFilesIn(const std::string& folder) {
   std::error_code error;
@@ -98,19 +39,14 @@ ClipFeatures FeatureFolder::Find(const Clip& clip, const Settings& settings,
   if (found == entries_.end()) {
     throw Failure(folder_ + ": no features of " + clip.name + " (" + key + "); stopngo features makes them");
   }
-  const FeatureRecipe wanted(settings, choice);
   std::optional<Failure> first;
   for (const Entry& entry : found->second) {
-    std::optional<Failure> fault = FaultOf(*entry.file, clip, wanted);
-    if (!fault) {
-      ClipFeatures features = entry.file->Features(entry.record);
-      fault = FaultOf(*entry.file, clip, choice, features);
-      if (!fault) {
-        if (!clip.IsScene()) features.labels = clip.labels;
-        return features;
-      }
+    FoundFeatures kept = FindIn(*entry.file, entry.record, clip, settings, choice);
+    if (!kept.fault) {
+      if (!clip.IsScene()) kept.features.labels = clip.labels;
+      return std::move(kept.features);
     }
-    if (!first) first = std::move(fault);
+    if (!first) first = std::move(kept.fault);
   }
   throw Failure(*first);
 }

@@ -100,7 +100,7 @@ ClipFeatures CollectFeatures(const Module& module, const Settings& settings, con
                              const FeatureChoice& choice) {
   ClipFeatures features;
   features.damaged_allowed = clip.allow_damaged && !clip.IsScene();
-  features.looks_seed = choice.looks > 0 ? choice.seed + clip.number : 0;
+  features.looks_seed = choice.looks > 1 ? choice.seed + clip.number : 0;
   if (choice.evaluation) AddEvaluation(module, settings, clip, features);
   const double rate = clip.rate.value_or(settings.rate);
   for (const LooksAtRate& at_rate :
