@@ -34,6 +34,8 @@ void EnterFolder() {
   std::filesystem::current_path(fuzz::Folder() / ".");
   // The default weights, whatever is built beside this program.
   setenv("STOPNGO_WEIGHTS", "w", 1);
+  // And no module: one that was built with the targets would be unloaded, with the counters that the fuzzer reads.
+  setenv("STOPNGO_MODULE", "none", 1);
 }
 
 /// As a process would get them: none holds a zero. The first few: the parser looks for each among all options.
