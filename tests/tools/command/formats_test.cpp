@@ -124,6 +124,9 @@ TEST_F(Formats, OfJudgementsAreDocumented) {
       Stopngo("tune " + manifest + weights + "--try-filter none --try-threshold 0.4 --try-gap-op 2");
   EXPECT_EQ(KeysOf(tune.out), Both(figures_, Documented("### tune"))) << tune.err;
   EXPECT_EQ(KeysOf(Stopngo("features --table --json " + manifest).out), Documented("### features"));
+  const std::string few = folder_.File("few.tsv", clips + "synth:standing:1\t-\t0.5\t-\t-\n");
+  EXPECT_EQ(KeysOf(Stopngo("features --json " + few + " -o " + folder_ / "kept").out),
+            Documented("#### With --output"));
 }
 
 TEST_F(Formats, OfSettingsAndWeightsAreDocumented) {
