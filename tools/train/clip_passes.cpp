@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <span>
 #include <utility>
@@ -67,31 +68,39 @@ Pass CollectPass(const OpenedClip& opened, Viewers viewers) {
   return pass;
 }
 
-/// Of the frames that an evaluation sees.
-void AddEvaluation(const Module& module, const Settings& settings, const Clip& clip, ClipFeatures& features) {
-  const OpenedClip opened = OpenClip(clip, settings.rate, 0);
+/// What one pass over a clip's frames is for.
+struct Purpose {
+  bool evaluation;
+  const LooksAtRate* looks;  ///< null: none
+};
+
+void AddPass(const Module& module, const Settings& settings, Clip clip, const Purpose& purpose,
+             ClipFeatures& features) {
+  if (purpose.looks != nullptr) clip.rate = purpose.looks->rate;
+  const OpenedClip opened = OpenClip(clip, settings.rate, purpose.looks != nullptr ? kLookShift : 0);
   const SourceInfo& info = opened.frames->Info();
   Viewers viewers;
-  for (int filter = 0; filter < kFilters; filter++) {
+  for (int filter = 0; purpose.evaluation && filter < kFilters; filter++) {
     Settings watching = Placed(Watching(settings), opened.region, info.width, info.height);
     watching.filter = filter;
     viewers.push_back(std::make_unique<Viewer>(module, watching, info, false, true));
   }
-  features.labels = opened.labels;
-  features.evaluation = CollectPass(opened, std::move(viewers));
-}
-
-void AddLooks(const Module& module, const Settings& settings, Clip clip, const LooksAtRate& at_rate,
-              ClipFeatures& features) {
-  clip.rate = at_rate.rate;
-  const OpenedClip opened = OpenClip(clip, 0, kLookShift);
-  Viewers viewers;
-  for (const Look& look : at_rate.looks) {
-    viewers.push_back(std::make_unique<Viewer>(module, ForLook(settings, opened, look), opened.frames->Info(),
-                                               look.mirrored, false));
+  const auto deciding = static_cast<std::ptrdiff_t>(viewers.size());
+  if (purpose.looks != nullptr) {
+    for (const Look& look : purpose.looks->looks) {
+      const Settings watching = ForLook(settings, opened, look);
+      viewers.push_back(std::make_unique<Viewer>(module, watching, info, look.mirrored, false));
+    }
   }
   features.labels = opened.labels;
-  features.looks.push_back(CollectPass(opened, std::move(viewers)));
+  Pass pass = CollectPass(opened, std::move(viewers));
+  const auto looks = std::make_move_iterator(pass.views.begin() + deciding);
+  if (purpose.looks != nullptr) {
+    features.looks.push_back({pass.fps, pass.times_s, {looks, std::make_move_iterator(pass.views.end())}});
+  }
+  if (!purpose.evaluation) return;
+  pass.views.resize(static_cast<std::size_t>(deciding));
+  features.evaluation = std::move(pass);
 }
 
 }  // namespace
@@ -101,11 +110,14 @@ ClipFeatures CollectFeatures(const Module& module, const Settings& settings, con
   ClipFeatures features;
   features.damaged_allowed = clip.allow_damaged && !clip.IsScene();
   features.looks_seed = choice.looks > 1 ? choice.seed + clip.number : 0;
-  if (choice.evaluation) AddEvaluation(module, settings, clip, features);
-  const double rate = clip.rate.value_or(settings.rate);
-  for (const LooksAtRate& at_rate :
-       DrawLooks(settings, rate, choice.looks, RandomOf(features.looks_seed, stream::kLooks))) {
-    AddLooks(module, settings, clip, at_rate, features);
+  const std::vector<LooksAtRate> looks = DrawLooks(settings, clip.rate.value_or(settings.rate), choice.looks,
+                                                   RandomOf(features.looks_seed, stream::kLooks));
+  // A recording gives its whole pictures to both. Of a scene a margin around the region is drawn for looks beside it,
+  // and with it other noise.
+  const bool together = choice.evaluation && !clip.IsScene() && !looks.empty();
+  if (choice.evaluation && !together) AddPass(module, settings, clip, {true, nullptr}, features);
+  for (const LooksAtRate& at_rate : looks) {
+    AddPass(module, settings, clip, {together && &at_rate == &looks.front(), &at_rate}, features);
   }
   return features;
 }
