@@ -67,6 +67,9 @@ class ByteReader {
     if (count > rest_.size() / bytes_each) throw BadBytes{};
     return count;
   }
+  void Expect(std::size_t bytes) const {
+    if (bytes > rest_.size()) throw BadBytes{};
+  }
   void ExpectEnd() const {
     if (!rest_.empty()) throw BadBytes{};
   }

@@ -55,6 +55,7 @@ View TakeView(ByteReader& in, std::size_t frames, bool decides) {
   view.columns = in.Take<std::uint8_t>();
   view.rows = in.Take<std::uint8_t>();
   if (std::size_t{4} * view.columns * view.rows > kChunkCapacity) throw BadBytes{};
+  in.Expect(pairs * kMapBytes);
   view.histograms.resize(pairs * kChunkCapacity);
   for (std::size_t pair = 0; pair < pairs; ++pair) {
     TakeHistogram(in, std::span(view.histograms).subspan(pair * kChunkCapacity, kChunkCapacity));
