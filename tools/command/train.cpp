@@ -190,6 +190,9 @@ void TrainCommand::RefuseSettings() const {
     refuse("--features, --hiddens: the module has room for 1 to " + std::to_string(kWeightCapacity) +
            " weights");
   }
+  if (features > kChunkCapacity) {
+    refuse("--features: the module's histogram has " + std::to_string(kChunkCapacity) + " entries");
+  }
 }
 
 void TrainCommand::ReadClips(FileRegister& files) {

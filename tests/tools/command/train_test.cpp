@@ -106,6 +106,7 @@ TEST_F(TrainTest, RefusesBeforeItBegins) {
       {clips + weights + " --threshold -1", "--threshold"},
       {clips + weights + " --hiddens 0", "--hiddens"},
       {clips + weights + " --features 4000000000", "--features"},
+      {clips + weights + " --features 81 --hiddens 1", "--features"},
       {clips + weights + " --rate 0 --time-leaving 0.5s", "--time-leaving"},
       {clips + weights + " --original-size 1280", "--original-size"},
       {clips + weights + " --weights none.bin", "--weights"},
