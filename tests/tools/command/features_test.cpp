@@ -95,7 +95,8 @@ TEST_F(FeaturesTest, GiveTheSameTrainingsAsPictures) {
     EXPECT_EQ(result.exit_code, 0) << result.err;
     return result.out + ReadFile(weights) + ReadFile(weights + ".json") + ReadFile(report);
   };
-  for (const std::string& sets : {" --validation " + others + " --test " + others, std::string()}) {
+  const std::string apart = " --validation " + others + " --test " + others;
+  for (const std::string& sets : {apart, std::string()}) {
     EXPECT_TRUE(train(sets) == train(sets + " --features-from " + kept_)) << sets;
   }
   const std::string from = "train " + clips + " --features-from " + kept_ + " -o " + weights;
@@ -105,18 +106,21 @@ TEST_F(FeaturesTest, GiveTheSameTrainingsAsPictures) {
 
 TEST_F(FeaturesTest, PartsAndBrokenOffWorkMakeTheSameFolder) {
   std::string clips;
-  for (const std::string name : {"1", "2", "3", "4"}) {
-    const std::string scenes =
-        "synth:standing:" + name + "\t-\t0.5\t-\n" + "synth:departure:" + name + "\t-\t0.5\t-\n";
-    clips += folder_.File(name + ".tsv", "clip\tregion\trate\tlabels\n" + scenes) + " ";
+  for (const char* const name : {"1", "2", "3", "4"}) {
+    std::string text = "clip\tregion\trate\tlabels\n";
+    for (const char* const kind : {"standing", "departure"}) {
+      text.append("synth:").append(kind).append(":").append(name).append("\t-\t0.5\t-\n");
+    }
+    clips.append(folder_.File(std::string(name) + ".tsv", text)).append(" ");
   }
   clips += "--only-looks --looks 2";
   Keep(clips + " --jobs 3");
   const auto whole = Kept(kept_);
   ASSERT_EQ(whole.size(), 4U);
   const std::string parts = folder_ / "parts";
+  const std::string make_part = "features " + clips + " --jobs 1 -o " + parts + " --part ";
   for (const char* const part : {"2/3", "1/3", "3/3"}) {
-    const CommandResult made = Stopngo("features " + clips + " --jobs 1 -o " + parts + " --part " + part);
+    const CommandResult made = Stopngo(make_part + part);
     ASSERT_EQ(made.exit_code, 0) << made.err;
     EXPECT_EQ(made.out.find(": 0 files"), std::string::npos) << part << " has something to do";
   }
@@ -140,15 +144,17 @@ TEST_F(FeaturesTest, OfOtherClipsOrSettingsAreRefused) {
     int exit_code;
     std::vector<std::string> words;
   };
-  for (const Refused& refused :
-       std::vector<Refused>{{"eval " + clips + from + " --scale 2", 2, {"--scale 0", "departure:3"}},
-                            {"eval " + clips + from + " --log 1", 2, {"--log"}},
-                            {"eval " + more + from, 1, {"no features of more.tsv0-1.y4m"}},
-                            {"eval " + clips + " --features-from " + folder_ / "nowhere", 1, {"nowhere"}},
-                            {to + " --looks 1", 2, {"--looks 0"}},
-                            {to + " --part 3/2", 2, {"'3/2'"}},
-                            {to + " --features-from " + kept_, 2, {"--features-from"}},
-                            {"features " + clips, 2, {"--table", "--output"}}}) {
+  const std::vector<Refused> cases{
+      {"eval " + clips + from + " --scale 2", 2, {"--scale 0", "departure:3"}},
+      {"eval " + clips + from + " --log 1", 2, {"--log"}},
+      {"eval " + more + from, 1, {"no features of more.tsv0-1.y4m"}},
+      {"eval " + clips + " --features-from " + folder_ / "nowhere", 1, {"nowhere"}},
+      {to + " --looks 1", 2, {"--looks 0"}},
+      {to + " --part 3/2", 2, {"'3/2'"}},
+      {to + " --features-from " + kept_, 2, {"--features-from"}},
+      {"features " + clips, 2, {"--table", "--output"}},
+  };
+  for (const Refused& refused : cases) {
     ExpectRefusal(Stopngo(refused.arguments), refused.exit_code, refused.words);
   }
   EXPECT_TRUE(Kept(kept_) == whole) << "nothing was made anew";
