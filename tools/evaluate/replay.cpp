@@ -36,7 +36,7 @@ Settings WithoutSpeedFile(Settings settings) {
 }
 
 /// One of the frames, and the pair with the one before it.
-struct Moment {
+struct KeptFrame {
   std::size_t frame;
   double time_s;
   std::optional<double> speed;
@@ -53,17 +53,17 @@ class Replay {
   }
 
   /// Whether the decision has changed to 1.
-  bool Alarms(const Moment& moment) {
+  bool Alarms(const KeptFrame& kept) {
     VEL_STOPNGO_CTX& context = detector_.Context();
-    if (moment.frame > 0) std::ranges::copy(Histogram(moment.frame), context.MotionChunk);
+    if (kept.frame > 0) std::ranges::copy(Histogram(kept.frame), context.MotionChunk);
     if (gates_) {
-      if (moment.speed) gates_->SetSpeed(*moment.speed, moment.time_s);
-      gates_->Before(moment.time_s, context);
+      if (kept.speed) gates_->SetSpeed(*kept.speed, kept.time_s);
+      gates_->Before(kept.time_s, context);
     }
-    blank_.index = static_cast<std::int64_t>(moment.frame);
-    blank_.time_s = moment.time_s;
+    blank_.index = static_cast<std::int64_t>(kept.frame);
+    blank_.time_s = kept.time_s;
     const FrameReport report = detector_.Write(blank_);
-    if (gates_) gates_->After(Shown(moment.frame, report));
+    if (gates_) gates_->After(Shown(kept.frame, report));
     return report.changed && report.decision == 1;
   }
 
@@ -79,8 +79,8 @@ class Replay {
     shown.luma = view_.pixels[frame].luma;
     shown.repeated = view_.pixels[frame].repeated;
     if (!report.analysed) return shown;
-    constexpr std::size_t kDirections = 4;
-    shown.histogram = Histogram(frame).first(kDirections * view_.columns * view_.rows);
+    constexpr std::size_t kEntriesACell = 4;
+    shown.histogram = Histogram(frame).first(kEntriesACell * view_.columns * view_.rows);
     shown.columns = view_.columns;
     return shown;
   }
