@@ -23,7 +23,7 @@ OpenedClip OpenRecording(const Clip& clip, double rate) {
   options.height = kPictureHeight;
   options.rate = rate;
   options.hear = DamageRule(DamageRule::Kind::kAtOnce, clip.allow_damaged);
-  return {OpenSource(options), clip.region.value_or(RegionOf(Settings())), clip.labels};
+  return {OpenSource(options), Moved(clip.region.value_or(RegionOf(Settings())), clip.moved), clip.labels};
 }
 
 /// A region with a margin around it, as far as the picture goes.
@@ -40,7 +40,7 @@ OpenedClip OpenScene(const Clip& clip, double rate, int margin) {
   SceneOptions options = DrawScene(drawn.kind, drawn.seed);
   options.width = kPictureWidth;
   options.height = kPictureHeight;
-  const Region region = clip.region ? *clip.region : SuggestedRegion(options);
+  const Region region = Moved(clip.region ? *clip.region : SuggestedRegion(options), clip.moved);
   const SceneWindow window = Around(region, margin);
   SceneFrames scene = OpenSceneFrames(clip.name, options, window, std::min(rate, options.fps));
   return {std::move(scene.frames),

@@ -28,6 +28,7 @@ struct Clip {
   std::string kind{};  ///< the group that it counts in
   std::variant<std::string, DrawnScene> source{};  ///< a recording's path, or a scene
   std::optional<Region> region{};   ///< unset: where the scene suggests it, or the tools' default
+  RegionMove moved{};               ///< from there, to see what an ill-placed region costs
   std::optional<double> rate{};     ///< frames a second handed over; unset: as settings tell
   std::vector<LabelSpan> labels{};  ///< of a recording; a scene knows its own
   std::size_t number = 0;           ///< its place among all clips that were read with it

@@ -73,6 +73,28 @@ Region RegionOf(std::string_view text) {
   return {x, y, width, height};
 }
 
+/// Whether a cell moves a region instead of telling one.
+bool IsMove(std::string_view text) {
+  return text.size() > 1 && (text.front() == '+' || text.front() == '-') && text.find(',') == text.rfind(',');
+}
+
+RegionMove MoveOf(std::string_view text) {
+  const std::vector<std::string_view> parts = Split(text, ',');
+  std::array<std::optional<int>, 2> by;
+  for (std::size_t i = 0; parts.size() == by.size() && i < by.size(); ++i) {
+    // With a sign each, as a number alone is a place.
+    const std::string_view part = Trimmed(parts[i]);
+    if (!part.starts_with('+') && !part.starts_with('-')) continue;
+    by.at(i) = NumberOf<int>(part.substr(part.front() == '+' ? 1 : 0));
+  }
+  const auto small = [](const std::optional<int>& pixels, int most) {
+    return pixels && *pixels >= -most && *pixels <= most;
+  };
+  if (small(by[0], kPictureWidth) && small(by[1], kPictureHeight)) return {*by[0], *by[1]};
+  throw Fault{"region: " + Quoted(text) + " is not a move of up to " + std::to_string(kPictureWidth) + ", " +
+              std::to_string(kPictureHeight) + " pixels, such as +20,-20"};
+}
+
 double RateOf(std::string_view text) {
   const std::optional<double> rate = FiniteOf(text);
   if (!rate || *rate < kLowestRate) {
@@ -219,7 +241,11 @@ Cells CellsOf(std::string_view line, const Layout& layout) {
 
 void AddClips(const Cells& cells, const std::filesystem::path& folder, std::vector<Clip>& clips) {
   Clip clip;
-  if (!IsUnset(cells[kRegion])) clip.region = RegionOf(cells[kRegion]);
+  if (IsMove(cells[kRegion])) {
+    clip.moved = MoveOf(cells[kRegion]);
+  } else if (!IsUnset(cells[kRegion])) {
+    clip.region = RegionOf(cells[kRegion]);
+  }
   if (!IsUnset(cells[kRate])) clip.rate = RateOf(cells[kRate]);
   if (!IsUnset(cells[kKind])) clip.kind = cells[kKind];
   if (IsUnset(cells[kClip])) throw Fault{"clip: a file or a scene is missing"};

@@ -38,6 +38,12 @@ Region RegionOf(const Settings& settings) {
   return {settings.roi_x, settings.roi_y, settings.roi_width, settings.roi_height};
 }
 
+Region Moved(Region region, const RegionMove& by) {
+  region.x = std::clamp(region.x + by.x, 0, kPictureWidth - region.width);
+  region.y = std::clamp(region.y + by.y, 0, kPictureHeight - region.height);
+  return region;
+}
+
 Settings Placed(Settings settings, const Region& region, int frame_width, int frame_height) {
   settings.input_width = frame_width;
   settings.input_height = frame_height;
@@ -71,9 +77,7 @@ Region SuggestedRegion(const SceneOptions& options) {
     region.y = place(region.y, region.height, view.Top() * down, view.Bottom() * down,
                      options.region.aimed ? 1 - options.region.up : 0.5);
   }
-  region.x = std::clamp(region.x + options.region.shift_x, 0, kPictureWidth - region.width);
-  region.y = std::clamp(region.y + options.region.shift_y, 0, kPictureHeight - region.height);
-  return region;
+  return Moved(region, {options.region.shift_x, options.region.shift_y});
 }
 
 }  // namespace stopngo

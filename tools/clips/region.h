@@ -18,6 +18,15 @@ struct Region {
 /// The region that settings have; that of the defaults is where a forward camera sees the vehicle ahead.
 Region RegionOf(const Settings& settings);
 
+/// Pixels to the right and downwards.
+struct RegionMove {
+  int x = 0, y = 0;
+  auto operator<=>(const RegionMove&) const = default;
+};
+
+/// The region moved, as far as the picture goes.
+Region Moved(Region region, const RegionMove& by);
+
 /// The settings with their region in frames of a size.
 Settings Placed(Settings settings, const Region& region, int frame_width, int frame_height);
 

@@ -16,12 +16,13 @@ struct Identity {
   FilePlace place;  ///< of a recording; of a scene, its kind and seed
   bool scene = false;
   Region region{};
+  RegionMove moved{};
   double rate = 0;
 
   bool operator<(const Identity& other) const {
     const auto numbers = [](const Identity& of) {
       return std::tie(of.scene, of.place, of.region.x, of.region.y, of.region.width, of.region.height,
-                      of.rate);
+                      of.moved, of.rate);
     };
     return numbers(*this) < numbers(other);
   }
@@ -46,7 +47,8 @@ const Clip* ComesTwice(const std::vector<const Clip*>& clips) {
   Places places;
   std::set<Identity> seen;
   for (const Clip* const clip : clips) {
-    Identity identity{{}, clip->IsScene(), clip->region.value_or(Region{}), clip->rate.value_or(0)};
+    Identity identity{
+        {}, clip->IsScene(), clip->region.value_or(Region{}), clip->moved, clip->rate.value_or(0)};
     if (const auto* const drawn = std::get_if<DrawnScene>(&clip->source)) {
       identity.place = {static_cast<dev_t>(drawn->kind), drawn->seed, {}};
     } else {

@@ -16,6 +16,7 @@ std::string ClipKeys::Of(const Clip& clip, double rate) {
     key +=
         Print(" region=%d,%d,%d,%d", clip.region->x, clip.region->y, clip.region->width, clip.region->height);
   }
+  if (clip.moved != RegionMove{}) key += Print(" moved=%+d,%+d", clip.moved.x, clip.moved.y);
   return key + " rate=" + NumberText(clip.rate.value_or(rate));
 }
 

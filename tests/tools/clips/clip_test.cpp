@@ -55,6 +55,12 @@ TEST(Clip, WindowIsCutAtThePicturesEdges) {
   EXPECT_EQ(opened.frames->Info().width, 245);
   EXPECT_EQ(opened.frames->Info().height, 170);
   EXPECT_FALSE(opened.labels.empty());
+  clip.moved = {-20, 3};  // as far as the picture goes
+  const OpenedClip moved = OpenClip(clip, 8, 20);
+  EXPECT_EQ(moved.region.x, 0);
+  EXPECT_EQ(moved.region.y, 20);
+  EXPECT_EQ(moved.frames->Info().width, 240);
+  EXPECT_EQ(moved.frames->Info().height, 167);
 }
 
 TEST(Clip, ThreadsDoNotDisturbEachOther) {

@@ -92,6 +92,10 @@ TEST(Manifest, FaultsAreToldWithTheirLine) {
       {row("synth:standing:1\t-\tinf\t-\t-"), ":4:", "rate: 'inf' is no number"},
       {row("synth:standing:1\t-\t1e-18\t-\t-"), ":4:", "rate: '1e-18' is no number"},
       {region("1,2,3"), ":4:", "is not X,Y,WIDTH,HEIGHT"},
+      {region("+20"), ":4:", "is not a move"},
+      {region("+20,20"), ":4:", "is not a move"},
+      {region("+20,-481"), ":4:", "is not a move"},
+      {region("+99999999999,+1"), ":4:", "is not a move"},
       {region("-1,0,220,140"), ":4:", "lies outside the picture"},
       {region("600,0,220,140"), ":4:", "lies outside the picture"},
       {region("2147483647,0,220,140"), ":4:", "lies outside the picture"},
@@ -142,7 +146,10 @@ TEST(Manifest, AClipComesOnce) {
   ExpectWords(fault(recording, "b.y4m\t300,250,220,140\t6\t1 2 still\t-"), {"b.y4m: comes twice"});
   ExpectWords(fault("synth:mixed:1-9\t-\t-\t-\t-", "synth:mixed:7\t-\t-\t-\tnight"),
               {"synth:mixed:7: comes twice"});
+  ExpectWords(fault("synth:mixed:7\t+20,-20\t-\t-\t-", "synth:mixed:7\t+20,-20\t-\t-\t-"),
+              {"synth:mixed:7: comes twice"});
   // Another region, rate or seed is another clip.
+  EXPECT_EQ(fault("synth:mixed:7\t-\t-\t-\t-", "synth:mixed:7\t+20,-20\t-\t-\t-"), "no failure");
   EXPECT_EQ(fault(recording, "a.y4m\t301,250,220,140\t6\t0 1 still\t-\na.y4m\t-\t5\t0 1 still\t-"),
             "no failure");
   EXPECT_EQ(fault("synth:mixed:1-6\t-\t-\t-\t-", "synth:mixed:7\t-\t-\t-\t-\nsynth:standing:1\t-\t-\t-\t-"),
