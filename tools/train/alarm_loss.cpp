@@ -102,8 +102,6 @@ struct AlarmLoss::Sums {
 
 AlarmLoss::AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, int jobs)
     : options_(options), tracks_(tracks), jobs_(jobs), features_(tracks.empty() ? 0 : tracks[0].features) {
-  // The blocks of a product, and with them the order of its sums, would follow the CPU's caches.
-  Eigen::setCpuCacheSizes(32 * 1024, 512 * 1024, 4 * 1024 * 1024);
   std::size_t quiet = 0;
   std::size_t departures = 0;
   for (const FeatureTrack& track : tracks) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "train/feature_track.h"
+#include "train/loss.h"
 
 namespace stopngo {
 
@@ -23,16 +24,14 @@ struct LossOptions {
 /// runs, not frames. The strength of a run is a soft minimum of its outputs; quiet frames push the
 /// strength of every run that ends in them down, a departure pulls the strongest run of its first seconds
 /// up (a soft maximum), once for any right alarm and once more for an early one.
-class AlarmLoss {
+class AlarmLoss : public Loss {
  public:
   /// The tracks must outlive the loss.
   AlarmLoss(const LossOptions& options, std::span<const FeatureTrack> tracks, int jobs);
 
-  /// (2 × features + 2) × hiddens + 1, in the order of a weights file. The inputs are scaled to about 1,
-  /// see FileNumbers.
-  [[nodiscard]] std::size_t Parameters() const;
-  /// gradient: as many numbers as parameters, or none. The same bits for any number of jobs.
-  double Evaluate(std::span<const double> parameters, std::span<double> gradient) const;
+  /// The inputs are scaled to about 1, see FileNumbers.
+  [[nodiscard]] std::size_t Parameters() const override;
+  double Evaluate(std::span<const double> parameters, std::span<double> gradient) const override;
 
  private:
   struct Network;

@@ -20,6 +20,7 @@ struct DepartureWindow {
 /// is the clip's second.
 struct FeatureTrack {
   std::size_t features = 0;             ///< of one frame
+  int columns = 0;                      ///< of the histogram's cells
   std::vector<std::int8_t> histograms;  ///< frame by frame
   /// 1 where an alarm would be false; 0 within departures, until a while after them, and where no label
   /// says what happens.

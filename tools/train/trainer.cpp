@@ -16,7 +16,7 @@ namespace {
 
 /// Small weights into the hidden nodes leave them in the steep part of the logistic; output weights of
 /// both signs give each node a task of its own from the start.
-std::vector<double> StartingPoint(const AlarmLoss& loss, std::size_t hiddens, std::uint64_t seed) {
+std::vector<double> StartingPoint(const Loss& loss, std::size_t hiddens, std::uint64_t seed) {
   Random random = RandomOf(seed, stream::kStart);
   std::vector<double> parameters(loss.Parameters(), 0.0);
   const std::size_t weights = parameters.size() - 2 * hiddens - 1;
@@ -27,8 +27,8 @@ std::vector<double> StartingPoint(const AlarmLoss& loss, std::size_t hiddens, st
 
 /// What the library's callbacks share.
 struct Descent {
-  const AlarmLoss& loss;
-  const AlarmLoss& validation;
+  const Loss& loss;
+  const Loss& validation;
   const TrainerOptions& options;
   const std::function<void(const LearningPoint&)>& tell;
   Training result;
@@ -76,8 +76,8 @@ int ProgressCall(void* instance, const lbfgsfloatval_t* x, const lbfgsfloatval_t
 
 }  // namespace
 
-Training Train(const AlarmLoss& loss, const AlarmLoss& validation, std::size_t hiddens,
-               const TrainerOptions& options, const std::function<void(const LearningPoint&)>& tell) {
+Training Train(const Loss& loss, const Loss& validation, std::size_t hiddens, const TrainerOptions& options,
+               const std::function<void(const LearningPoint&)>& tell) {
   Descent descent{loss, validation, options, tell, {}, 0, {}};
   std::vector<double> parameters = StartingPoint(loss, hiddens, options.seed);
   lbfgs_parameter_t settings;

@@ -1,11 +1,12 @@
 // trainer.h: the optimiser over the loss: L-BFGS with early stopping, from one starting point.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
 
-#include "train/alarm_loss.h"
+#include "train/loss.h"
 
 namespace stopngo {
 
@@ -30,7 +31,7 @@ struct Training {
 /// L-BFGS, because the loss is smooth and taken over all clips at once: no learning rate to tune, no order
 /// of batches to get right, and the same bits at each run. Both losses must be of one shape. tell: called
 /// after each iteration.
-Training Train(const AlarmLoss& loss, const AlarmLoss& validation, std::size_t hiddens,
-               const TrainerOptions& options, const std::function<void(const LearningPoint&)>& tell);
+Training Train(const Loss& loss, const Loss& validation, std::size_t hiddens, const TrainerOptions& options,
+               const std::function<void(const LearningPoint&)>& tell);
 
 }  // namespace stopngo

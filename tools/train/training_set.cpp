@@ -15,6 +15,7 @@ namespace {
 FeatureTrack TrackOf(const View& view, std::size_t features) {
   FeatureTrack track;
   track.features = features;
+  track.columns = view.columns;
   track.histograms.reserve(view.Pairs() * features);
   for (std::size_t pair = 0; pair < view.Pairs(); pair++) {
     const auto histogram = std::span(view.histograms).subspan(pair * kChunkCapacity, features);
