@@ -149,7 +149,7 @@ bool HasHistory(const Facts& f) { return (f.s.gates & BitOf(GateKind::kHistory))
 std::string BadHistory(const Facts& f) {
   if (!HasHistory(f)) return {};
   try {
-    (void)ReadHistoryWeights(f.s.history_weights);
+    (void)ReadHistoryWeights(HistoryWeightsPath(f.s));
   } catch (const Failure& failure) {
     return failure.what();
   }
@@ -158,7 +158,7 @@ std::string BadHistory(const Facts& f) {
 
 std::string UnlikeHistory(const Facts& f) {
   if (!HasHistory(f) || !BadHistory(f).empty()) return {};
-  const std::optional<Sidecar> sidecar = ReadSidecar(f.s.history_weights);
+  const std::optional<Sidecar> sidecar = ReadSidecar(HistoryWeightsPath(f.s));
   return sidecar ? Unlike(f.s, sidecar->settings, "the weights of the history gate") : std::string();
 }
 

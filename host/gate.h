@@ -14,6 +14,8 @@ enum class GateKind { kHistory, kLight, kSpeed, kOnce, kPicture };
 inline constexpr std::array kGateNames{"history", "light", "speed", "once", "picture"};
 inline constexpr std::size_t kGateCount = kGateNames.size();
 
+constexpr const char* NameOf(GateKind kind) { return kGateNames.at(static_cast<std::size_t>(kind)); }
+
 /// A set of gates has a bit for each.
 constexpr int BitOf(GateKind kind) { return 1 << static_cast<int>(kind); }
 

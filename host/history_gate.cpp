@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/common/failure.h"
+#include "host/default_weights.h"
 #include "host/sidecar.h"
 
 namespace stopngo {
@@ -16,18 +17,29 @@ constexpr const char* kTooShort = "history too short";
 
 }  // namespace
 
+std::string HistoryWeightsPath(const Settings& settings) {
+  return settings.history_weights.empty() ? FindHistoryWeights().value_or("") : settings.history_weights;
+}
+
 Network ReadHistoryWeights(const std::string& path) {
-  if (path.empty())
-    throw Failure("the history gate has no weights (see --history-weights)", ExitCode::kUsage);
+  if (path.empty()) {
+    throw Failure(
+        "the history gate has no weights: name a file with --history-weights, or leave it out of --gates",
+        ExitCode::kUsage);
+  }
   Network network = ReadWeights(path, kHistoryInputs, kHistoryHiddens, "--history-weights");
-  if (const std::optional<Sidecar> sidecar = ReadSidecar(path)) CheckSidecar(path, *sidecar, network);
+  const std::optional<Sidecar> sidecar = ReadSidecar(path);
+  if (!sidecar) return network;
+  CheckSidecar(path, *sidecar, network);
+  if (sidecar->gate != NameOf(GateKind::kHistory))
+    throw Failure(SidecarPath(path) + ": is of no history gate");
   return network;
 }
 
 HistoryGate::HistoryGate(const Module& module, const Settings& settings)
     : Gate(GateHold::kCountsOn),
       routine_(module.Routine<decltype(Classify_Feature_)>("Classify_Feature_")),
-      network_(ReadHistoryWeights(settings.history_weights)),
+      network_(ReadHistoryWeights(HistoryWeightsPath(settings))),
       threshold_(settings.history_threshold) {
   Forget();
 }

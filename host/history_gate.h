@@ -14,6 +14,10 @@
 
 namespace stopngo {
 
+/// The weights that the history gate is to go by: those that the settings name, or the default ones. Empty: there are
+/// none.
+std::string HistoryWeightsPath(const Settings& settings);
+
 /// The weights of the history gate. Throws Failure as ReadWeights does, and when a sidecar beside them is not theirs.
 Network ReadHistoryWeights(const std::string& path);
 

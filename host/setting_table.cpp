@@ -69,7 +69,8 @@ constexpr std::array kTable = {
     // All that follows is kept from the module: gates act through the settings above.
     Setting{
         "gates", kTools, NameSet{&S::gates, kGateNames, kDefaultGates},
-        "what may hold an alarm back: history, light, speed, once, picture, in any number; none; or default"},
+        "what may hold an alarm back: history, light, speed, once, picture, in any number; none; or default",
+        true},
     Setting{"history-weights", kTools, &S::history_weights, "weights file of the history gate"},
     Setting{"history-threshold", kTools, &S::history_threshold, "closes history: a score below, 0 to 1"},
     Setting{"light-rate", kTools, &S::light_rate, "closes light: levels a second of the region's mean"},

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "host/gate.h"
+
 namespace stopngo {
 
 /// A number of frames, given as such ("25") or in seconds ("1.5s").
@@ -17,8 +19,8 @@ struct FrameCount {
 /// Below it no clip has a second frame to hand over, and times in frames leave the range of whole numbers.
 inline constexpr double kLowestRate = 0.01;
 
-/// Gates that are there unless others are asked for: none.
-inline constexpr int kDefaultGates = 0;
+/// Those that are asked for as `default`, and by the sidecar of the default weights.
+inline constexpr int kDefaultGates = BitOf(GateKind::kHistory) | BitOf(GateKind::kLight);
 
 /// What the speed gate is where the own speed is not known: values of Settings::speed_fails.
 inline constexpr int kFailsOpen = 0;
@@ -60,8 +62,8 @@ struct Settings {
 
   /// Gates around the module, a bit each (host/gate.h). Times are seconds of the frames' time stamps: a gate goes by
   /// what is seen, and not by how many frames show it.
-  int gates = kDefaultGates;
-  std::string history_weights;
+  int gates = 0;
+  std::string history_weights;     ///< empty: those found by default
   double history_threshold = 0.5;  ///< score of the history, below which it is closed
   /// Of the region's mean. A dark vehicle that fills a third of it and leaves within 3 s changes it by 7 a second;
   /// a step of exposure by 5 levels, which is hardly seen, at 6 frames a second by 30.

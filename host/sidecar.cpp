@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
 #include "host/common/failure.h"
 #include "host/common/file.h"
 #include "host/common/sha256.h"
+#include "host/gate.h"
 #include "host/setting_table.h"
 #include "host/weights_file.h"
 
@@ -72,6 +74,16 @@ class EntryReader {
     if (!value.is_string() || value.get_ref<const std::string&>().size() != 64 ||
         !std::ranges::all_of(value.get_ref<const std::string&>(), is_digit)) {
       throw Fault(name, "64 hexadecimal digits in quotes are expected");
+    }
+    return value;
+  }
+
+  /// One of some names; empty where the entry is missing.
+  std::string Name(const char* name, std::span<const char* const> names) {
+    if (!object_.contains(name)) return {};
+    const Json& value = Entry(name);
+    if (!value.is_string() || std::ranges::count(names, value.get<std::string>()) == 0) {
+      throw Fault(name, "the name of a gate is expected");
     }
     return value;
   }
@@ -176,6 +188,7 @@ std::optional<Sidecar> ReadSidecar(const std::string& weights_path) {
   sidecar.settings = reader.Texts("settings");
   sidecar.training = reader.Object("training");
   sidecar.figures = reader.Object("figures");
+  sidecar.gate = reader.Name("gate", kGateNames);
   reader.RefuseOthers();
   return sidecar;
 }
@@ -183,9 +196,14 @@ std::optional<Sidecar> ReadSidecar(const std::string& weights_path) {
 std::string SidecarText(const Sidecar& sidecar) {
   Json settings = Json::object();
   for (const auto& [name, text] : sidecar.settings) settings[name] = ValueOf(text);
-  const Json object{{"format", kFormat},         {"inputs", sidecar.inputs}, {"hiddens", sidecar.hiddens},
-                    {"sha256", sidecar.sha256},  {"settings", settings},     {"training", sidecar.training},
-                    {"figures", sidecar.figures}};
+  Json object{{"format", kFormat}};
+  if (!sidecar.gate.empty()) object["gate"] = sidecar.gate;
+  object["inputs"] = sidecar.inputs;
+  object["hiddens"] = sidecar.hiddens;
+  object["sha256"] = sidecar.sha256;
+  object["settings"] = settings;
+  object["training"] = sidecar.training;
+  object["figures"] = sidecar.figures;
   constexpr int kIndent = 2;
   // File names may hold bytes that are no UTF-8; a sidecar all the same has to be JSON.
   return object.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
@@ -206,6 +224,10 @@ std::optional<Sidecar> TakeSidecar(Settings& settings,
                                    const std::function<bool(const std::string& name)>& settled) {
   std::optional<Sidecar> sidecar = ReadSidecar(settings.weights);
   if (!sidecar) return std::nullopt;
+  if (!sidecar->gate.empty()) {
+    throw Failure(settings.weights + ": are weights of the " + sidecar->gate + " gate (see --" +
+                  sidecar->gate + "-weights)");
+  }
   SettingTexts texts = sidecar->settings;
   texts.emplace_back("features", std::to_string(sidecar->inputs / 2));
   texts.emplace_back("hiddens", std::to_string(sidecar->hiddens));

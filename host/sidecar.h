@@ -24,6 +24,7 @@ struct Sidecar {
   SettingTexts settings;  ///< that the weights are meant to be used with
   nlohmann::ordered_json training = nlohmann::ordered_json::object();  ///< what they were made from
   nlohmann::ordered_json figures = nlohmann::ordered_json::object();   ///< how good they are
+  std::string gate{};  ///< whose weights they are; empty: the detector's own
 };
 
 /// The sidecar's name: FILE.json.
@@ -47,7 +48,7 @@ void CheckSidecar(const std::string& weights_path, const Sidecar& sidecar, const
 
 /// Gives settings, whose weights are named, what the sidecar of the weights says of all that is not settled
 /// otherwise, and gives it back; nothing where there is none. Throws Failure when it does not match the weights or the
-/// counts in use.
+/// counts in use, and when the weights are a gate's.
 std::optional<Sidecar> TakeSidecar(Settings& settings,
                                    const std::function<bool(const std::string& name)>& settled);
 

@@ -73,7 +73,11 @@ std::vector<CheckCase> Cases(const std::string& short_file) {
       {"!gate-limit ", [](Setup& s) { s.settings.light_rate = -1; }},
       {"!gate-limit ", [](Setup& s) { s.settings.picture_black = 256; }},
       {"!gate-limit ", [](Setup& s) { s.settings.history_threshold = 1.5; }},
-      {"!history-weights ", [](Setup& s) { s.settings.gates = BitOf(GateKind::kHistory); }},
+      {"!history-weights ",
+       [](Setup& s) {
+         s.settings.gates = BitOf(GateKind::kHistory);
+         s.settings.history_weights = "none.bin";
+       }},
       {"!history-weights ",
        [short_file](Setup& s) {
          s.settings.gates = BitOf(GateKind::kHistory);

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "host/common/sha256.h"
 #include "host/gates.h"
 #include "host/history_gate.h"
 #include "host/sidecar.h"
@@ -170,6 +171,12 @@ TEST(HistoryGate, WeightsThatAreNotItsOwnAreRefused) {
   Sidecar sidecar{kHistoryInputs, kHistoryHiddens, std::string(64, '0'), {}};
   (void)folder.File("good.bin.json", SidecarText(sidecar));
   ExpectWords(FailureOf([&] { (void)ReadHistoryWeights(good); }), {"good.bin.json", "SHA-256"});
+  sidecar.sha256 = Sha256(bytes);
+  (void)folder.File("good.bin.json", SidecarText(sidecar));
+  ExpectWords(FailureOf([&] { (void)ReadHistoryWeights(good); }), {"good.bin.json", "no history gate"});
+  sidecar.gate = "history";
+  (void)folder.File("good.bin.json", SidecarText(sidecar));
+  EXPECT_EQ(WeightsBytes(ReadHistoryWeights(good)), bytes);
 }
 
 }  // namespace

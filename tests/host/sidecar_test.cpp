@@ -75,6 +75,7 @@ TEST_F(SidecarTest, BadOnesAreToldByPlaceAndReason) {
       {head + R"(, "settings": {"threshold": [1]}})", {"settings: threshold", "single"}},
       {head + R"(, "settings": {"weights": "x"}})", {"settings: weights"}},
       {head + R"(, "training": 3})", {"training", "object"}},
+      {head + R"(, "gate": "garden"})", {"gate", "name of a gate"}},
       {head + R"(, "setings": {}})", {"setings", "no such"}},
       {head + R"(, "training": 1e999})", {"number overflow"}},
   };

@@ -8,6 +8,7 @@
 
 #include "host/common/failure.h"
 #include "host/default_weights.h"
+#include "host/history_gate.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
 #include "host/sidecar.h"
@@ -137,9 +138,11 @@ const char* SettingsOptions::OriginOf(const std::string& name) const {
 void SettingsOptions::EnterFiles(FileRegister& files) const {
   files.Reads(config_, "--config");
   files.Reads(settings_.speed_file, "--speed-file");
-  files.Reads(settings_.history_weights, "--history-weights");
-  if (!settings_.history_weights.empty()) {
-    files.Reads(SidecarPath(settings_.history_weights), "the sidecar of --history-weights");
+  const bool history = (settings_.gates & BitOf(GateKind::kHistory)) != 0;
+  const std::string history_weights = history ? HistoryWeightsPath(settings_) : settings_.history_weights;
+  if (!history_weights.empty()) {
+    files.Reads(history_weights, "the history gate's weights");
+    files.Reads(SidecarPath(history_weights), "their sidecar");
   }
   if (settings_.weights.empty()) return;
   files.Reads(settings_.weights, "the weights");
