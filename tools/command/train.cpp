@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -31,12 +33,18 @@
 #include "host/common/failure.h"
 #include "host/common/file.h"
 #include "host/common/sha256.h"
+#include "host/gate.h"
+#include "host/history.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/sidecar.h"
 #include "host/weights_file.h"
 #include "train/alarm_loss.h"
 #include "train/calibration.h"
+#include "train/history_examples.h"
+#include "train/history_loss.h"
+#include "train/history_tally.h"
+#include "train/loss.h"
 #include "train/report.h"
 #include "train/trainer.h"
 #include "train/training_set.h"
@@ -51,7 +59,8 @@ and on those the threshold is placed. The same manifests and options give the sa
 
 Examples:
   stopngo train scenes.tsv -o weights.bin
-  stopngo train scenes.tsv drives.tsv --validation other.tsv --rate 6 -o weights.bin --report curves.png)";
+  stopngo train scenes.tsv drives.tsv --validation other.tsv --rate 6 -o weights.bin --report curves.png
+  stopngo train scenes.tsv --gate history --looks 1 -o history.bin)";
 
 constexpr std::size_t kValidationPart = 5;
 
@@ -63,6 +72,14 @@ struct TrainingOptions {
   double false_alarms_per_hour = 0.5;
   LossOptions loss;
   TrainerOptions trainer;
+};
+
+/// What came out of a training, and how good it is.
+struct Outcome {
+  std::vector<Training> trainings;
+  Network network;
+  nlohmann::ordered_json figures;
+  std::string sentence;
 };
 
 /// Clips, and the manifests that name them.
@@ -117,12 +134,18 @@ class TrainCommand : public Subcommand {
   void ReadClips(FileRegister& files);
   void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
   [[nodiscard]] const FeatureFolder* Stored() const { return features_ ? &*features_ : nullptr; }
+  [[nodiscard]] Outcome TrainDetector(const std::vector<FeatureTrack>& tracks,
+                                      const std::vector<FeatureTrack>& unseen) const;
+  [[nodiscard]] Outcome TrainHistory(const Module& module, const std::vector<FeatureTrack>& tracks,
+                                     const std::vector<FeatureTrack>& unseen) const;
   [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
+  [[nodiscard]] nlohmann::ordered_json HistoryTestFigures(const Module& module, const Network& network) const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
   [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
                                                   const char* title, int looks) const;
-  [[nodiscard]] std::vector<Training> TrainSeeds(const std::vector<FeatureTrack>& tracks,
-                                                 const std::vector<FeatureTrack>& unseen) const;
+  [[nodiscard]] std::vector<Training> TrainSeeds(const Loss& loss, const Loss& validation,
+                                                 std::size_t hiddens) const;
+  [[nodiscard]] bool OfHistory() const { return !gate_.empty(); }
 
   Settings settings_;
   SettingsOptions options_;
@@ -130,6 +153,8 @@ class TrainCommand : public Subcommand {
   ClipSet clips_, validation_, test_;
   std::string output_, report_, features_from_;
   std::optional<FeatureFolder> features_;
+  std::string gate_;  ///< whose network is trained; empty: the detector's
+  CLI::Option* false_alarm_weight_ = nullptr;
   bool allow_damaged_ = false;
   int jobs_ = HardwareJobs();
 };
@@ -151,8 +176,12 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
       ->type_name("N");
   AddAllowDamaged(app, allow_damaged_);
   AddFeaturesFrom(app, features_from_);
+  CLI::Option* const gate =
+      app.add_option("--gate", gate_, "train the network of this gate, and not the detector's: history")
+          ->check(CLI::IsMember({NameOf(GateKind::kHistory)}))
+          ->type_name("NAME");
   const auto number = [&app](const char* name, auto& value, const char* help, auto low, auto high) {
-    app.add_option(name, value, help)
+    return app.add_option(name, value, help)
         ->capture_default_str()
         ->check(CLI::Range(low, high))
         ->type_name("N")
@@ -166,11 +195,13 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
   number("--patience", training_.trainer.patience, "iterations without progress on validation", 1, 100000);
   number("--decay", training_.loss.decay, "of the weights' squares", 0.0, 1.0);
   number("--margin", training_.loss.margin, "by which scores should clear the threshold, in log odds", 0.0,
-         10.0);
-  number("--false-alarm-weight", training_.loss.false_alarm_weight,
-         "of false alarms, against that of missed departures", 0.0, 1e6);
+         10.0)
+      ->excludes(gate);
+  false_alarm_weight_ = number("--false-alarm-weight", training_.loss.false_alarm_weight,
+                               "of false alarms, against that of missed departures", 0.0, 1e6);
   number("--false-alarms-per-hour", training_.false_alarms_per_hour,
-         "limit on validation that the output's bias is moved for", 0.0, 1e6);
+         "limit on validation that the output's bias is moved for", 0.0, 1e6)
+      ->excludes(gate);
 }
 
 // What the module and the other commands may take, but no network can be made for.
@@ -232,18 +263,16 @@ std::vector<FeatureTrack> TrainCommand::Collect(const Module& module, const std:
                        [&progress] { progress.Step(); });
 }
 
-std::vector<Training> TrainCommand::TrainSeeds(const std::vector<FeatureTrack>& tracks,
-                                               const std::vector<FeatureTrack>& unseen) const {
-  const AlarmLoss loss(training_.loss, tracks, jobs_);
-  const AlarmLoss validation(training_.loss, unseen, jobs_);
+std::vector<Training> TrainCommand::TrainSeeds(const Loss& loss, const Loss& validation,
+                                               std::size_t hiddens) const {
   std::vector<Training> trainings;
   for (int i = 0; i < training_.seeds; i++) {
     TrainerOptions trainer = training_.trainer;
     trainer.seed = training_.seed + static_cast<std::uint64_t>(i);
     Progress progress("training " + std::to_string(i + 1) + "/" + std::to_string(training_.seeds),
                       trainer.iterations);
-    trainings.push_back(Train(loss, validation, training_.loss.hiddens, trainer,
-                              [&progress](const LearningPoint&) { progress.Step(); }));
+    trainings.push_back(
+        Train(loss, validation, hiddens, trainer, [&progress](const LearningPoint&) { progress.Step(); }));
   }
   return trainings;
 }
@@ -253,6 +282,11 @@ const Training& BestOf(const std::vector<Training>& trainings) {
                            [](const Training& a, const Training& b) { return a.validation < b.validation; });
 }
 
+void RefuseUseless(const Network& network) {
+  if (const std::string fault = FaultOf(network); !fault.empty())
+    throw Failure("the network that came out: " + fault);
+}
+
 nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& trainings) const {
   nlohmann::ordered_json seeds = nlohmann::ordered_json::array();
   for (std::size_t i = 0; i < trainings.size(); i++) {
@@ -260,19 +294,20 @@ nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& train
                      {"iterations", trainings[i].curve.size()},
                      {"validation_loss", trainings[i].validation}});
   }
-  return {{"manifests", clips_.files},
-          {"validation", validation_.files},
-          {"test", test_.files},
-          {"clips", clips_.clips.size()},
-          {"validation_clips", validation_.clips.size()},
-          {"looks", training_.looks},
-          {"iterations", training_.trainer.iterations},
-          {"patience", training_.trainer.patience},
-          {"decay", training_.loss.decay},
-          {"margin", training_.loss.margin},
-          {"false_alarm_weight", training_.loss.false_alarm_weight},
-          {"false_alarms_per_hour", training_.false_alarms_per_hour},
-          {"seeds", seeds}};
+  nlohmann::ordered_json training{{"manifests", clips_.files},
+                                  {"validation", validation_.files},
+                                  {"test", test_.files},
+                                  {"clips", clips_.clips.size()},
+                                  {"validation_clips", validation_.clips.size()},
+                                  {"looks", training_.looks},
+                                  {"iterations", training_.trainer.iterations},
+                                  {"patience", training_.trainer.patience},
+                                  {"decay", training_.loss.decay}};
+  if (!OfHistory()) training["margin"] = training_.loss.margin;
+  training["false_alarm_weight"] = training_.loss.false_alarm_weight;
+  if (!OfHistory()) training["false_alarms_per_hour"] = training_.false_alarms_per_hour;
+  training["seeds"] = seeds;
+  return training;
 }
 
 // By kind of clip.
@@ -289,6 +324,66 @@ nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
   return figures;
 }
 
+nlohmann::ordered_json TrainCommand::HistoryTestFigures(const Module& module, const Network& network) const {
+  const std::vector<FeatureTrack> tracks = Collect(module, test_.clips, "test clips", 1);
+  std::map<std::string, std::vector<FeatureTrack>> kinds;
+  for (std::size_t i = 0; i < tracks.size(); ++i) kinds[test_.clips[i].kind].push_back(tracks[i]);
+  nlohmann::ordered_json figures;
+  const auto tally = [&](const std::vector<FeatureTrack>& some) {
+    return HistoryJson(TallyHistory(module, network, settings_.history_threshold, ExamplesOf(some)));
+  };
+  for (const auto& [kind, some] : kinds) figures[kind] = tally(some);
+  figures["all"] = tally(tracks);
+  return figures;
+}
+
+Outcome TrainCommand::TrainDetector(const std::vector<FeatureTrack>& tracks,
+                                    const std::vector<FeatureTrack>& unseen) const {
+  const std::size_t hiddens = training_.loss.hiddens;
+  const std::size_t features = tracks.front().features;
+  const AlarmLoss loss(training_.loss, tracks, jobs_);
+  const AlarmLoss validation(training_.loss, unseen, jobs_);
+  Outcome outcome{TrainSeeds(loss, validation, hiddens), {2 * features, hiddens, {}}, {}, {}};
+  outcome.network.numbers = FileNumbers(BestOf(outcome.trainings).parameters, features, hiddens);
+  RefuseUseless(outcome.network);
+  const Calibration calibration = Calibrate(outcome.network, validation_.clips, settings_,
+                                            training_.false_alarms_per_hour, jobs_, Stored());
+  outcome.network.numbers.back() += static_cast<float>(calibration.shift);
+  outcome.figures = {{"validation", FigureJson(calibration.tally)}};
+  if (!test_.clips.empty()) outcome.figures["test"] = TestFigures(outcome.network);
+  outcome.sentence = FigureSentence(calibration.tally);
+  return outcome;
+}
+
+/// Examples of both kinds, which a network is to tell apart.
+HistoryExamples HistoryExamplesOf(const std::vector<FeatureTrack>& tracks, const std::string& which) {
+  HistoryExamples examples = ExamplesOf(tracks);
+  const std::size_t right = examples.RightCount();
+  if (right > 0 && right < examples.Count()) return examples;
+  throw Failure("the " + which + " clips show no moment in which an alarm would be " +
+                (right == 0 ? "right" : "false") + ", and that has the history which the gate looks at");
+}
+
+Outcome TrainCommand::TrainHistory(const Module& module, const std::vector<FeatureTrack>& tracks,
+                                   const std::vector<FeatureTrack>& unseen) const {
+  const HistoryExamples examples = HistoryExamplesOf(tracks, "training");
+  const HistoryExamples others = HistoryExamplesOf(unseen, "validation");
+  const HistoryLossOptions options{training_.loss.false_alarm_weight, training_.loss.decay};
+  const HistoryLoss loss(options, examples, jobs_);
+  const HistoryLoss validation(options, others, jobs_);
+  Outcome outcome{
+      TrainSeeds(loss, validation, kHistoryHiddens), {kHistoryInputs, kHistoryHiddens, {}}, {}, {}};
+  const std::vector<double>& parameters = BestOf(outcome.trainings).parameters;
+  std::ranges::transform(parameters, std::back_inserter(outcome.network.numbers),
+                         [](double number) { return static_cast<float>(number); });
+  RefuseUseless(outcome.network);
+  const HistoryTally tally = TallyHistory(module, outcome.network, settings_.history_threshold, others);
+  outcome.figures = {{"validation", HistoryJson(tally)}};
+  if (!test_.clips.empty()) outcome.figures["test"] = HistoryTestFigures(module, outcome.network);
+  outcome.sentence = HistorySentence(tally);
+  return outcome;
+}
+
 void TrainCommand::Complete() {
   options_.CompleteWithoutWeights();
   RefuseSettings();
@@ -296,6 +391,9 @@ void TrainCommand::Complete() {
       static_cast<std::size_t>(std::max(0, settings_.time_leaving.Frames(settings_.rate))) + 1;
   training_.loss.hiddens = static_cast<std::size_t>(settings_.hiddens);
   training_.loss.threshold = settings_.threshold;
+  if (OfHistory() && false_alarm_weight_->count() == 0) {
+    training_.loss.false_alarm_weight = HistoryLossOptions().false_alarm_weight;
+  }
   FileRegister files;
   files.Writes(output_, "--output");
   files.Writes(SidecarPath(output_), "the sidecar of --output");
@@ -319,22 +417,15 @@ void TrainCommand::Run() {
   RefuseWithoutDepartures(unseen, "validation");
   const std::vector<FeatureTrack> tracks = Collect(module, clips_.clips, "training clips", training_.looks);
   RefuseWithoutDepartures(tracks, "training");
-  const std::vector<Training> trainings = TrainSeeds(tracks, unseen);
 
-  const std::size_t inputs = 2 * tracks.front().features;
-  Network network{inputs, training_.loss.hiddens,
-                  FileNumbers(BestOf(trainings).parameters, tracks.front().features, training_.loss.hiddens)};
-  if (const std::string fault = FaultOf(network); !fault.empty())
-    throw Failure("the network that came out: " + fault);
-  const Calibration calibration =
-      Calibrate(network, validation_.clips, settings_, training_.false_alarms_per_hour, jobs_, Stored());
-  network.numbers.back() += static_cast<float>(calibration.shift);
-  const std::string bytes = WeightsBytes(network);
+  const Outcome outcome = OfHistory() ? TrainHistory(module, tracks, unseen) : TrainDetector(tracks, unseen);
+  const std::vector<Training>& trainings = outcome.trainings;
+  const std::string bytes = WeightsBytes(outcome.network);
   weights_file.Stream() << bytes;
-  Sidecar sidecar{inputs, network.hiddens, Sha256(bytes), SidecarSettings(settings_)};
+  Sidecar sidecar{outcome.network.inputs, outcome.network.hiddens, Sha256(bytes), SidecarSettings(settings_)};
+  sidecar.gate = gate_;
   sidecar.training = Describe(trainings);
-  sidecar.figures = {{"validation", FigureJson(calibration.tally)}};
-  if (!test_.clips.empty()) sidecar.figures["test"] = TestFigures(network);
+  sidecar.figures = outcome.figures;
   sidecar_file.Stream() << SidecarText(sidecar);
   if (report_file) WriteLearningCurves(report_file->Stream(), trainings);
   // The sidecar first: should the power fail between the two, it is refused as that of other weights.
@@ -344,7 +435,7 @@ void TrainCommand::Run() {
                 std::to_string(trainings[i].curve.size()) + " iterations, validation loss " +
                 std::to_string(trainings[i].validation));
   }
-  WriteResult(output_ + ": on validation, " + FigureSentence(calibration.tally));
+  WriteResult(output_ + ": on validation, " + outcome.sentence);
 }
 
 }  // namespace

@@ -67,6 +67,37 @@ TEST_F(TrainTest, WritesTheSameBytesWithAnyNumberOfThreads) {
   EXPECT_EQ(json["figures"]["test"]["all"], json["figures"]["validation"]) << "the same clips and weights";
 }
 
+TEST_F(TrainTest, MakesWeightsOfTheHistoryGate) {
+  const std::string clips = Recordings("clips.tsv", {{0, -2}, {1, -1}, {2, 0}});
+  const std::string others = Recordings("others.tsv", {{0, -1}, {1, 0}});
+  const std::string weights = folder_ / "h.bin";
+  const std::string train = "train " + clips + " --validation " + others + " --gate history" + kSmall;
+  const std::string arguments = train + "--test " + others + " -o " + weights;
+  const CommandResult one = Stopngo(arguments + " --jobs 1");
+  ASSERT_EQ(one.exit_code, 0) << one.err;
+  const std::string bytes = ReadFile(weights);
+  const std::string sidecar = ReadFile(weights + ".json");
+  EXPECT_EQ(bytes.size(), 3716U);
+  EXPECT_EQ(Stopngo(arguments + " --jobs 3").out, one.out);
+  EXPECT_TRUE(ReadFile(weights) == bytes);
+  EXPECT_EQ(ReadFile(weights + ".json"), sidecar);
+  const auto json = nlohmann::json::parse(sidecar);
+  EXPECT_EQ(json["gate"], "history");
+  EXPECT_FALSE(json["training"].contains("margin"));
+  EXPECT_GT(json["figures"]["validation"]["right"], 0);
+  EXPECT_EQ(json["figures"]["test"]["all"], json["figures"]["validation"]);
+
+  // A gate's weights are no detector's, nor the other way round.
+  const std::string eval = "eval " + others + " --rate 5 ";
+  const CommandResult used = Stopngo(eval + "--no-weights --gates history --history-weights " + weights);
+  EXPECT_EQ(used.exit_code, 0) << used.err;
+  ExpectRefusal(Stopngo(eval + "--weights " + weights), 1, {"h.bin", "history gate", "--history-weights"});
+  for (const char* const option : {" --margin 1", " --false-alarms-per-hour 1"}) {
+    EXPECT_EQ(Stopngo(train + "-o " + weights + option).exit_code, 2) << option;
+  }
+  EXPECT_EQ(Stopngo(train + "-o " + weights + " --gate light").exit_code, 2);
+}
+
 TEST_F(TrainTest, EveryFifthClipIsKeptApart) {
   const std::string clips = Recordings("clips.tsv", {{2, 0}, {0, -1}, {0, -2}, {1, -1}, {1, -2}});
   const std::string weights = folder_ / "w.bin";
