@@ -19,7 +19,7 @@ struct FrameCount {
 /// Below it no clip has a second frame to hand over, and times in frames leave the range of whole numbers.
 inline constexpr double kLowestRate = 0.01;
 
-/// Those that are asked for as `default`, and by the sidecar of the default weights.
+/// Those that are asked for as `default`.
 inline constexpr int kDefaultGates = BitOf(GateKind::kHistory) | BitOf(GateKind::kLight);
 
 /// What the speed gate is where the own speed is not known: values of Settings::speed_fails.

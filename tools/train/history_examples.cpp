@@ -9,6 +9,17 @@
 namespace stopngo {
 namespace {
 
+enum class Moment { kRight, kFalse, kNothing };
+
+/// What an alarm after the pair would be; nothing: it would be early, or nobody says.
+Moment MomentAt(const FeatureTrack& track, std::size_t pair) {
+  for (const DepartureWindow& departure : track.departures) {
+    if (pair < departure.begin || pair >= departure.end) continue;
+    return pair < departure.begin + kEarlyPairs ? Moment::kNothing : Moment::kRight;
+  }
+  return track.quiet[pair] != 0 ? Moment::kFalse : Moment::kNothing;
+}
+
 /// Adds the moments of one track.
 void AddMoments(const FeatureTrack& track, HistoryExamples& examples) {
   const std::span<const std::int8_t> histograms(track.histograms);
@@ -17,14 +28,12 @@ void AddMoments(const FeatureTrack& track, HistoryExamples& examples) {
   for (std::size_t i = 0; i < track.Frames(); ++i) {
     std::ranges::move_backward(pairs.begin(), pairs.end() - 1, pairs.end());
     pairs.front() = MotionOf(histograms.subspan(i * track.features, track.features), track.columns);
-    const bool right = std::ranges::any_of(track.departures, [i](const DepartureWindow& departure) {
-      return i >= departure.begin && i < departure.end;
-    });
+    const Moment moment = MomentAt(track, i);
     // While the history is too short the gate is closed whatever its network says.
-    if (i + 1 < kHistoryPairs || (!right && track.quiet[i] == 0)) continue;
+    if (i + 1 < kHistoryPairs || moment == Moment::kNothing) continue;
     HistoryQuantities(pairs, quantities);
     examples.quantities.insert(examples.quantities.end(), quantities.begin(), quantities.end());
-    examples.right.push_back(right ? 1 : 0);
+    examples.right.push_back(moment == Moment::kRight ? 1 : 0);
   }
 }
 

@@ -10,7 +10,7 @@
 namespace stopngo {
 
 struct HistoryLossOptions {
-  double false_alarm_weight = 1;  ///< of all moments that are not right together, against all others together
+  double false_alarm_weight = 9;  ///< of all moments that are not right together, against all others together
   double decay = 1e-4;            ///< of the squares of all weights, biases left out
 };
 

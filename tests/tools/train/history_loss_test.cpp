@@ -61,18 +61,19 @@ std::vector<double> SomeHistoryNumbers(std::size_t count) {
 TEST(HistoryExamples, AreMomentsWithAHistoryThatAreJudged) {
   const std::vector<FeatureTrack> tracks = Passages(1, 1);
   const HistoryExamples examples = ExamplesOf(tracks);
-  // The 19th pair ends at 19/6 s, and the departure starts at 42/6 s: 24 moments. 18 are right. Nothing follows.
-  EXPECT_EQ(examples.Count(), 24U + 18U);
-  EXPECT_EQ(examples.RightCount(), 18U);
+  // The 19th pair ends at 19/6 s, and the departure starts at 42/6 s: 24 moments. Of 18 in time the first six teach nothing.
+  EXPECT_EQ(examples.Count(), 24U + 12U);
+  EXPECT_EQ(examples.RightCount(), 12U);
   EXPECT_EQ(examples.right[23], 0);
   EXPECT_EQ(examples.right[24], 1);
-  // Of the first right moment only the present pair moves.
+  // Of the first right moment the present pair moves and the six before it, and none before.
   const auto quantity = [&](std::size_t moment, std::size_t span) {
     return examples.quantities[moment * kHistoryInputs + span * kQuantitiesASpan +
                                static_cast<std::size_t>(HistoryQuantity::kUp)];
   };
   EXPECT_GT(quantity(24, 0), 0.5);
-  EXPECT_LT(std::abs(quantity(24, 1)), 0.2);
+  EXPECT_GT(quantity(24, 4), 0.5);
+  EXPECT_LT(std::abs(quantity(24, 6)), 0.2);
 }
 
 TEST(HistoryExamples, LeaveOutWhatIsNotJudged) {
@@ -82,8 +83,8 @@ TEST(HistoryExamples, LeaveOutWhatIsNotJudged) {
   // Until 3 s after its end a departure is neither right nor wrong once its first 3 s are over; then nobody says.
   SetAims(track, times_s, {{0, 4, Activity::kStill}, {4, 5.5, Activity::kLeadDeparts}});
   const HistoryExamples examples = ExamplesOf({&track, 1});
-  EXPECT_EQ(examples.RightCount(), 18U);
-  EXPECT_EQ(examples.Count(), 6U + 18U);
+  EXPECT_EQ(examples.RightCount(), 12U);
+  EXPECT_EQ(examples.Count(), 6U + 12U);
 }
 
 TEST(HistoryLoss, GradientIsTheLossesSlope) {
@@ -130,7 +131,7 @@ TEST(HistoryLoss, LearnsCalmBeforeMotion) {
   const Network network{
       kHistoryInputs, kHistoryHiddens, {training.parameters.begin(), training.parameters.end()}};
   const HistoryTally tally = TallyHistory(Module(STOPNGO_MODULE_FILE), network, 0.5, unseen);
-  EXPECT_EQ(tally.right, 180U);
+  EXPECT_EQ(tally.right, 120U);
   EXPECT_EQ(tally.right_open, tally.right);
   EXPECT_EQ(tally.others_open, 0U);
 }
