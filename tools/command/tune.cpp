@@ -18,6 +18,7 @@
 #include "evaluate/figures.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
+#include "host/gate.h"
 #include "host/setting_table.h"
 #include "host/settings_file.h"
 
@@ -38,6 +39,7 @@ constexpr std::size_t kRunnersUp = 9;
 struct Dimension {
   const char* setting;
   std::vector<std::string> values;
+  int gates = 0;  ///< searched only with one of these; 0: always
 };
 
 struct TuneArguments {
@@ -49,6 +51,8 @@ struct TuneArguments {
       {"threshold", {"0.2", "0.3", "0.4", "0.5", "0.6", "0.7", "0.8", "0.9"}},
       {"time-leaving", {"1", "2", "3", "4", "5"}},
       {"gap-op", {"1", "2", "3"}},
+      {"history-threshold", {"0.25", "0.5", "0.75"}, BitOf(GateKind::kHistory)},
+      {"light-rate", {"25"}, BitOf(GateKind::kLight)},
   };
 };
 
@@ -104,6 +108,9 @@ class Search {
   }
 
   void Run() {
+    std::erase_if(arguments_.dimensions, [this](const Dimension& dimension) {
+      return dimension.gates != 0 && (dimension.gates & options_.settings.gates) == 0;
+    });
     RefuseWithoutDepartures(clips_);
     // The first dimension changes what is analysed, not only what is decided: a pass over the clips each.
     const std::span<const Dimension> dimensions(arguments_.dimensions);
@@ -136,6 +143,7 @@ class Search {
     WriteResult("# " + FigureSentence(best.tally));
     for (const Dimension& dimension : arguments_.dimensions) TellSetting(best, dimension.setting);
     TellSetting(best, "rate");
+    if (best.settings.gates != 0) TellSetting(best, "gates");
     if (candidates_.size() > 1) WriteResult("# runners-up");
     for (const Candidate& candidate : std::span(candidates_).subspan(1)) {
       WriteResult("# " + InOneLine(arguments_, candidate.settings));
@@ -159,7 +167,7 @@ class Search {
     }
   }
 
-  const TuneArguments& arguments_;
+  TuneArguments& arguments_;
   EvaluationOptions& options_;
   std::vector<Clip> clips_;
   std::vector<Candidate> candidates_;  ///< once searched: the best first
