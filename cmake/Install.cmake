@@ -7,6 +7,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/vel_stopngo.h DESTINATION ${CMAKE_IN
 # With the module, also where there is no command: a host finds them by the variables of both packages.
 set(weights_dir ${CMAKE_INSTALL_DATADIR}/zetstopngo)
 install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/weights/default.bin.json
+  ${PROJECT_SOURCE_DIR}/weights/history.bin ${PROJECT_SOURCE_DIR}/weights/history.bin.json
   DESTINATION ${weights_dir})
 if(STOPNGO_BUILD_TOOLS)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

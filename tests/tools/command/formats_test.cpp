@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -136,11 +137,16 @@ TEST_F(Formats, OfSettingsAndWeightsAreDocumented) {
   EXPECT_EQ(KeysOf(weights.out), Documented("### weights")) << weights.err;
 
   const auto sidecar = nlohmann::json::parse(ReadFile(STOPNGO_DEFAULT_WEIGHTS ".json"));
+  const auto of_gate = nlohmann::json::parse(
+      ReadFile((std::filesystem::path(STOPNGO_DEFAULT_WEIGHTS).parent_path() / "history.bin.json").string()));
   Names keys;
-  for (const auto& [key, value] : sidecar.items()) keys.insert(key);
-  for (const auto& [key, value] : sidecar["settings"].items()) keys.insert(key);
-  for (const auto& [key, value] : sidecar["training"].items()) keys.insert(key);
-  AddKeys(sidecar["training"], "", keys);
+  for (const auto* const one : {&sidecar, &of_gate}) {
+    for (const auto& [key, value] : one->items()) keys.insert(key);
+    for (const auto& [key, value] : (*one)["settings"].items()) keys.insert(key);
+    for (const auto& [key, value] : (*one)["training"].items()) keys.insert(key);
+    AddKeys((*one)["training"], "", keys);
+  }
+  AddKeys(of_gate["figures"]["validation"], "", keys);
   keys.erase("seeds");
   EXPECT_EQ(keys, Documented("## Sidecar"));
   for (const auto* const of : {&sidecar["figures"]["validation"], &sidecar["figures"]["test"]["all"]}) {
