@@ -21,7 +21,7 @@ Region RegionOf(const Settings& settings);
 /// Pixels to the right and downwards.
 struct RegionMove {
   int x = 0, y = 0;
-  auto operator<=>(const RegionMove&) const = default;
+  bool operator==(const RegionMove&) const = default;
 };
 
 /// The region moved, as far as the picture goes.

@@ -22,7 +22,7 @@ struct Identity {
   bool operator<(const Identity& other) const {
     const auto numbers = [](const Identity& of) {
       return std::tie(of.scene, of.place, of.region.x, of.region.y, of.region.width, of.region.height,
-                      of.moved, of.rate);
+                      of.moved.x, of.moved.y, of.rate);
     };
     return numbers(*this) < numbers(other);
   }
