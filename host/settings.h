@@ -20,7 +20,7 @@ struct FrameCount {
 inline constexpr double kLowestRate = 0.01;
 
 /// Those that are asked for as `default`.
-inline constexpr int kDefaultGates = BitOf(GateKind::kHistory) | BitOf(GateKind::kLight);
+inline constexpr int kDefaultGates = BitOf(GateKind::kHistory);
 
 /// What the speed gate is where the own speed is not known: values of Settings::speed_fails.
 inline constexpr int kFailsOpen = 0;

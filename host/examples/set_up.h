@@ -1,3 +1,5 @@
+/* Without the gates: they are no settings of the module, but the host library's. */
+
 /* The frames to be handed over, and how many a second: the times below count them. */
 #define STOPNGO_FRAME_WIDTH 800
 #define STOPNGO_FRAME_HEIGHT 480

@@ -57,7 +57,7 @@ TEST(SettingTable, ValuesAreTakenOrRefusedWhole) {
                             {"filter", "1", "median"},
                             {"filter", "3", nullptr},
                             {"gates", "none", "none"},
-                            {"gates", "default", "history,light"},
+                            {"gates", "default", "history"},
                             {"gates", "picture,light,light", "light,picture"},
                             {"gates", "light,", nullptr},
                             {"gates", "light,none", nullptr},

@@ -83,7 +83,7 @@ TEST_F(Formats, OfRecordingsAreDocumented) {
   const std::string run = " --weights " STOPNGO_DEFAULT_WEIGHTS " --json ";
   const Names broken_off{"cut_short"};
   const std::string trace = folder_ / "trace.tsv";
-  EXPECT_EQ(Both(KeysOf(Stopngo("run " + cut + run + "--trace " + trace).out), broken_off),
+  EXPECT_EQ(Both(KeysOf(Stopngo("run " + cut + run + "--gates none --trace " + trace).out), broken_off),
             Documented("### run"));
   EXPECT_EQ(Columns(ReadFile(trace)), Documented("## Trace"));
   // All of it black to the gate, which so holds the alarm back.
@@ -121,8 +121,8 @@ TEST_F(Formats, OfJudgementsAreDocumented) {
   columns.insert({"repeats", "unjudged"});
   columns.erase("threshold");
   EXPECT_EQ(columns, figures_);
-  const CommandResult tune =
-      Stopngo("tune " + manifest + weights + "--try-filter none --try-threshold 0.4 --try-gap-op 2");
+  const CommandResult tune = Stopngo("tune " + manifest + weights +
+                                     "--gates none --try-filter none --try-threshold 0.4 --try-gap-op 2");
   EXPECT_EQ(KeysOf(tune.out), Both(figures_, Documented("### tune"))) << tune.err;
   EXPECT_EQ(KeysOf(Stopngo("features --table --json " + manifest).out), Documented("### features"));
   const std::string few = folder_.File("few.tsv", clips + "synth:standing:1\t-\t0.5\t-\t-\n");
