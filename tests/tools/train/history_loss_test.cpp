@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "host/history.h"
 #include "host/module.h"
 #include "host/weights_file.h"
+#include "loss_checks.h"
 #include "train/history_tally.h"
 #include "train/trainer.h"
 
@@ -90,21 +90,7 @@ TEST(HistoryExamples, LeaveOutWhatIsNotJudged) {
 TEST(HistoryLoss, GradientIsTheLossesSlope) {
   const HistoryExamples examples = ExamplesOf(Passages(1, 4));
   const HistoryLoss loss({3, 1e-3}, examples, 1);
-  std::vector<double> parameters = SomeHistoryNumbers(loss.Parameters());
-  std::vector<double> gradient(parameters.size());
-  loss.Evaluate(parameters, gradient);
-  // Single precision inside, as in the loss of the alarms.
-  constexpr double kStep = 2e-2;
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    const double at = parameters[i];
-    parameters[i] = at + kStep;
-    const double above = loss.Evaluate(parameters, {});
-    parameters[i] = at - kStep;
-    const double below = loss.Evaluate(parameters, {});
-    parameters[i] = at;
-    const double slope = (above - below) / (2 * kStep);
-    EXPECT_NEAR(gradient[i], slope, 2e-3 + 0.01 * std::fabs(slope)) << "parameter " << i;
-  }
+  ExpectGradientIsTheSlope(loss, SomeHistoryNumbers(loss.Parameters()));
 }
 
 TEST(HistoryLoss, ThreadsChangeNoBit) {
@@ -112,11 +98,7 @@ TEST(HistoryLoss, ThreadsChangeNoBit) {
   ASSERT_GT(examples.Count(), 2 * 4096U) << "three groups";
   const HistoryLoss one({}, examples, 1);
   const HistoryLoss four({}, examples, 4);
-  const std::vector<double> parameters = SomeHistoryNumbers(one.Parameters());
-  std::vector<double> gradient_one(parameters.size());
-  std::vector<double> gradient_four(parameters.size());
-  EXPECT_EQ(one.Evaluate(parameters, gradient_one), four.Evaluate(parameters, gradient_four));
-  EXPECT_EQ(gradient_one, gradient_four);
+  ExpectTheSameBits(one, four, SomeHistoryNumbers(one.Parameters()));
 }
 
 // Of one pair motion looks the same in both; the network has to learn what was before.
