@@ -38,7 +38,7 @@ Recordings and scenes side by side show what scenes lack. No weights are needed.
 Examples:
   stopngo features drives.tsv --table
   stopngo features train.tsv --output kept --looks 3 --only-looks
-  stopngo features test.tsv --output kept --part 2/8
+  stopngo features test.tsv --output kept --part=2/8
   stopngo eval test.tsv --features-from kept)";
 
 /// Which of how many parts of the work.

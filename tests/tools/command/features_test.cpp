@@ -150,7 +150,7 @@ TEST_F(FeaturesTest, OfOtherClipsOrSettingsAreRefused) {
       {"eval " + more + from, 1, {"no features of more.tsv0-1.y4m"}},
       {"eval " + clips + " --features-from " + folder_ / "nowhere", 1, {"nowhere"}},
       {to + " --looks 1", 2, {"--looks 0"}},
-      {to + " --part 3/2", 2, {"'3/2'"}},
+      {to + " --part=3/2", 2, {"'3/2'"}},
       {to + " --features-from " + kept_, 2, {"--features-from"}},
       {"features " + clips, 2, {"--table", "--output"}},
   };
