@@ -24,8 +24,9 @@ namespace stream {
 
 inline constexpr Stream kWorld{SeedOf::kScene, 0x30};
 inline constexpr Stream kShake{SeedOf::kScene, 0x5a};
+inline constexpr Stream kBody{SeedOf::kScene, 0x60};
 inline constexpr Stream kBlink{SeedOf::kScene, 0x62};
-inline constexpr Stream kScript{SeedOf::kScene, 0x77, 0x10};
+inline constexpr Stream kScript{SeedOf::kScene, 0xae00, 0x100};
 inline constexpr Stream kPaint{SeedOf::kScene, 0x7e};
 inline constexpr Stream kWindscreen{SeedOf::kScene, 0x91};
 inline constexpr Stream kActor{SeedOf::kScene, 0xac00, 0x100};
@@ -33,8 +34,8 @@ inline constexpr Stream kOverlay{SeedOf::kScene, 0xad00, 0x100};
 inline constexpr Stream kLooks{SeedOf::kTraining, 0x4c};
 inline constexpr Stream kStart{SeedOf::kTraining, 0x91};
 
-inline constexpr std::array kAll{kWorld,      kShake, kBlink,   kScript, kPaint,
-                                 kWindscreen, kActor, kOverlay, kLooks,  kStart};
+inline constexpr std::array kAll{kWorld,      kShake, kBody,    kBlink, kScript, kPaint,
+                                 kWindscreen, kActor, kOverlay, kLooks, kStart};
 
 /// How many pairs of streams have a number in common.
 constexpr int Collisions() {
@@ -50,9 +51,7 @@ constexpr int Collisions() {
   return collisions;
 }
 
-// Scripts of brake lights, the seventh kind, have the numbers of the first vehicle's paint. Other numbers would
-// draw those scenes anew, and with them the figures of the default weights.
-static_assert(Collisions() == 1, "a stream has numbers of another one");
+static_assert(Collisions() == 0, "a stream has numbers of another one");
 
 }  // namespace stream
 

@@ -1,6 +1,8 @@
 // region.h: where in a picture a detector looks.
 #pragma once
 
+#include <optional>
+
 #include "host/settings.h"
 #include "scene/recipe/recipe.h"
 
@@ -29,6 +31,14 @@ Region Moved(Region region, const RegionMove& by);
 
 /// The settings with their region in frames of a size.
 Settings Placed(Settings settings, const Region& region, int frame_width, int frame_height);
+
+/// Where the rear of the vehicle ahead is seen, in a picture of 800 × 480, which parts of it may exceed.
+struct RearSides {
+  double left, right, top, bottom;
+};
+
+/// Of a scene while it stands; nothing when nobody is ahead.
+std::optional<RearSides> RearOf(const SceneOptions& options);
 
 /// Where to look for the vehicle ahead of a scene while it stands, in a picture of 800 × 480: unless the scene's
 /// options aim it, the default region, moved onto the vehicle's rear when it does not lie on it.

@@ -35,14 +35,13 @@ bool Crosses(ActorKind kind) {
     case ActorKind::kPedestrian:
     case ActorKind::kCrowd:
     case ActorKind::kCyclist:
+    case ActorKind::kDrivingIn:
+    case ActorKind::kStream:
       return true;
     default:
       return false;
   }
 }
-
-/// Whether more than lamps or a stroll by the roadside is to be seen of it.
-bool Moves(ActorKind kind) { return kind != ActorKind::kNeighbour && kind != ActorKind::kBystanders; }
 
 bool SamePose(const Camera& a, const Camera& b) {
   return a.x_m == b.x_m && a.z_m == b.z_m && a.sine == b.sine && a.horizon == b.horizon;
@@ -71,13 +70,17 @@ SceneModel::SceneModel(const SceneOptions& o, const SceneWindow& w)
   const double most_texels = std::min(0.4 * o.width * o.height, 1.5e6);
   for (std::size_t i = 0; i < vehicles.size(); i++) {
     const double nearest = std::max(2.0, vehicles[i].distance_m);
-    lane.emplace_back(vehicles[i], std::min(1.5 * camera_.focal / nearest, 520.0), most_texels, o.seed + i);
+    const Texels texels{std::min(1.5 * camera_.focal / nearest, 520.0), most_texels};
+    auto vehicle = std::make_unique<DrivenVehicle>(vehicles[i], texels, o.seed + i);
+    if (o.lead_present && i == 0) lead_ = vehicle.get();
+    actors_.push_back(std::move(vehicle));
+    actor_kinds_.emplace_back();
   }
   for (const ActorOptions& actor : o.actors) {
     Actors made = MakeActors(actor.kind, MakeStage(actor.event_s), actor.seed);
     for (auto& one : made) {
       actors_.push_back(std::move(one));
-      actor_kinds_.push_back(actor.kind);
+      actor_kinds_.emplace_back(actor.kind);
     }
   }
   for (const OverlayOptions& overlay : o.overlays) {
@@ -95,12 +98,11 @@ Stage SceneModel::MakeStage(double event_s) const {
   stage.length_s = options.length_s;
   stage.event_s = event_s;
   stage.night = options.light.Night();
-  if (options.lead_present) {
-    const LaneVehicle& lead = lane.front();
-    stage.lead_half_width = lead.Look().half_width;
-    stage.lead_height = lead.Look().profile.back().height;
+  if (lead_ != nullptr) {
+    stage.lead_half_width = lead_->Body().HalfWidth();
+    stage.lead_height = lead_->Body().Height();
     stage.lead_offset = options.lead.offset_m;
-    stage.lead_distance = [this](double time_s) { return lane.front().At(time_s).z; };
+    stage.lead_distance = [this](double time_s) { return lead_->RearAt(time_s).pose.z; };
   } else {
     stage.lead_present = false;
     stage.lead_distance = [place_m = options.lead.distance_m](double) { return place_m; };
@@ -133,9 +135,8 @@ void SceneModel::UpdateStill(double time_s, const Camera& camera) {
   const auto street = [this](const Camera& seen, int row, std::span<float> light) {
     world_.Row(seen, row, light);
   };
-  still_ = std::make_unique<Still>(
-      Still{camera, Layer(camera, part.width, part.height, Margin(), street), {}, {}});
-  still_->vehicles.resize(lane.size());
+  still_ =
+      std::make_unique<Still>(Still{camera, Layer(camera, part.width, part.height, Margin(), street), {}});
   still_->actors.resize(actors_.size());
 }
 
@@ -161,63 +162,42 @@ void SceneModel::DrawStreet(double time_s, double open_s, Offset shake) {
 
 std::vector<SceneModel::Item> SceneModel::Items(double time_s, const Camera& camera) const {
   std::vector<Item> items;
-  for (std::size_t i = 0; i < lane.size(); i++) {
-    const VehicleState state = lane[i].At(time_s);
-    items.push_back({PlaceOf(camera, state.x, state.z).ahead, true, i});
-  }
   for (std::size_t i = 0; i < actors_.size(); i++) {
-    const auto distance = actors_[i]->Distance(time_s);
-    if (distance) items.push_back({*distance - camera.z_m, false, i});
+    const auto distance = actors_[i]->Distance(time_s, camera);
+    if (distance) items.push_back({*distance, i});
   }
   std::stable_sort(items.begin(), items.end(),
                    [](const Item& a, const Item& b) { return a.distance > b.distance; });
   return items;
 }
 
-void SceneModel::DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Offset shake) {
-  const LaneVehicle& vehicle = lane[index];
-  const VehicleState state = vehicle.At(time_s);
-  RearView view(vehicle.Look(), shaken, state, options.light);
-  if (!view.Visible()) {
-    return;
-  }
-  const bool kept = resting_ && vehicle.Waits(time_s);
-  if (kept) {
-    DrawCutout(still_->vehicles[index], shake,
-               [this, &vehicle, &state](const Camera& camera, int row, std::span<float> light) {
-                 RearView(vehicle.Look(), camera, state, options.light).DrawRow(row, light);
-               });
-  }
-  for (int row = 0; row < part.height; row++) {
-    if (!kept) view.DrawRow(row, Line(row));
-    view.DrawLamps(row, Line(row));
-  }
-}
-
-void SceneModel::DrawCutout(std::optional<Cutout>& cutout, Offset shake, const Layer::Paint& paint) {
-  if (!cutout) cutout.emplace(still_->camera, part.width, part.height, Margin(), paint);
-  for (int row = 0; row < part.height; row++) {
-    cutout->DrawRow(row, shake, Line(row));
-  }
-}
-
 void SceneModel::DrawActor(std::size_t index, double time_s, const Camera& shaken, Offset shake) {
   const Actor& actor = *actors_[index];
-  if (!resting_ || actor_kinds_[index] != ActorKind::kNeighbour) {
+  if (resting_ && actor.Rests(time_s)) {
+    DrawKept(index, time_s, shake);
+  } else {
     actor.Draw(time_s, shaken, options.light, sheet_);
-    sheet_used_ = true;
-    return;
   }
+  actor.DrawLamps(time_s, shaken, options.light, sheet_);
+  sheet_used_ = true;
+}
+
+void SceneModel::DrawKept(std::size_t index, double time_s, Offset shake) {
   FlushSheet();
-  std::optional<Sheet> sheet;
-  DrawCutout(still_->actors[index], shake, [&](const Camera& camera, int row, std::span<float> light) {
-    if (!sheet) {
-      const int rows = 2 * (part.height + 2 * (Margin() + 1));
-      sheet.emplace(static_cast<int>(light.size()), rows);
-      actor.Draw(time_s, camera, options.light, *sheet);
-    }
-    sheet->DrawRow(row, light);
-  });
+  std::optional<Cutout>& cutout = still_->actors[index];
+  if (!cutout) {
+    std::optional<Sheet> sheet;
+    cutout.emplace(still_->camera, part.width, part.height, Margin(),
+                   [&](const Camera& camera, int row, std::span<float> light) {
+                     if (!sheet) {
+                       const int rows = 2 * (part.height + 2 * (Margin() + 1));
+                       sheet.emplace(static_cast<int>(light.size()), rows);
+                       actors_[index]->Draw(time_s, camera, options.light, *sheet);
+                     }
+                     sheet->DrawRow(row, light);
+                   });
+  }
+  for (int row = 0; row < part.height; row++) cutout->DrawRow(row, shake, Line(row));
 }
 
 std::span<float> SceneModel::Line(int row) {
@@ -243,14 +223,7 @@ void SceneModel::Compose(double time_s, double open_s) {
   const Offset shake = shake_.At(time_s, path_.Speed(time_s));
   const Camera shaken = Displaced(camera, shake);
   DrawStreet(time_s, open_s, shake);
-  for (const Item& item : Items(time_s, camera)) {
-    if (item.vehicle) {
-      FlushSheet();
-      DrawVehicle(item.index, time_s, shaken, shake);
-    } else {
-      DrawActor(item.index, time_s, shaken, shake);
-    }
-  }
+  for (const Item& item : Items(time_s, camera)) DrawActor(item.actor, time_s, shaken, shake);
   FlushSheet();
 }
 
@@ -258,9 +231,9 @@ void SceneModel::Compose(double time_s, double open_s) {
 /// street is smeared by itself (see DrawStreet), and most of the rest goes along with us.
 int SceneModel::Instants(double time_s) const {
   bool moves = false;
-  for (const LaneVehicle& vehicle : lane) moves = moves || !vehicle.Waits(time_s);
   for (std::size_t i = 0; i < actors_.size(); i++) {
-    moves = moves || (Moves(actor_kinds_[i]) && actors_[i]->Distance(time_s));
+    moves = moves || (!actors_[i]->Rests(time_s) && actor_kinds_[i] != ActorKind::kBystanders &&
+                      actors_[i]->Distance(time_s, Pose(time_s)));
   }
   if (!resting_ || !moves) return 1;
   return std::max(1, static_cast<int>(std::ceil(options.sensor.shutter_s / kInstant_s)));
@@ -296,10 +269,12 @@ void SceneModel::Render(std::int64_t frame, std::span<std::uint8_t> luma) {
 std::vector<LabelSpan> SceneModel::Labels(double length_s) const {
   constexpr double kStep_s = 0.1;
   SceneEvents events{path_.Moving(length_s), {}, {}, length_s};
-  if (options.lead_present) events.lead_moving = lane.front().Moving(length_s);
+  if (lead_ != nullptr) events.lead_moving = lead_->Moving(length_s);
   for (std::size_t actor = 0; actor < actors_.size(); actor++) {
-    for (int i = 0; Crosses(actor_kinds_[actor]) && i * kStep_s < length_s; i++) {
-      if (actors_[actor]->Distance(i * kStep_s)) events.crossing.push_back({i * kStep_s, (i + 1) * kStep_s});
+    if (!actor_kinds_[actor] || !Crosses(*actor_kinds_[actor])) continue;
+    for (int i = 0; i * kStep_s < length_s; i++) {
+      const double at_s = i * kStep_s;
+      if (actors_[actor]->Distance(at_s, Pose(at_s))) events.crossing.push_back({at_s, at_s + kStep_s});
     }
   }
   return MakeLabels(events);

@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "base/label.h"
-#include "scene/actors/actor.h"
-#include "scene/lane/lane_vehicle.h"
 #include "scene/lens/coder.h"
 #include "scene/lens/sensor.h"
 #include "scene/lens/shake.h"
@@ -21,7 +19,9 @@
 #include "scene/recipe/recipe.h"
 #include "scene/space/offset.h"
 #include "scene/space/window.h"
+#include "scene/stage/actor.h"
 #include "scene/street/world.h"
+#include "scene/vehicle/driven_vehicle.h"
 
 namespace stopngo {
 
@@ -35,21 +35,18 @@ struct SceneModel {
 
   SceneOptions options;
   PicturePart part;
-  std::vector<LaneVehicle> lane;  ///< the one ahead first, when there is one
 
  private:
   /// What stands still seen from one place: kept from frame to frame.
   struct Still {
     Camera camera;
     Layer street;
-    std::vector<std::optional<Cutout>> vehicles;  ///< as they are at the beginning
-    std::vector<std::optional<Cutout>> actors;    ///< those that never move
+    std::vector<std::optional<Cutout>> actors;  ///< of those that rest, as they are at the beginning
   };
   /// Something of a frame, to be drawn in order of distance.
   struct Item {
     double distance;
-    bool vehicle;  ///< else an actor
-    std::size_t index;
+    std::size_t actor;
   };
 
   /// Adds up in light_ what the shutter lets in around a time.
@@ -59,9 +56,8 @@ struct SceneModel {
   void Compose(double time_s, double open_s);
   void DrawStreet(double time_s, double open_s, Offset shake);
   [[nodiscard]] std::vector<Item> Items(double time_s, const Camera& camera) const;
-  void DrawVehicle(std::size_t index, double time_s, const Camera& shaken, Offset shake);
   void DrawActor(std::size_t index, double time_s, const Camera& shaken, Offset shake);
-  void DrawCutout(std::optional<Cutout>& cutout, Offset shake, const Layer::Paint& paint);
+  void DrawKept(std::size_t index, double time_s, Offset shake);
   void FlushSheet();
   /// A row of light_.
   [[nodiscard]] std::span<float> Line(int row);
@@ -78,9 +74,10 @@ struct SceneModel {
   Windscreen windscreen_;
   Sensor sensor_;
   Coder coder_;
-  Actors actors_;
+  Actors actors_;                                      ///< the vehicle ahead first, when there is one
+  const DrivenVehicle* lead_ = nullptr;                ///< one of them
+  std::vector<std::optional<ActorKind>> actor_kinds_;  ///< vehicles of our own lane have none
   std::vector<std::unique_ptr<ScreenEffect>> overlays_;
-  std::vector<ActorKind> actor_kinds_;
   std::unique_ptr<Still> still_;
   bool resting_ = false;
   Sheet sheet_;

@@ -1,5 +1,5 @@
 // actor_test.cpp: what moves in a scene: drawn inside its window only, and the same every time.
-#include "scene/actors/actor.h"
+#include "scene/stage/actor.h"
 
 #include <gtest/gtest.h>
 
@@ -33,15 +33,15 @@ Stage StageWith(int x, int y) {
 std::vector<const Actor*> FromBackToFront(const Actors& actors, double time_s) {
   std::vector<const Actor*> present;
   for (const auto& actor : actors) {
-    if (actor->Distance(time_s)) present.push_back(actor.get());
+    if (actor->Distance(time_s, TestCamera())) present.push_back(actor.get());
   }
   std::stable_sort(present.begin(), present.end(), [time_s](const Actor* a, const Actor* b) {
-    return *a->Distance(time_s) > *b->Distance(time_s);
+    return *a->Distance(time_s, TestCamera()) > *b->Distance(time_s, TestCamera());
   });
   return present;
 }
 
-constexpr int kActorKinds = static_cast<int>(ActorKind::kBirds) + 1;
+constexpr int kActorKinds = static_cast<int>(ActorKind::kParking) + 1;
 constexpr int kOverlayKinds = static_cast<int>(OverlayKind::kBeacon) + 1;
 
 /// Draws the actors of a kind, or, past those, the overlay of one.
@@ -56,6 +56,7 @@ std::vector<float> DrawnKind(int kind, std::uint64_t seed, double time_s, int x,
     const Actors actors = MakeActors(static_cast<ActorKind>(kind), stage, seed);
     for (const Actor* actor : FromBackToFront(actors, time_s)) {
       actor->Draw(time_s, camera, {0.5F, 0.4F}, sheet);
+      actor->DrawLamps(time_s, camera, {0.5F, 0.4F}, sheet);
     }
   } else {
     MakeOverlay(static_cast<OverlayKind>(kind - kActorKinds), stage, seed)->Draw(time_s, sheet);
@@ -120,7 +121,7 @@ TEST(Overtaking, GetsSmallerAsItDrivesOn) {
     const Actor& actor = *actors.front();
     std::optional<double> before;
     for (double time_s = 0; time_s < 12; time_s += 0.25) {
-      const auto distance = actor.Distance(time_s);
+      const auto distance = actor.Distance(time_s, TestCamera());
       if (distance && before) {
         EXPECT_GT(*distance, *before);
         seen++;

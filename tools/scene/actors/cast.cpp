@@ -20,7 +20,7 @@ struct Entry {
   Made (*make)(const Stage&, Random&);
 };
 
-constexpr std::array<Entry<ActorKind, Actors>, 16> kActors{{
+constexpr std::array<Entry<ActorKind, Actors>, 19> kActors{{
     {ActorKind::kCrossing, MakeCrossing},
     {ActorKind::kCrossingNear, MakeCrossingNear},
     {ActorKind::kCrossingQueue, MakeCrossingQueue},
@@ -37,6 +37,9 @@ constexpr std::array<Entry<ActorKind, Actors>, 16> kActors{{
     {ActorKind::kHeadlampSweep, MakeHeadlampSweep},
     {ActorKind::kReflection, MakeReflection},
     {ActorKind::kBirds, MakeBirds},
+    {ActorKind::kDrivingIn, MakeDrivingIn},
+    {ActorKind::kStream, MakeStream},
+    {ActorKind::kParking, MakeParking},
 }};
 
 constexpr std::array<Entry<OverlayKind, std::unique_ptr<ScreenEffect>>, 6> kOverlays{{

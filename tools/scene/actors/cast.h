@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "scene/actors/actor.h"
 #include "scene/recipe/kinds.h"
+#include "scene/stage/actor.h"
 
 namespace stopngo {
 

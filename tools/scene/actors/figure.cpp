@@ -28,12 +28,13 @@ class Figure : public Actor {
   Figure(Kind kind, const Person& person, const Route& route, Track track)
       : kind_(kind), person_(person), route_(route), track_(std::move(track)) {}
 
-  [[nodiscard]] std::optional<double> Distance(double time_s) const override {
+  [[nodiscard]] std::optional<double> Distance(double time_s, const Camera& camera) const override {
     const Pose pose = route_.At(track_.Position(time_s));
-    if (pose.z < kNearestFigure_m || std::fabs(pose.x) > 0.8 * pose.z + 2) {
+    const Place place = PlaceOf(camera, pose.x, pose.z);
+    if (place.ahead < kNearestFigure_m || std::fabs(place.across) > 0.8 * place.ahead + 2) {
       return std::nullopt;
     }
-    return pose.z - 0.2;
+    return place.ahead - 0.2;
   }
 
   void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
@@ -69,11 +70,12 @@ class Drifter : public Actor {
     tone_ = bird ? random.Uniform(25, 90) : random.Uniform(40, 220);
     phase_ = random.Uniform(0, 1);
   }
-  [[nodiscard]] std::optional<double> Distance(double time_s) const override {
-    if (std::fabs(speed_ * (time_s - when_)) > z_ + 1) {
+  [[nodiscard]] std::optional<double> Distance(double time_s, const Camera& camera) const override {
+    const double ahead = PlaceOf(camera, 0, z_).ahead;
+    if (std::fabs(speed_ * (time_s - when_)) > z_ + 1 || ahead < kNearestFigure_m) {
       return std::nullopt;
     }
-    return z_;
+    return ahead;
   }
   void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
     const double t = time_s - when_;
@@ -154,8 +156,10 @@ Actors MakePedestrians(const Stage& stage, Random& random) {
 /// for vehicles: away from us it shrinks as a vehicle does that leaves.
 Actors MakeFreeCrowd(const Stage& stage, Random& random) {
   Actors actors;
-  const double from = random.Uniform(2, 10);
-  const double to = from + random.Uniform(2, 14);
+  // Close by it fills the picture for as long as it passes.
+  const bool close = Chance(random, 0.4);
+  const double from = close ? random.Uniform(1.5, 3) : random.Uniform(2, 10);
+  const double to = from + (close ? random.Uniform(1, 3) : random.Uniform(2, 14));
   const double way = random.Uniform(0, 1);
   const bool across = random.Below(2) == 0;
   const double against = random.Uniform(0, 0.5);  // the share that goes the other way

@@ -40,11 +40,12 @@ class Gleam : public Actor {
   };
   Gleam(const Stage& stage, const Course& course) : stage_(stage), course_(course) {}
 
-  [[nodiscard]] std::optional<double> Distance(double time_s) const override {
+  [[nodiscard]] std::optional<double> Distance(double time_s, const Camera& camera) const override {
     if (std::fabs(At(time_s)) > stage_.lead_half_width + course_.half_width) {
       return std::nullopt;
     }
-    return stage_.lead_distance(time_s) - 0.01;  // right before it
+    // Right before it, also where it stands obliquely.
+    return PlaceOf(camera, stage_.lead_offset, stage_.lead_distance(time_s)).ahead - 0.3;
   }
 
   void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/random.h"
-#include "scene/actors/actor.h"
+#include "scene/stage/actor.h"
 
 namespace stopngo {
 

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "scene/actors/box_vehicle.h"
+#include "host/common/exact_math.h"
 #include "scene/actors/figure.h"
 #include "scene/motion/route.h"
 #include "scene/motion/track.h"
@@ -14,48 +14,20 @@
 #include "scene/recipe/chance.h"
 #include "scene/recipe/light.h"
 #include "scene/space/pose.h"
-#include "scene/space/projection.h"
+#include "scene/vehicle/driven_vehicle.h"
+#include "scene/vehicle/vehicle.h"
 
 namespace stopngo {
 namespace {
 
-constexpr double kFarthest_m = 150;
-constexpr double kViewSlope = 0.75;  // metres to the side per metre ahead that no lens here sees beyond
 constexpr double kTexelsPerPixel = 1.2;
 
-class TrafficVehicle : public Actor {
- public:
-  TrafficVehicle(BoxVehicle vehicle, Route route, Track track)
-      : vehicle_(std::move(vehicle)), route_(route), track_(std::move(track)) {}
-
-  [[nodiscard]] std::optional<double> Distance(double time_s) const override {
-    const Pose pose = route_.At(track_.Position(time_s));
-    const auto [nearest, farthest] = vehicle_.Reach(pose);
-    const double aside = std::fabs(pose.x) - vehicle_.Length();
-    if (farthest < kNearest_m || nearest > kFarthest_m || aside > kViewSlope * farthest) {
-      return std::nullopt;
-    }
-    return nearest;
-  }
-
-  void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const override {
-    const double position = track_.Position(time_s);
-    const double brakes = track_.BrakingOrStanding(time_s) ? 1 : 0;
-    vehicle_.Draw(route_.At(position), position, brakes, camera, light, sheet);
-  }
-
- private:
-  BoxVehicle vehicle_;
-  Route route_;
-  Track track_;
-};
-
-BoxKind AnyKind(Random& random, std::uint32_t of) {
+VehicleKind AnyKind(Random& random, std::uint32_t of) {
   // Cars are the most, and come first: of limits how long a vehicle may be.
-  constexpr std::array<BoxKind, 12> kKinds{BoxKind::kHatchback, BoxKind::kSaloon, BoxKind::kEstate,
-                                           BoxKind::kHatchback, BoxKind::kVan,    BoxKind::kSaloon,
-                                           BoxKind::kEstate,    BoxKind::kVan,    BoxKind::kLorry,
-                                           BoxKind::kBus,       BoxKind::kTram,   BoxKind::kLorry};
+  constexpr std::array<VehicleKind, 12> kKinds{
+      VehicleKind::kHatchback, VehicleKind::kSaloon, VehicleKind::kMinivan,     VehicleKind::kHatchback,
+      VehicleKind::kOffRoad,   VehicleKind::kSaloon, VehicleKind::kTransporter, VehicleKind::kMinivan,
+      VehicleKind::kLorry,     VehicleKind::kBus,    VehicleKind::kTram,        VehicleKind::kLorry};
   return kKinds[random.Below(of)];
 }
 
@@ -63,12 +35,17 @@ constexpr std::uint32_t kShort = 8;
 constexpr std::uint32_t kNoTram = 10;
 constexpr std::uint32_t kAll = 12;
 
-BoxVehicle Build(BoxKind kind, const Stage& stage, double nearest_m, Random& random) {
-  return {kind, kTexelsPerPixel * stage.focal / std::max(nearest_m, 1.0), random};
+Vehicle Build(VehicleKind kind, const Stage& stage, double nearest_m, Random& random) {
+  VehicleOptions options;
+  options.kind = kind;
+  return {options, {kTexelsPerPixel * stage.focal / std::max(nearest_m, 1.0)}, random.Next()};
 }
 
-void Add(Actors& actors, BoxVehicle vehicle, const Route& route, const Track& track) {
-  actors.push_back(std::make_unique<TrafficVehicle>(std::move(vehicle), route, track));
+void Add(Actors& actors, const Stage& stage, Vehicle vehicle, const Route& route, const Track& track) {
+  VehicleOptions lamps;
+  lamps.brakes_by_motion = true;
+  lamps.tail_lamps = stage.night > 0.4;
+  actors.push_back(std::make_unique<DrivenVehicle>(lamps, std::move(vehicle), route, track));
 }
 
 /// A way across the street, whose position is 0 in front of us.
@@ -104,13 +81,13 @@ double LaneX(const Stage& stage, double side, double half_width, Random& random)
 }
 
 struct Neighbour {
-  BoxVehicle vehicle;
+  Vehicle vehicle;
   double x;
   double z;  ///< of its middle, where it stands or comes to stand
 };
 
 Neighbour MakeNeighbour(const Stage& stage, double side, double behind_lead, Random& random) {
-  BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, 2.5, random);
+  Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, 2.5, random);
   const double x = LaneX(stage, side, vehicle.HalfWidth(), random);
   const double z = stage.lead_distance(0) + behind_lead + 0.5 * vehicle.Length();
   return {std::move(vehicle), x, z};
@@ -124,9 +101,9 @@ Actors MakeCrossing(const Stage& stage, Random& random) {
   for (std::uint32_t i = 0; i < count; i++) {
     const double nearest = stage.lead_distance(0) + 7;
     const double z = random.Uniform(nearest, std::max(30.0, nearest + 5));
-    BoxVehicle vehicle = Build(AnyKind(random, kAll), stage, z, random);
+    Vehicle vehicle = Build(AnyKind(random, kAll), stage, z, random);
     const Route route = Across(z, EitherSide(random));
-    Add(actors, std::move(vehicle), route, CrossingTrack(stage, z, 18, random));
+    Add(actors, stage, std::move(vehicle), route, CrossingTrack(stage, z, 18, random));
   }
   return actors;
 }
@@ -139,10 +116,10 @@ Actors MakeCrossingNear(const Stage& stage, Random& random) {
   }
   Actors actors;
   const double z = random.Uniform(2.6, std::max(2.7, lead - 1.5));
-  const BoxKind kind = AnyKind(random, lead - z > 1.8 ? kNoTram : kShort);
-  BoxVehicle vehicle = Build(kind, stage, z - 0.9, random);
+  const VehicleKind kind = AnyKind(random, lead - z > 1.8 ? kNoTram : kShort);
+  Vehicle vehicle = Build(kind, stage, z - 0.9, random);
   const Route route = Across(z, EitherSide(random));
-  Add(actors, std::move(vehicle), route, CrossingTrack(stage, z, 8, random));
+  Add(actors, stage, std::move(vehicle), route, CrossingTrack(stage, z, 8, random));
   return actors;
 }
 
@@ -157,11 +134,11 @@ Actors MakeCrossingQueue(const Stage& stage, Random& random) {
   const std::uint32_t count = 3 + random.Below(5);
   double at = first;
   for (std::uint32_t i = 0; i < count; i++) {
-    BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, z, random);
+    Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, z, random);
     at -= 0.5 * vehicle.Length();
     const Track track(at, speed);
     at -= 0.5 * vehicle.Length() + random.Uniform(2, 12);
-    Add(actors, std::move(vehicle), route, track);
+    Add(actors, stage, std::move(vehicle), route, track);
   }
   return actors;
 }
@@ -171,7 +148,7 @@ Actors MakeTurning(const Stage& stage, Random& random) {
   const double radius = random.Uniform(4.5, 8);
   const double corner = stage.lead_distance(0) + 7 + random.Uniform(0, 8) + radius;
   const double speed = random.Uniform(3, 7);
-  BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, corner - radius, random);
+  Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, corner - radius, random);
   const double side = EitherSide(random);
   Route route;
   if (random.Below(2) == 0) {
@@ -184,7 +161,7 @@ Actors MakeTurning(const Stage& stage, Random& random) {
     route = {lane, corner + 20, 0.5, 20, radius, 0.25 * side};
   }
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
-  Add(actors, std::move(vehicle), route, Track(20 - speed * when, speed));
+  Add(actors, stage, std::move(vehicle), route, Track(20 - speed * when, speed));
   return actors;
 }
 
@@ -199,7 +176,7 @@ Actors MakeNeighbours(const Stage& stage, Random& random) {
     for (std::uint32_t left = 1 + random.Below(2); left > 0; left--) {
       Neighbour neighbour = MakeNeighbour(stage, side, behind, random);
       behind += neighbour.vehicle.Length() + random.Uniform(1, 3);
-      Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, Track(0, 0));
+      Add(actors, stage, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, Track(0, 0));
     }
   }
   return actors;
@@ -213,7 +190,7 @@ Actors MakeNeighbourStarts(const Stage& stage, Random& random) {
   const double when = stage.event_s + random.Uniform(-2, 2);
   const double acceleration = random.Uniform(0.3, 3);
   track.Start(when, acceleration, random.Uniform(5, 14));
-  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
+  Add(actors, stage, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
   return actors;
 }
 
@@ -226,7 +203,7 @@ Actors MakeNeighbourStops(const Stage& stage, Random& random) {
   const double when = stage.event_s + random.Uniform(-1.5, 1.5) - 0.5 * speed / deceleration;
   Track track(-0.5 * speed * speed / deceleration - speed * when, speed);
   track.Stop(when, deceleration);
-  Add(actors, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
+  Add(actors, stage, std::move(neighbour.vehicle), {neighbour.x, neighbour.z}, track);
   return actors;
 }
 
@@ -242,7 +219,7 @@ Actors MakeOvertaking(const Stage& stage, Random& random) {
       track.Accelerate(when, random.Uniform(0.3, 1.5));
     }
     when += (neighbour.vehicle.Length() + random.Uniform(4, 15)) / speed;
-    Add(actors, std::move(neighbour.vehicle), {neighbour.x, 2.5}, track);
+    Add(actors, stage, std::move(neighbour.vehicle), {neighbour.x, 2.5}, track);
   }
   return actors;
 }
@@ -253,13 +230,87 @@ Actors MakeOncoming(const Stage& stage, Random& random) {
   const double side = random.Below(5) == 0 ? 1 : -1;  // few drive on the other side of the road
   double when = stage.event_s + random.Uniform(-1, 2);
   for (std::uint32_t left = 1 + random.Below(3); left > 0; left--) {
-    BoxVehicle vehicle = Build(AnyKind(random, kNoTram), stage, 3, random);
+    Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, 3, random);
     const double x = LaneX(stage, side, vehicle.HalfWidth(), random);
     when += 0.5 * vehicle.Length() / speed;
     const Track track(-speed * when, speed);
     when += (0.5 * vehicle.Length() + random.Uniform(5, 25)) / speed;
-    Add(actors, std::move(vehicle), {x, 6, 0.5}, track);
+    Add(actors, stage, std::move(vehicle), {x, 6, 0.5}, track);
   }
+  return actors;
+}
+
+/// From the lane beside, from behind us or next to us, obliquely into ours and along it. What is ahead of us
+/// then leaves, but never stood. With somebody ahead it comes in beyond.
+Actors MakeDrivingIn(const Stage& stage, Random& random) {
+  Actors actors;
+  const double side = EitherSide(random);
+  const double speed = LogUniform(random, 1.5, 13);
+  const double ahead = stage.lead_present ? stage.lead_distance(0) + 5 : random.Uniform(-4, 8);
+  Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, std::max(3.0, ahead), random);
+  const double heading = random.Uniform(0.015, 0.08);  // turns: 5 to 29 degrees
+  const double from = LaneX(stage, side, vehicle.HalfWidth(), random) - stage.lead_offset;
+  // Ends in our lane, after a bend that turns it straight.
+  const double radius = random.Uniform(10, 40);
+  const double in_bend = radius * (1 - SineOfTurns(heading + 0.25));
+  const double straight = std::max(0.0, std::fabs(from) - in_bend) / SineOfTurns(heading);
+  const Route route{from + stage.lead_offset, ahead, -side * heading, straight, radius, side * heading};
+  const double when = stage.event_s + random.Uniform(-1.5, 1.5);
+  Track track(-speed * when, speed);
+  switch (random.Below(4)) {
+    case 0:
+      track.Stop(when + random.Uniform(0.5, 2.5), random.Uniform(1, 3));
+      break;
+    case 1:
+      track.Accelerate(when, random.Uniform(0.3, 2));
+      break;
+    default:
+      break;
+  }
+  Add(actors, stage, std::move(vehicle), route, track);
+  return actors;
+}
+
+/// As at a road that does not come to rest.
+Actors MakeStream(const Stage& stage, Random& random) {
+  Actors actors;
+  const double away = random.Uniform(0, 1) < 0.6 ? 0 : 0.5;
+  const double aside = EitherSide(random) * random.Uniform(0, 7);
+  const double speed = random.Uniform(2.5, 15);
+  const double gap = random.Uniform(4, 35);
+  // The first is past us at the beginning, the last has not come when the scene ends.
+  const double way = speed * stage.length_s;
+  double at = random.Uniform(0, 25);
+  for (int left = 14; left > 0 && at > -way; left--) {
+    Vehicle vehicle = Build(AnyKind(random, kNoTram), stage, std::max(4.0, std::fabs(aside)), random);
+    at -= 0.5 * vehicle.Length();
+    const Route route{aside, away == 0 ? 0 : 6.0, away};
+    const Track track(at, speed);
+    at -= 0.5 * vehicle.Length() + gap * random.Uniform(0.6, 1.6);
+    Add(actors, stage, std::move(vehicle), route, track);
+  }
+  return actors;
+}
+
+/// Forwards, then backwards around a bend to the kerb.
+Actors MakeParking(const Stage& stage, Random& random) {
+  Actors actors;
+  const double side = EitherSide(random);
+  Vehicle vehicle = Build(AnyKind(random, kShort), stage, 4, random);
+  const double aside = stage.Beside(side, vehicle.HalfWidth(), random.Uniform(-1.2, 1.2));
+  const double start_s = std::max(0.0, stage.event_s - random.Uniform(0, 3));
+  const double speed = random.Uniform(0.6, 1.6);
+  const double turn_s = start_s + random.Uniform(1.5, 4);
+  const MotionOptions motion{
+      0,
+      {{start_s, speed, 0.9, 0.4}, {turn_s, -speed, 1.2, 0.5}, {turn_s + random.Uniform(3, 6), 0, 1, 0.4}}};
+  const Route route{aside,
+                    stage.lead_distance(0) + random.Uniform(2, 9),
+                    random.Uniform(-0.05, 0.05),
+                    random.Uniform(-2, 1),
+                    random.Uniform(5, 9),
+                    side * 0.1};
+  Add(actors, stage, std::move(vehicle), route, Track(motion));
   return actors;
 }
 

@@ -1,8 +1,8 @@
-// traffic.h: vehicles that cross, turn, stand beside, overtake or come towards us.
+// traffic.h: vehicles that cross, turn, stand beside, overtake, drive in or come towards us.
 #pragma once
 
 #include "base/random.h"
-#include "scene/actors/actor.h"
+#include "scene/stage/actor.h"
 
 namespace stopngo {
 
@@ -15,5 +15,8 @@ Actors MakeNeighbourStarts(const Stage& stage, Random& random);
 Actors MakeNeighbourStops(const Stage& stage, Random& random);
 Actors MakeOvertaking(const Stage& stage, Random& random);
 Actors MakeOncoming(const Stage& stage, Random& random);
+Actors MakeDrivingIn(const Stage& stage, Random& random);
+Actors MakeStream(const Stage& stage, Random& random);
+Actors MakeParking(const Stage& stage, Random& random);
 
 }  // namespace stopngo

@@ -33,8 +33,13 @@ Shake::Shake(const CameraOptions& options, std::uint64_t seed) : options_(option
 Offset Shake::Sway(double time_s) const {
   const double gust = options_.gusts * std::max(0.0, Noise(0.3 * time_s, seed_));
   const double drift = 0.15 * time_s;
-  return {gust * Noise(2.1 * time_s, seed_ + 1) + options_.drift * Noise(drift, seed_ + 2),
-          gust * Noise(2.6 * time_s, seed_ + 3) + options_.drift * Noise(drift, seed_ + 4)};
+  // A hand sways about once a second, and trembles more often by less.
+  const auto hand = [this, time_s](std::uint32_t stream) {
+    return options_.hand *
+           (0.8 * Noise(0.9 * time_s, seed_ + stream) + 0.2 * Noise(4.3 * time_s, seed_ + stream + 1));
+  };
+  return {gust * Noise(2.1 * time_s, seed_ + 1) + options_.drift * Noise(drift, seed_ + 2) + hand(9),
+          gust * Noise(2.6 * time_s, seed_ + 3) + options_.drift * Noise(drift, seed_ + 4) + hand(11)};
 }
 
 /// A door is shut, a wheel drops: the body swings out on its springs.
@@ -64,7 +69,7 @@ Offset Shake::At(double time_s, double speed) const {
 }
 
 double Shake::Reach() const {
-  double reach = options_.vibration + options_.gusts + options_.drift;
+  double reach = options_.vibration + options_.gusts + options_.drift + options_.hand;
   for (const Jolt& jolt : options_.jolts) {
     reach += std::fabs(jolt.pixels);
   }

@@ -134,7 +134,8 @@ void Texture::Roughen(double amplitude, std::uint32_t seed) {
       // Wavelengths of 50 cm (reflections of the surroundings), 7 cm (dirt) and 2 cm (splashes).
       const float noise = ValueNoise(x * 2, y * 4, seed) + 0.6F * ValueNoise(x * 14, y * 14, seed + 1) +
                           0.5F * ValueNoise(x * 50, y * 50, seed + 2);
-      texel.tone += amplitude * static_cast<double>(noise) * texel.cover;
+      // Dark paint is not made darker than no light at all.
+      texel.tone = std::max(0.0, texel.tone + amplitude * static_cast<double>(noise) * texel.cover);
     }
   }
 }

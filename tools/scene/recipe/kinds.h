@@ -20,6 +20,9 @@ enum class ActorKind {
   kHeadlampSweep,    ///< a beam wanders over the rear of the vehicle ahead
   kReflection,       ///< something passing is mirrored in its window and paint
   kBirds,            ///< birds, leaves or litter drift by
+  kDrivingIn,        ///< a vehicle comes from beside or behind into our lane, and drives off or stops
+  kStream,           ///< vehicles pass without end, away from the camera or towards it
+  kParking,          ///< a vehicle manoeuvres at the kerb
 };
 
 enum class OverlayKind {

@@ -30,7 +30,17 @@ struct MotionOptions {
 constexpr double kTownSpeed = 13.9;   // 50 km/h
 constexpr double kBrakesOff_s = 0.4;  // the foot leaves the brake before the vehicle moves
 
-enum class VehicleKind { kHatchback, kSaloon, kMinivan, kOffRoad, kTransporter, kLorry, kBus, kMotorcycle };
+enum class VehicleKind {
+  kHatchback,
+  kSaloon,
+  kMinivan,
+  kOffRoad,
+  kTransporter,
+  kLorry,
+  kBus,
+  kTram,
+  kMotorcycle
+};
 
 enum class Indicator { kNone, kLeft, kRight, kHazard };
 
@@ -40,10 +50,12 @@ struct VehicleOptions {
   double dirt = 4.5;                ///< grey levels of irregularity on the body
   double distance_m = 5;            ///< from the camera to its rear at the beginning
   double offset_m = 0;              ///< of its middle to the right of the camera
+  double heading = 0;               ///< turns to the right of straight ahead
   MotionOptions motion{0, {{5, kTownSpeed, 1.2, 0.8}}};
-  double turn_after_m = 0;   ///< where it begins to turn off
-  double turn_radius_m = 0;  ///< positive: to the right; 0: it drives straight on
-  bool braking = true;       ///< at the beginning
+  double turn_after_m = 0;        ///< where it begins to turn off
+  double turn_radius_m = 0;       ///< positive: to the right; 0: it drives straight on
+  bool braking = true;            ///< at the beginning
+  bool brakes_by_motion = false;  ///< lit while it slows down or stands, instead of what these two say
   std::vector<double> brake_switches_s{5 - kBrakesOff_s};
   bool tail_lamps = false;
   Indicator indicator = Indicator::kNone;
@@ -62,9 +74,11 @@ struct CameraOptions {
   double height_m = 1.3;
   double focal = 0.9;       ///< in widths of the picture
   double horizon = 0.52;    ///< in heights of the picture
+  double yaw = 0;           ///< turns to the right of straight ahead
   double vibration = 0.4;   ///< largest shake by the engine, pixels
   double gusts = 0;         ///< largest sway by wind and by people inside, pixels
   double drift = 0;         ///< largest slow displacement, pixels
+  double hand = 0;          ///< what a stabiliser leaves of a hand's sway, pixels
   double road_shake = 1.5;  ///< largest shake at 10 m/s, pixels
   std::vector<Jolt> jolts;
 };

@@ -7,6 +7,7 @@
 #include "scene/motion/track.h"
 #include "scene/recipe/chance.h"
 #include "scene/script/events.h"
+#include "scene/script/setting.h"
 
 namespace stopngo {
 namespace {
@@ -79,16 +80,16 @@ void Bend(SceneOptions& scene, double most, Random& random) {
 }
 
 void DriveFreely(SceneOptions& scene, Random& random) {
-  scene.lead_present = false;
+  LeaveNobodyAhead(scene, random);
   const double speed = random.Uniform(3, 22);
   scene.ego = {speed, {{random.Uniform(0, scene.length_s), speed * random.Uniform(0.6, 1.3), 1.2}}};
   AddCompany(scene, speed, random);
-  if (Chance(random, 0.5)) Bend(scene, 0.01, random);
+  if (Chance(random, 0.7)) Bend(scene, 0.015, random);
 }
 
 void TurnOff(SceneOptions& scene, Random& random) {
-  scene.lead_present = Chance(random, 0.3);
   scene.others.clear();
+  if (Chance(random, 0.7)) LeaveNobodyAhead(scene, random);
   scene.lead.distance_m += 8;
   const double speed = random.Uniform(2, 6);
   const double start_s = random.Uniform(0, 4);

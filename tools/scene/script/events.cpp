@@ -7,12 +7,14 @@
 #include "scene/motion/track.h"
 #include "scene/recipe/chance.h"
 #include "scene/recipe/kinds.h"
+#include "scene/script/distributions.h"
 
 namespace stopngo {
 namespace {
 
 // What of its distance the lead has to gain within a time for its start to be one that can be told at all.
 constexpr double kNoticed = 0.1;
+constexpr double kNoticed_m = 0.45;
 constexpr double kNoticed_s = 2.2;
 
 void AddActor(SceneOptions& scene, std::span<const ActorKind> kinds, double at_s, Random& random) {
@@ -31,9 +33,9 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
   double acceleration = 0;
   double build_up_s = 0;
   double gained = 0;
-  while (gained < kNoticed * lead.distance_m) {
-    acceleration = LogUniform(random, 0.35, 3);
-    build_up_s = LogUniform(random, 0.25, 1.5);
+  while (gained < std::max(kNoticed_m, kNoticed * lead.distance_m)) {
+    acceleration = Chance(random, 0.5) ? Draw(draw::kUsualStart, random) : DrawLog(draw::kAnyStart, random);
+    build_up_s = DrawLog(draw::kBuildUp_s, random);
     gained = Track({0, {{0, kTownSpeed, acceleration, build_up_s}}}).Position(kNoticed_s);
   }
   const bool braked = lead.braking;
@@ -47,11 +49,14 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
     const double early_s = random.Uniform(0.5, 2.2);
     LeaveAt(ahead, start_s - early_s, acceleration * random.Uniform(1, 1.4), build_up_s);
   }
-  if (Chance(random, 0.2)) {
-    lead.turn_after_m = random.Uniform(3, 9);
-    const double radius_m = random.Uniform(6, 12);
-    lead.turn_radius_m = Chance(random, 0.5) ? radius_m : -radius_m;
+  const double way = random.Uniform(0, 1);
+  if (way < draw::kTurnsOff) {
+    lead.turn_after_m = Draw(draw::kCornerAfter_m, random);
+    lead.turn_radius_m = EitherSide(random) * Draw(draw::kCornerRadius_m, random);
     lead.indicator = lead.turn_radius_m > 0 ? Indicator::kRight : Indicator::kLeft;
+  } else if (way < draw::kTurnsOff + draw::kBends) {
+    lead.turn_after_m = Draw(draw::kBendAfter_m, random);
+    lead.turn_radius_m = EitherSide(random) * DrawLog(draw::kBendRadius_m, random);
   }
   if (Chance(random, 0.3)) {  // we follow
     const double follow_s = start_s + random.Uniform(3.2, 5);
@@ -61,9 +66,9 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
 }
 
 void AddCreep(SceneOptions& scene, double start_s, Random& random) {
-  const double acceleration = random.Uniform(0.6, 1.5);
-  const double speed = random.Uniform(0.7, 1.4);
-  const double hold_s = random.Uniform(0, 1.2);
+  const double acceleration = Draw(draw::kCreepStart, random);
+  const double speed = Draw(draw::kCreepSpeed, random);
+  const double hold_s = Draw(draw::kCreepHold_s, random);
   const double braking_s = start_s + speed / acceleration + 0.5 + hold_s;
   VehicleOptions& lead = scene.lead;
   lead.motion = {0, {{start_s, speed, acceleration, 0.4}, {braking_s, 0, random.Uniform(0.8, 2), 0.4}}};
@@ -93,13 +98,21 @@ void AddPedestrians(SceneOptions& scene, double at_s, Random& random) {
 }
 
 void AddNeighbours(SceneOptions& scene, double at_s, Random& random) {
-  constexpr std::array<ActorKind, 7> kKinds{ActorKind::kNeighbourStarts,
-                                            ActorKind::kNeighbourStarts,
-                                            ActorKind::kNeighbourStops,
-                                            ActorKind::kOvertaking,
-                                            ActorKind::kOncoming,
-                                            ActorKind::kReflection,
-                                            ActorKind::kBirds};
+  constexpr std::array<ActorKind, 9> kKinds{
+      ActorKind::kNeighbourStarts, ActorKind::kNeighbourStarts, ActorKind::kNeighbourStops,
+      ActorKind::kOvertaking,      ActorKind::kOncoming,        ActorKind::kReflection,
+      ActorKind::kBirds,           ActorKind::kStream,          ActorKind::kParking};
+  AddActor(scene, kKinds, at_s, random);
+}
+
+void AddDrivingIn(SceneOptions& scene, double at_s, Random& random) {
+  constexpr std::array<ActorKind, 4> kKinds{ActorKind::kDrivingIn, ActorKind::kDrivingIn,
+                                            ActorKind::kDrivingIn, ActorKind::kTurning};
+  AddActor(scene, kKinds, at_s, random);
+}
+
+void AddStream(SceneOptions& scene, double at_s, Random& random) {
+  constexpr std::array<ActorKind, 1> kKinds{ActorKind::kStream};
   AddActor(scene, kKinds, at_s, random);
 }
 

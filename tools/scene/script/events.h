@@ -20,6 +20,8 @@ using Distractor = void (*)(SceneOptions& scene, double at_s, Random& random);
 void AddCrossing(SceneOptions& scene, double at_s, Random& random);
 void AddPedestrians(SceneOptions& scene, double at_s, Random& random);
 void AddNeighbours(SceneOptions& scene, double at_s, Random& random);
+void AddDrivingIn(SceneOptions& scene, double at_s, Random& random);
+void AddStream(SceneOptions& scene, double at_s, Random& random);
 void AddWipers(SceneOptions& scene, double at_s, Random& random);
 void AddRain(SceneOptions& scene, double at_s, Random& random);
 void AddLamps(SceneOptions& scene, double at_s, Random& random);

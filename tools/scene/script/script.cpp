@@ -33,7 +33,8 @@ void Nothing(SceneOptions& scene, Random& random) {
 
 template <Distractor kDistractor>
 void Distract(SceneOptions& scene, Random& random) {
-  const std::uint32_t times = 1 + random.Below(3);
+  // Where nobody waits traffic is denser.
+  const std::uint32_t times = (scene.lead_present ? 1 : 2) + random.Below(3);
   for (std::uint32_t i = 0; i < times; i++) {
     kDistractor(scene, SomeTime(scene, random), random);
   }
@@ -48,8 +49,7 @@ void DistractOften(SceneOptions& scene, std::span<const Distractor> by, std::uin
 /// What crosses also does so with nobody ahead of us, and the exposure may follow what comes near.
 template <Distractor kDistractor>
 void Cross(SceneOptions& scene, Random& random) {
-  scene.lead_present = Chance(random, 0.65);
-  if (!scene.lead_present) scene.others.clear();
+  if (Chance(random, 0.35)) LeaveNobodyAhead(scene, random);
   Distract<kDistractor>(scene, random);
   if (Chance(random, 0.2)) AddExposure(scene, SomeTime(scene, random), random);
 }
@@ -73,8 +73,7 @@ void Queue(SceneOptions& scene, Random& random) {
 void Drive(SceneOptions& scene, Random& random) { AddDriving(scene, random); }
 
 void Empty(SceneOptions& scene, Random& random) {
-  scene.lead_present = false;
-  scene.others.clear();
+  LeaveNobodyAhead(scene, random);
   DistractOften(scene, Distractors(), 1 + random.Below(4), random);
 }
 
@@ -109,8 +108,30 @@ void LookFromAbove(SceneOptions& scene, Random& random) {
   scene.region = {};
   scene.region.shift_x = static_cast<int>(random.Below(401)) - 200;
   scene.region.shift_y = static_cast<int>(random.Below(281)) - 200;
-  constexpr std::array<Distractor, 4> kSeen{AddCrossing, AddPedestrians, AddNeighbours, AddExposure};
+  constexpr std::array<Distractor, 5> kSeen{AddCrossing, AddPedestrians, AddNeighbours, AddStream,
+                                            AddExposure};
   DistractOften(scene, kSeen, 2 + random.Below(4), random);
+}
+
+/// What is ahead of us recedes without having stood, or comes to rest there.
+void Join(SceneOptions& scene, Random& random) {
+  if (Chance(random, 0.85)) LeaveNobodyAhead(scene, random);
+  const std::uint32_t times = 1 + random.Below(3);
+  for (std::uint32_t i = 0; i < times; i++) AddDrivingIn(scene, SomeTime(scene, random), random);
+  if (Chance(random, 0.4)) OneOf(Distractors(), random)(scene, SomeTime(scene, random), random);
+}
+
+/// A camera that stands beside the road, or on a post there: something moves close by all the time.
+void StandByTheRoad(SceneOptions& scene, Random& random) {
+  LeaveNobodyAhead(scene, random);
+  scene.windscreen = {};
+  scene.camera.height_m = LogUniform(random, 1.2, 5);
+  scene.camera.horizon = random.Uniform(0.1, 0.55);
+  scene.camera.yaw = random.Uniform(-0.07, 0.07);
+  constexpr std::array<Distractor, 6> kSeen{AddStream,   AddStream,    AddPedestrians,
+                                            AddCrossing, AddDrivingIn, AddExposure};
+  AddStream(scene, SomeTime(scene, random), random);
+  DistractOften(scene, kSeen, 1 + random.Below(4), random);
 }
 
 struct Script {
@@ -118,7 +139,7 @@ struct Script {
   void (*draw)(SceneOptions& scene, Random& random);
 };
 
-constexpr std::array<Script, 16> kScripts{{
+constexpr std::array<Script, 18> kScripts{{
     {{SceneKind::kDeparture, "departure", "the vehicle ahead drives away"}, Depart},
     {{SceneKind::kStanding, "standing", "nothing happens"}, Nothing},
     {{SceneKind::kCrossing, "crossing", "vehicles cross before or behind the one ahead"}, Cross<AddCrossing>},
@@ -136,6 +157,8 @@ constexpr std::array<Script, 16> kScripts{{
     {{SceneKind::kEmpty, "empty", "nobody is ahead, things happen"}, Empty},
     {{SceneKind::kMixed, "mixed", "a departure, with other things before and during it"}, Mix},
     {{SceneKind::kOverhead, "overhead", "vehicles and people pass, seen from above"}, LookFromAbove},
+    {{SceneKind::kJoining, "joining", "vehicles drive in ahead of us, and off again or stop"}, Join},
+    {{SceneKind::kRoadside, "roadside", "a camera beside the road, close to what passes"}, StandByTheRoad},
 }};
 
 }  // namespace

@@ -25,6 +25,8 @@ enum class SceneKind {
   kEmpty,
   kMixed,
   kOverhead,  ///< looked at from above, nobody ahead of us: vehicles and people pass
+  kJoining,   ///< nobody has stood ahead of us, but somebody drives in there
+  kRoadside,  ///< beside the road, with something moving all the time
 };
 
 struct SceneKindName {

@@ -8,11 +8,10 @@
 #include "scene/recipe/chance.h"
 #include "scene/recipe/kinds.h"
 #include "scene/recipe/light.h"
+#include "scene/script/distributions.h"
 
 namespace stopngo {
 namespace {
-
-constexpr double kLeastWidth_px = 130;  // of a rear in 800 columns: a smaller one nobody would watch
 
 void DrawLight(SceneOptions& scene, Random& random) {
   Light& light = scene.light;
@@ -46,15 +45,28 @@ void DrawWorld(SceneOptions& scene, Random& random) {
   scene.world.brightness = random.Uniform(-25, 25);
 }
 
+/// What it is held by decides how its picture sways.
+void DrawMount(CameraOptions& camera, Random& random) {
+  const double mount = random.Uniform(0, 1);
+  // Some engines stop at the lights.
+  camera.vibration = Chance(random, draw::kEngineOff) ? Draw(draw::kEngineOff_px, random)
+                                                      : DrawLog(draw::kIdling_px, random);
+  camera.drift = Chance(random, 0.2) ? random.Uniform(0.2, 2) : 0;
+  if (mount < draw::kInCar) return;
+  if (mount < draw::kInCar + draw::kInHand) {
+    camera.hand = DrawLog(draw::kHand_px, random);
+  } else {
+    camera.gusts = DrawLog(draw::kPost_px, random);
+  }
+}
+
 void DrawCamera(SceneOptions& scene, Random& random) {
   CameraOptions& camera = scene.camera;
   camera.height_m = Chance(random, 0.2) ? random.Uniform(1.6, 2.2) : random.Uniform(1.1, 1.5);
-  camera.focal = LogUniform(random, 0.46, 1.08);  // 95 to 50 degrees of view
-  camera.horizon = random.Uniform(0.40, 0.58);
-  // Some engines stop at the lights.
-  camera.vibration = Chance(random, 0.3) ? random.Uniform(0, 0.05) : LogUniform(random, 0.08, 0.9);
-  camera.gusts = Chance(random, 0.2) ? random.Uniform(0.1, 0.8) : 0;
-  camera.drift = Chance(random, 0.3) ? random.Uniform(0.2, 2) : 0;
+  camera.focal = DrawLog(draw::kFocal, random);
+  camera.horizon = Draw(draw::kHorizon, random);
+  camera.yaw = Draw(draw::kYaw.Both(), random);
+  DrawMount(camera, random);
   camera.road_shake = LogUniform(random, 0.4, 4);
   scene.windscreen.bonnet = Chance(random, 0.3) ? random.Uniform(0.03, 0.13) : 0;
   scene.windscreen.reflections = Chance(random, 0.35) ? random.Uniform(3, 45) : 0;
@@ -69,17 +81,24 @@ void DrawSensor(SceneOptions& scene, Random& random) {
   sensor.noise = std::min(sensor.noise, 6.0);
   sensor.contrast = random.Uniform(0.7, 1.35);
   sensor.gain = random.Uniform(0.75, 1.25);
-  if (ambient < 0.6) sensor.gain *= random.Uniform(1, 1.7);
+  // Automatic exposure makes up for most of what is lacking.
+  if (ambient < 0.8) sensor.gain *= std::min(2.0, 1 / ambient) * random.Uniform(0.75, 1);
   sensor.blur = Chance(random, 0.6) ? random.Uniform(0.03, 0.24) : 0;
   sensor.vignette = Chance(random, 0.5) ? random.Uniform(0.05, 0.35) : 0;
   sensor.shutter_s = dark > 0.6 ? random.Uniform(0.012, 0.033) : LogUniform(random, 0.001, 0.015);
-  sensor.compression = Chance(random, 0.25) ? 0 : random.Uniform(0.03, 1);
-  sensor.refresh_s = LogUniform(random, 0.5, 10);
+  sensor.compression = Chance(random, draw::kUncoded) ? 0 : Draw(draw::kCompression, random);
+  sensor.refresh_s = DrawLog(draw::kRefresh_s, random);
   sensor.source_fps = Chance(random, 0.12) ? random.Uniform(10, 20) : 0;
-  if (Chance(random, 0.3)) {  // exposure that never quite settles
+  if (Chance(random, draw::kExposureDrifts)) {  // it never quite settles
     const double start_s = random.Uniform(0, scene.length_s - 4);
     const double ramp_s = random.Uniform(2, 6);
     sensor.exposure.push_back({start_s, ramp_s, random.Uniform(0.92, 1.08)});
+  }
+  if (Chance(random, draw::kWhiteBalanceSteps)) {
+    for (std::uint32_t left = 1 + random.Below(3); left > 0; left--) {
+      const double start_s = random.Uniform(0.5, scene.length_s - 1);
+      sensor.exposure.push_back({start_s, random.Uniform(0.05, 0.4), Draw(draw::kExposureStep, random)});
+    }
   }
 }
 
@@ -97,9 +116,6 @@ VehicleKind DrawKind(Random& random) {
 VehicleOptions DrawVehicle(const SceneOptions& scene, Random& random) {
   VehicleOptions vehicle;
   vehicle.kind = DrawKind(random);
-  const double shade = random.Uniform(0, 1);
-  vehicle.tone = shade < 0.3 ? random.Uniform(17, 45)
-                             : (shade < 0.75 ? random.Uniform(45, 165) : random.Uniform(165, 228));
   vehicle.dirt = LogUniform(random, 0.4, 8);
   vehicle.tail_lamps = static_cast<double>(scene.light.ambient) < 0.75;
   LeaveAt(vehicle, 1e6, 1);
@@ -108,18 +124,46 @@ VehicleOptions DrawVehicle(const SceneOptions& scene, Random& random) {
   return vehicle;
 }
 
+/// Where it stands: how far ahead, how far to a side, and at what angle.
+void PlaceLead(SceneOptions& scene, Random& random) {
+  VehicleOptions& lead = scene.lead;
+  const bool narrow = lead.kind == VehicleKind::kMotorcycle;
+  const double metre_px = scene.camera.focal * 800;  // at a distance of 1 m
+  const double width = (narrow ? 0.8 : 1.8) * metre_px;
+  // Near ones in even shares, of far ones each size as often as its double.
+  const double width_px = Chance(random, draw::kNearLead)
+                              ? random.Uniform(draw::kNearWidth_px, draw::kLeadWidth_px.high)
+                              : LogUniform(random, draw::kLeadWidth_px.low, draw::kNearWidth_px);
+  // Whoever waits there sees its bumper.
+  const double below_px = 475 - 480 * scene.camera.horizon;
+  const double nearest = (scene.camera.height_m - draw::kBumper_m) * metre_px / below_px;
+  lead.distance_m = std::clamp(width / width_px, std::max(draw::kLeadDistance_m.low, nearest),
+                               std::max(draw::kLeadDistance_m.high, nearest));
+  const double where = random.Uniform(0, 1);
+  const Range aside = where < draw::kInLine       ? draw::kInLine_m
+                      : where < 1 - draw::kBeside ? draw::kTrack_m
+                                                  : draw::kBeside_m;
+  lead.offset_m = EitherSide(random) * Draw(aside, random);
+  // Where a camera that looks aside still sees it.
+  const double axis = scene.camera.yaw * 6.28 * lead.distance_m;
+  const double in_picture = draw::kPictureHalf_px - 0.35 * width / lead.distance_m;
+  const double reach = std::max(0.0, in_picture) / metre_px * lead.distance_m;
+  lead.offset_m = std::clamp(lead.offset_m, axis - reach, axis + reach);
+  if (Chance(random, draw::kOblique)) lead.heading = EitherSide(random) * Draw(draw::kHeading, random);
+}
+
 void DrawLead(SceneOptions& scene, Random& random) {
   VehicleOptions& lead = scene.lead;
   lead = DrawVehicle(scene, random);
-  const bool narrow = lead.kind == VehicleKind::kMotorcycle;
-  const double width_m = narrow ? 0.8 : 1.8;
-  const double farthest = width_m * scene.camera.focal * 800 / (narrow ? 80 : kLeastWidth_px);
-  lead.distance_m = LogUniform(random, 3, std::clamp(farthest, 4.0, 12.0));
-  const double offset = Chance(random, 0.2) ? 0.9 : 0.4;
-  lead.offset_m = random.Uniform(-offset, offset);
+  PlaceLead(scene, random);
   if (Chance(random, 0.12)) {
     lead.indicator = Chance(random, 0.5) ? Indicator::kLeft : Indicator::kRight;
   }
+}
+
+/// Pixels either way.
+int Within(int most, Random& random) {
+  return static_cast<int>(random.Below(static_cast<std::uint32_t>(2 * most + 1))) - most;
 }
 
 /// On the lower edge with wheels and road, on the middle of the body, or near the roof; seldom quite
@@ -130,8 +174,8 @@ void DrawRegion(SceneOptions& scene, Random& random) {
   region.across = random.Uniform(-0.2, 0.2);
   const double where = random.Uniform(0, 1);
   region.up = where < 0.4 ? random.Uniform(0.1, 0.3) : random.Uniform(0.3, where < 0.85 ? 0.55 : 0.75);
-  region.shift_x = static_cast<int>(random.Below(31)) - 15;
-  region.shift_y = static_cast<int>(random.Below(31)) - 15;
+  region.shift_x = Within(draw::kRegionOff_px, random);
+  region.shift_y = Within(draw::kRegionOff_px, random);
 }
 
 }  // namespace
@@ -155,13 +199,23 @@ void DrawSetting(SceneOptions& scene, Random& random) {
   }
 }
 
+void LeaveNobodyAhead(SceneOptions& scene, Random& random) {
+  scene.lead_present = false;
+  scene.others.clear();
+  scene.region.shift_x = Within(draw::kFreeRegionAcross_px, random);
+  // Around where the road ahead is, below the horizon.
+  constexpr double kUsualMiddle = 330;  // of the tools' default region, in 480 rows
+  const double middle = 480 * scene.camera.horizon + Draw(draw::kFreeRegionBelow_px, random);
+  scene.region.shift_y = static_cast<int>(middle - kUsualMiddle);
+}
+
 void AddQueue(SceneOptions& scene, Random& random) {
   if (!scene.others.empty()) {
     return;
   }
   VehicleOptions ahead = DrawVehicle(scene, random);
   const bool narrow = scene.lead.kind == VehicleKind::kMotorcycle;
-  ahead.distance_m = scene.lead.distance_m + (narrow ? 2.2 : 4.6) + random.Uniform(0.8, 4);
+  ahead.distance_m = scene.lead.distance_m + (narrow ? 2.2 : 4.8) + random.Uniform(0.8, 4);
   ahead.offset_m = scene.lead.offset_m + random.Uniform(-0.5, 0.5);
   scene.others.push_back(ahead);
 }

@@ -4,10 +4,12 @@
 namespace stopngo {
 
 Camera WaitingCamera(const SceneOptions& options) {
-  return {.height_m = options.camera.height_m,
-          .focal = options.camera.focal * options.width,
-          .centre_x = 0.5 * options.width,
-          .horizon = options.camera.horizon * options.height};
+  Camera camera{.height_m = options.camera.height_m,
+                .focal = options.camera.focal * options.width,
+                .centre_x = 0.5 * options.width,
+                .horizon = options.camera.horizon * options.height};
+  Turn(camera, options.camera.yaw);
+  return camera;
 }
 
 }  // namespace stopngo

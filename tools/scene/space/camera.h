@@ -37,10 +37,13 @@ inline Place PlaceOf(const Camera& camera, double x, double z) {
   return Turned(camera, x - camera.x_m, z - camera.z_m);
 }
 
-/// Turned to the right by an angle in turns, which is a small part of one.
+/// Turns it further to the right by an angle in turns, which is a small part of one.
 inline void Turn(Camera& camera, double turns) {
-  camera.sine = SineOfTurns(turns);
-  camera.cosine = std::sqrt(1 - camera.sine * camera.sine);
+  const double sine = SineOfTurns(turns);
+  const double cosine = std::sqrt(1 - sine * sine);
+  const double before = camera.sine;
+  camera.sine = before * cosine + camera.cosine * sine;
+  camera.cosine = camera.cosine * cosine - before * sine;
 }
 
 /// Whose picture is displaced.

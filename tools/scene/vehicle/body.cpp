@@ -1,5 +1,5 @@
-// box_paint.cpp: what the vehicles in traffic look like from the side, from behind and from ahead.
-#include "scene/actors/box_paint.h"
+// body.cpp: what vehicles look like from the side and from ahead.
+#include "scene/vehicle/body.h"
 
 #include <algorithm>
 #include <array>
@@ -15,16 +15,18 @@
 namespace stopngo {
 namespace {
 
-// Columns: length, half width, lower edge, belt, roof, cabin from rear, from front, runs of rear window and
-// windscreen, wheel radius, wheels, window heights.
-constexpr std::array<BoxShape, 7> kShapes{{
+// In the order of VehicleKind. Columns: length, half width, lower edge, belt, roof, cabin from rear, from front,
+// runs of rear window and windscreen, wheel radius, wheels, window heights. A motorcycle has no flat sides.
+constexpr std::array<BodyShape, 9> kShapes{{
     {4.10, 0.89, 0.24, 0.94, 1.46, 0.12, 1.05, 0.45, 0.75, 0.31, {0.75, 3.25, 0, 0}, 0, 0},
     {4.60, 0.91, 0.24, 0.95, 1.44, 0.75, 1.20, 0.65, 0.80, 0.32, {0.95, 3.70, 0, 0}, 0, 0},
-    {4.70, 0.92, 0.25, 0.97, 1.55, 0.10, 1.15, 0.30, 0.75, 0.33, {0.95, 3.75, 0, 0}, 0, 0},
+    {4.50, 0.92, 0.25, 0.97, 1.55, 0.10, 1.15, 0.30, 0.75, 0.33, {0.95, 3.55, 0, 0}, 0, 0},
+    {4.60, 0.95, 0.28, 0.98, 1.50, 0.10, 1.15, 0.30, 0.70, 0.36, {0.95, 3.65, 0, 0}, 0, 0},
     {5.20, 0.97, 0.28, 2.05, 2.05, 0, 0, 0, 0, 0.34, {1.00, 4.20, 0, 0}, 1.15, 1.85},
     {9.50, 1.25, 0.55, 3.50, 3.50, 0, 0, 0, 0, 0.50, {1.60, 2.80, 8.10, 0}, 1.75, 2.55},
     {12.0, 1.27, 0.32, 3.05, 3.05, 0, 0, 0, 0, 0.48, {3.20, 9.30, 0, 0}, 1.15, 2.35},
     {20.0, 1.20, 0.28, 3.30, 3.30, 0, 0, 0, 0, 0.30, {2.5, 4.3, 15.5, 17.3}, 1.30, 2.45},
+    {2.10, 0.22, 0.30, 0.60, 0.60, 0, 0, 0, 0, 0.30, {0, 0, 0, 0}, 0, 0},
 }};
 
 constexpr double kTexels = 60000;    // of a face at most: 1.4 MB
@@ -73,7 +75,7 @@ void PaintWindow(Texture& texture, double from, double to, double low, double hi
   }
 }
 
-void PaintArches(Texture& texture, const BoxShape& shape) {
+void PaintArches(Texture& texture, const BodyShape& shape) {
   const double arch = shape.wheel_radius + 0.05;
   for (const double from_rear : shape.wheels) {
     if (from_rear > 0) {
@@ -83,14 +85,14 @@ void PaintArches(Texture& texture, const BoxShape& shape) {
   }
 }
 
-void PaintEndLamps(Texture& texture, const BoxShape& shape, double height) {
+void PaintEndLamps(Texture& texture, const BodyShape& shape, double height) {
   const double end = 0.5 * shape.length;
   texture.PaintOne(Block(height - 0.07, height + 0.07, 0.13, 0.03, 70, 100), -end + 0.12);
   texture.PaintOne(Block(height - 0.08, height + 0.06, 0.17, 0.04, 190), end - 0.17);
 }
 
 /// A car's lower part: doors, sill, trim, lamps.
-Texture CarFlank(const BoxShape& shape, double density, const Coat& coat, Random& random) {
+Texture CarFlank(const BodyShape& shape, double density, const Coat& coat, Random& random) {
   const double end = 0.5 * shape.length;
   Texture texture(end + 0.02, shape.belt + 0.04, Density(density, shape.length, shape.belt));
   const std::array<PaintPoint, 10> outline{{{-end + 0.06, shape.low + 0.04},
@@ -122,7 +124,7 @@ Texture CarFlank(const BoxShape& shape, double density, const Coat& coat, Random
 }
 
 /// Door windows between pillars.
-Texture CabinFlank(const BoxShape& shape, double density, const Coat& coat) {
+Texture CabinFlank(const BodyShape& shape, double density, const Coat& coat) {
   const double half = 0.5 * (shape.length - shape.cabin_rear - shape.cabin_front);
   const double rise = shape.roof - shape.belt;
   Texture texture(half + 0.02, rise + 0.01, Density(density, 2 * half, rise));
@@ -149,11 +151,12 @@ Texture CabinFlank(const BoxShape& shape, double density, const Coat& coat) {
 }
 
 /// Side of a van, bus, tram or lorry.
-Texture TallFlank(BoxKind kind, const BoxShape& shape, double density, const Coat& coat, Random& random) {
+Texture TallFlank(VehicleKind kind, const BodyShape& shape, double density, const Coat& coat,
+                  Random& random) {
   const double end = 0.5 * shape.length;
   Texture texture(end + 0.02, shape.roof + 0.02, Density(density, shape.length, shape.roof));
-  const bool lorry = kind == BoxKind::kLorry;
-  const bool van = kind == BoxKind::kVan;
+  const bool lorry = kind == VehicleKind::kLorry;
+  const bool van = kind == VehicleKind::kTransporter;
   const double cab = lorry ? 2.1 : (van ? 1.7 : 0.0);  // length in which only the driver's window is
   const double lean = van ? 0.75 : 0.1;
   const double cab_roof = lorry ? 2.85 : shape.roof - 0.03;
@@ -197,14 +200,14 @@ Texture TallFlank(BoxKind kind, const BoxShape& shape, double density, const Coa
 }
 
 /// A car's bonnet falls off towards its front.
-double FrontTop(const BoxShape& shape) {
+double FrontTop(const BodyShape& shape) {
   return shape.roof > shape.belt ? shape.belt - kBonnetFall : shape.belt;
 }
 
-/// Rear or front of the body. Windows only where the body reaches up to the roof.
-Texture End(const BoxShape& shape, double density, const Coat& coat, bool front) {
+/// The front below the windscreen. Windows only where the body reaches up to the roof.
+Texture Front(const BodyShape& shape, double density, const Coat& coat) {
   const double half = shape.half_width;
-  const double top = front ? FrontTop(shape) : shape.belt;
+  const double top = FrontTop(shape);
   Texture texture(half + 0.02, top + 0.02, Density(density, 2 * half, top));
   texture.Paint({half - 0.14, 0, 0.4, 0.1, 0.1, 0.03, 22, 34});  // tyres
   texture.Paint(Block(0.14, shape.low + 0.1, half - 0.25, 0.03, 18));
@@ -218,27 +221,19 @@ Texture End(const BoxShape& shape, double density, const Coat& coat, bool front)
   texture.Paint(Block(shape.low + 0.02, shape.low + 0.32, half - 0.01, 0.05, coat.trim));
   texture.Paint(Block(0.42, 0.53, 0.26, 0.01, 205));
   texture.Paint(Block(0.445, 0.505, 0.2, 0, 110, 0, 0.7));
-  if (front) {
-    texture.Paint(Block(0.56, 0.70, 0.42, 0.03, 30));  // grille
-    texture.Paint({half - 0.2, 0.62, 0.78, 0.16, 0.18, 0.05, 185, 215, 1, 110});
-  } else {
-    texture.Paint({half - 0.13, 0.62, 0.88, 0.10, 0.09, 0.03, 62, 84, 1, 100});
-    texture.Paint(Block(0.60, 0.61, half - 0.1, 0, 0.4 * coat.body));
-    texture.Paint(Block(0.80, 0.83, 0.5, 0, coat.body + 30, 0, 0.5));
-  }
+  texture.Paint(Block(0.56, 0.70, 0.42, 0.03, 30));  // grille
+  texture.Paint({half - 0.2, 0.62, 0.78, 0.16, 0.18, 0.05, 185, 215, 1, 110});
   if (shape.dark_to > 0) {
-    const double low = front ? shape.dark_from : shape.dark_from + 0.1;
-    texture.Paint({0, low, shape.dark_to, half - 0.14, half - 0.18, 0.08, coat.glass, coat.glass + 36});
+    texture.Paint(
+        {0, shape.dark_from, shape.dark_to, half - 0.14, half - 0.18, 0.08, coat.glass, coat.glass + 36});
     texture.Paint(Block(shape.low + 0.4, shape.dark_to, 0.008, 0, 0.4 * coat.body));
   }
-  Finish(texture, coat, front ? 4 : 5);
+  Finish(texture, coat, 4);
   return texture;
 }
 
-/// Rear window or windscreen, along its slope.
-Texture CabinEnd(const BoxShape& shape, double density, double run, const Coat& coat, bool front) {
-  const double rise = shape.roof - shape.belt;
-  const double slope = std::sqrt(rise * rise + run * run);
+/// Along its slope.
+Texture Windscreen(const BodyShape& shape, double density, double slope, const Coat& coat) {
   Texture texture(shape.half_width, slope + 0.01, Density(density, 2 * shape.half_width, slope));
   const double bottom = shape.half_width - 0.06;
   const double top = shape.half_width - 0.28;
@@ -246,8 +241,8 @@ Texture CabinEnd(const BoxShape& shape, double density, double run, const Coat& 
   texture.Fill(outline, 0.95 * coat.body, 1.12 * coat.body);
   texture.Paint({0, 0.06 * slope, 0.86 * slope, bottom - 0.1, top - 0.05, 0.06, coat.glass, coat.glass + 40});
   texture.Paint({0.38, 0.08 * slope, 0.5 * slope, 0.15, 0.11, 0.06, 24, 30, 0.7});
-  texture.Paint({0.36, 0.45 * slope, 0.78 * slope, 0.12, 0.08, 0.06, front ? 70.0 : 96.0, 90, 0.5});
-  Finish(texture, coat, front ? 6 : 7);
+  texture.Paint({0.36, 0.45 * slope, 0.78 * slope, 0.12, 0.08, 0.06, 70, 90, 0.5});
+  Finish(texture, coat, 6);
   return texture;
 }
 
@@ -278,7 +273,7 @@ Texture Wheel(double radius, double density, Random& random) {
 }
 
 /// Dark beneath, fading out around.
-Texture ShadowBeneath(const BoxShape& shape) {
+Texture ShadowBeneath(const BodyShape& shape) {
   const double half = shape.half_width + 0.5 * kShadowFade_m;
   const double length = shape.length + kShadowFade_m;
   Texture texture(half, length, kShadowTexels);
@@ -299,68 +294,67 @@ void AddFlanks(std::vector<Face>& faces, std::size_t texture, double half_width,
   }
 }
 
-void AddCabin(BoxParts& parts, const BoxShape& shape, double density, const Coat& coat) {
+std::size_t Add(BodyParts& parts, Texture texture) {
+  parts.textures.push_back(std::move(texture));
+  return parts.textures.size() - 1;
+}
+
+/// Deck and bonnet, windows along the sides, windscreen. What is behind belongs to the rear.
+void AddCabin(BodyParts& parts, const BodyShape& shape, double density, const Coat& coat) {
   const double end = 0.5 * shape.length;
   const double rise = shape.roof - shape.belt;
-  const auto add = [&parts](Texture texture) {
-    parts.textures.push_back(std::move(texture));
-    return parts.textures.size() - 1;
-  };
   const double deck = shape.length - shape.cabin_front - 0.08;
-  parts.cabin.push_back({add(Plain(shape.half_width - 0.05, deck, coat)),
+  parts.cabin.push_back({Add(parts, Plain(shape.half_width - 0.05, deck, coat)),
                          {0, shape.belt, -end + 0.08},
                          {1, 0, 0},
                          {0, 0, 1},
                          {0, 1, 0}});
   const double bonnet = std::sqrt(shape.cabin_front * shape.cabin_front + kBonnetFall * kBonnetFall);
-  parts.cabin.push_back({add(Plain(shape.half_width - 0.05, bonnet, coat)),
+  parts.cabin.push_back({Add(parts, Plain(shape.half_width - 0.05, bonnet, coat)),
                          {0, FrontTop(shape), end},
                          {1, 0, 0},
                          {0, kBonnetFall / bonnet, -shape.cabin_front / bonnet},
                          {0, shape.cabin_front, kBonnetFall}});
-  AddFlanks(parts.cabin, add(CabinFlank(shape, density, coat)), shape.half_width - 0.05, shape.belt,
+  AddFlanks(parts.cabin, Add(parts, CabinFlank(shape, density, coat)), shape.half_width - 0.05, shape.belt,
             0.5 * (shape.cabin_rear - shape.cabin_front), 0.22 / rise);
-  for (const double side : {-1.0, 1.0}) {
-    const double run = side < 0 ? shape.rear_run : shape.front_run;
-    const double slope = std::sqrt(rise * rise + run * run);
-    const double at = side < 0 ? -end + shape.cabin_rear : end - shape.cabin_front;
-    parts.cabin.push_back({add(CabinEnd(shape, density, run, coat, side > 0)),
-                           {0, shape.belt, at},
-                           {1, 0, 0},
-                           {0, rise / slope, -side * run / slope},
-                           {0, run, side * rise}});
-  }
+  const double slope = std::sqrt(rise * rise + shape.front_run * shape.front_run);
+  parts.cabin.push_back({Add(parts, Windscreen(shape, density, slope, coat)),
+                         {0, shape.belt, end - shape.cabin_front},
+                         {1, 0, 0},
+                         {0, rise / slope, -shape.front_run / slope},
+                         {0, shape.front_run, rise}});
 }
 
 }  // namespace
 
-const BoxShape& ShapeOf(BoxKind kind) { return kShapes[static_cast<std::size_t>(kind)]; }
+BodyShape ShapeOf(const Rear& rear) {
+  BodyShape shape = kShapes[static_cast<std::size_t>(rear.kind)];
+  shape.half_width = rear.half_width;
+  for (double* height : {&shape.belt, &shape.roof, &shape.dark_from, &shape.dark_to}) *height *= rear.up;
+  return shape;
+}
 
-BoxParts PaintBox(BoxKind kind, double texels_per_metre, Random& random) {
-  const BoxShape& shape = ShapeOf(kind);
+BodyParts PaintBody(const Rear& rear, double texels_per_metre, Random& random) {
+  const BodyShape shape = ShapeOf(rear);
   Coat coat{};
-  coat.body = random.Uniform(38, 205);
+  coat.body = rear.body;
   coat.glass = random.Uniform(22, 50);
   coat.trim = random.Below(2) == 0 ? 40 : 0.9 * coat.body;
   coat.dirt = random.Uniform(3, 8);
   coat.seed = static_cast<std::uint32_t>(random.Next());
-  BoxParts parts;
+  BodyParts parts;
+  parts.shadow = Add(parts, ShadowBeneath(shape));
+  if (rear.kind == VehicleKind::kMotorcycle) return parts;
   const bool car = shape.roof > shape.belt;
   const double end = 0.5 * shape.length;
-  parts.textures.push_back(car ? CarFlank(shape, texels_per_metre, coat, random)
-                               : TallFlank(kind, shape, texels_per_metre, coat, random));
-  parts.textures.push_back(End(shape, texels_per_metre, coat, false));
-  parts.textures.push_back(End(shape, texels_per_metre, coat, true));
-  AddFlanks(parts.body, 0, shape.half_width, 0, 0, 0);
-  parts.body.push_back({1, {0, 0, -end}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}});
-  parts.body.push_back({2, {0, 0, end}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
-  if (car) {
-    AddCabin(parts, shape, texels_per_metre, coat);
-  }
-  parts.wheel = parts.textures.size();
-  parts.textures.push_back(Wheel(shape.wheel_radius, texels_per_metre, random));
-  parts.shadow = parts.textures.size();
-  parts.textures.push_back(ShadowBeneath(shape));
+  AddFlanks(parts.body,
+            Add(parts, car ? CarFlank(shape, texels_per_metre, coat, random)
+                           : TallFlank(rear.kind, shape, texels_per_metre, coat, random)),
+            shape.half_width, 0, 0, 0);
+  parts.body.push_back(
+      {Add(parts, Front(shape, texels_per_metre, coat)), {0, 0, end}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
+  if (car) AddCabin(parts, shape, texels_per_metre, coat);
+  parts.wheel = Add(parts, Wheel(shape.wheel_radius, texels_per_metre, random));
   return parts;
 }
 

@@ -17,10 +17,15 @@ namespace stopngo {
 class Actor {
  public:
   virtual ~Actor() = default;
-  /// How far ahead it is (the nearest part of it), for drawing from back to front; nothing while it is
-  /// not in the scene.
-  [[nodiscard]] virtual std::optional<double> Distance(double time_s) const = 0;
+  /// How far ahead of a camera it is (the nearest part of it), for drawing from back to front; nothing while
+  /// it is not in the scene.
+  [[nodiscard]] virtual std::optional<double> Distance(double time_s, const Camera& camera) const = 0;
   virtual void Draw(double time_s, const Camera& camera, const Light& light, Sheet& sheet) const = 0;
+  /// Whether Draw paints the same as at the beginning, so that a picture of it may be kept.
+  [[nodiscard]] virtual bool Rests(double /*time_s*/) const { return false; }
+  /// What of it shines, over what Draw painted; it may change while the rest stays.
+  virtual void DrawLamps(double /*time_s*/, const Camera& /*camera*/, const Light& /*light*/,
+                         Sheet& /*sheet*/) const {}
 };
 
 /// Something on the windscreen or on the picture as a whole: the camera's shake does not move it.

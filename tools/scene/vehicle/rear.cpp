@@ -1,5 +1,5 @@
 // rear.cpp: painting the rear of a vehicle.
-#include "scene/lane/rear.h"
+#include "scene/vehicle/rear.h"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,9 @@
 
 #include "base/random.h"
 #include "base/streams.h"
-#include "scene/lane/rear_looks.h"
 #include "scene/paint/texture.h"
 #include "scene/recipe/chance.h"
+#include "scene/vehicle/rear_looks.h"
 
 namespace stopngo {
 namespace {
@@ -67,8 +67,11 @@ void AddLamps(std::vector<RearLamp>& lamps, const std::vector<RearPart>& parts, 
   }
 }
 
+/// Of ten vehicles three are dark, and two to three white or silver.
 double DrawTone(const VehicleOptions& options, Random& random) {
-  const double any = random.Uniform(45, 185);
+  const double shade = random.Uniform(0, 1);
+  const double any = shade < 0.3 ? random.Uniform(17, 45)
+                                 : (shade < 0.75 ? random.Uniform(45, 165) : random.Uniform(165, 228));
   return options.tone.value_or(any);
 }
 
@@ -103,7 +106,8 @@ void PaintPlate(Texture& texture, double low, Random& random) {
 Rear PaintRear(const VehicleOptions& options, double texels_per_metre, double most_texels,
                std::uint64_t seed) {
   Random random = RandomOf(seed, stream::kPaint);
-  const RearVariant& variant = VariantOf(DrawKind(options, random));
+  const VehicleKind kind = DrawKind(options, random);
+  const RearVariant& variant = VariantOf(kind);
   const RearLook& look = variant.look;
   const double half_width = random.Uniform(variant.least_half, variant.most_half);
   const double across = half_width / look.outline[2].half_width;
@@ -133,7 +137,7 @@ Rear PaintRear(const VehicleOptions& options, double texels_per_metre, double mo
   texture.Seal();
   std::vector<RearLamp> lamps;
   AddLamps(lamps, look.parts, across, up);
-  return {widest, variant.length, body, std::move(profile), std::move(texture), std::move(lamps)};
+  return {kind, widest, up, body, std::move(profile), std::move(texture), std::move(lamps)};
 }
 
 }  // namespace stopngo

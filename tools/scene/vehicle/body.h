@@ -1,4 +1,4 @@
-// box_paint.h: what a vehicle of flat faces is made of: its measures, its faces and their textures.
+// body.h: what of a vehicle is flat faces, all but its rear: its measures, the faces and their textures.
 #pragma once
 
 #include <array>
@@ -8,10 +8,9 @@
 #include "base/random.h"
 #include "scene/paint/texture.h"
 #include "scene/space/vector.h"
+#include "scene/vehicle/rear.h"
 
 namespace stopngo {
-
-enum class BoxKind { kHatchback, kSaloon, kEstate, kVan, kLorry, kBus, kTram };
 
 /// A flat side. Vectors as in Vector3, but from the vehicle's own middle.
 struct Face {
@@ -23,7 +22,7 @@ struct Face {
 };
 
 /// Measures of a kind; lengths from its rear or front end are along the vehicle.
-struct BoxShape {
+struct BodyShape {
   double length;
   double half_width;
   double low;   ///< lower edge of the body
@@ -38,9 +37,10 @@ struct BoxShape {
   double dark_from, dark_to;     ///< heights of the windows along boxy flanks
 };
 
-const BoxShape& ShapeOf(BoxKind kind);
+/// Of a kind, as wide and as tall as its rear.
+BodyShape ShapeOf(const Rear& rear);
 
-struct BoxParts {
+struct BodyParts {
   std::vector<Texture> textures;
   std::vector<Face> body, cabin;  ///< the cabin is drawn after the body
   std::size_t wheel = 0;          ///< texture
@@ -48,6 +48,6 @@ struct BoxParts {
 };
 
 /// texels_per_metre: wanted; long vehicles get fewer.
-BoxParts PaintBox(BoxKind kind, double texels_per_metre, Random& random);
+BodyParts PaintBody(const Rear& rear, double texels_per_metre, Random& random);
 
 }  // namespace stopngo

@@ -1,5 +1,5 @@
 // rear_looks.cpp: the tables of what vehicles look like from behind.
-#include "scene/lane/rear_looks.h"
+#include "scene/vehicle/rear_looks.h"
 
 #include <algorithm>
 #include <array>
@@ -187,15 +187,16 @@ const RearLook kMotorcycle{{{0, 0.25}, {0.30, 0}, {0.90, 0.05}, {1.20, 0.40}, {1
                                {{0, 0.92, 1.02, 0.18, 0.18, 0.02, -20, -20}, true},
                            }};
 
-const std::array<RearVariant, 8> kVariants{{
-    {VehicleKind::kHatchback, kHatchback, 0.885, 0.95, 0.97, 1.04, 4.1, true, 0.665},
-    {VehicleKind::kSaloon, kSaloon, 0.885, 0.95, 0.97, 1.04, 4.7, true, 0.665},
-    {VehicleKind::kMinivan, kMinivan, 0.885, 0.95, 0.97, 1.04, 4.5, true, 0.665},
-    {VehicleKind::kOffRoad, kHatchback, 0.93, 1.01, 1.10, 1.22, 4.6, true, 0.665},
-    {VehicleKind::kTransporter, kTransporter, 0.95, 1.02, 0.95, 1.10, 5.6, true, 0.665},
-    {VehicleKind::kLorry, kLorry, 1.10, 1.27, 0.85, 1.05, 9, false, 0.68},
-    {VehicleKind::kBus, kBus, 1.22, 1.27, 0.97, 1.03, 11, false, 0.45},
-    {VehicleKind::kMotorcycle, kMotorcycle, 0.20, 0.23, 0.96, 1.03, 2.1, false, 0},
+const std::array<RearVariant, 9> kVariants{{
+    {VehicleKind::kHatchback, kHatchback, 0.885, 0.95, 0.97, 1.04, true, 0.665},
+    {VehicleKind::kSaloon, kSaloon, 0.885, 0.95, 0.97, 1.04, true, 0.665},
+    {VehicleKind::kMinivan, kMinivan, 0.885, 0.95, 0.97, 1.04, true, 0.665},
+    {VehicleKind::kOffRoad, kHatchback, 0.93, 1.01, 1.10, 1.22, true, 0.665},
+    {VehicleKind::kTransporter, kTransporter, 0.95, 1.02, 0.95, 1.10, true, 0.665},
+    {VehicleKind::kLorry, kLorry, 1.10, 1.27, 0.85, 1.05, false, 0.68},
+    {VehicleKind::kBus, kBus, 1.22, 1.27, 0.97, 1.03, false, 0.45},
+    {VehicleKind::kTram, kBus, 1.15, 1.25, 1.04, 1.10, false, 0},
+    {VehicleKind::kMotorcycle, kMotorcycle, 0.20, 0.23, 0.96, 1.03, false, 0},
 }};
 
 }  // namespace

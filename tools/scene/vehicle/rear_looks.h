@@ -32,9 +32,8 @@ struct RearVariant {
   const RearLook& look;
   double least_half, most_half;  ///< of its width
   double least_up, most_up;      ///< factor of all heights
-  double length;
-  bool car;      ///< has a car's bumper and wheels
-  double plate;  ///< height of the number plate; 0: none
+  bool car;                      ///< has a car's bumper and wheels
+  double plate;                  ///< height of the number plate; 0: none
 };
 
 const RearVariant& VariantOf(VehicleKind kind);

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "scene/lane/rear_looks.h"
 #include "scene/paint/texture.h"
 #include "scene/recipe/recipe.h"
+#include "scene/vehicle/rear_looks.h"
 
 namespace stopngo {
 
@@ -19,11 +19,11 @@ struct RearLamp {
 };
 
 /// One texture, bent along the profile: each height has a depth of its own, so that a
-/// slanted window closes up behind the bumper as the vehicle drives away. The flanks are never seen
-/// from straight behind.
+/// slanted window closes up behind the bumper as the vehicle drives away.
 struct Rear {
+  VehicleKind kind;
   double half_width;
-  double length;
+  double up;                          ///< by how much it is taller than the table's
   double body;                        ///< grey level of its paint
   std::vector<ProfilePoint> profile;  ///< from the road upwards
   Texture texture;
