@@ -115,6 +115,7 @@ SceneOptions MakeOptions(const SynthArguments& arguments) {
 nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOptions& options,
                                 const Scene& scene) {
   const Region region = SuggestedRegion(options);
+  const std::optional<RearSides> rear = RearOf(options);
   return {{"kind", arguments.kind.empty() ? "plain" : arguments.kind},
           {"seed", NumberOf<std::uint64_t>(arguments.seed).value()},
           {"width", options.width},
@@ -125,6 +126,7 @@ nlohmann::ordered_json Describe(const SynthArguments& arguments, const SceneOpti
           {"distance_m", options.lead.distance_m},
           {"vibration", options.camera.vibration},
           {"noise", options.sensor.noise},
+          {"lead_width", rear ? nlohmann::ordered_json(rear->right - rear->left) : nlohmann::ordered_json()},
           {"roi", {region.x, region.y, region.width, region.height}}};
 }
 
