@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <iterator>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -15,10 +13,8 @@
 #include <vector>
 
 #include "base/file_register.h"
-#include "base/memory_file.h"
 #include "base/output_file.h"
 #include "base/parallel.h"
-#include "base/progress.h"
 #include "base/results.h"
 #include "classify.h"
 #include "clips/manifest.h"
@@ -28,26 +24,17 @@
 #include "command/setup_check.h"
 #include "command/source_options.h"
 #include "command/subcommand.h"
-#include "evaluate/evaluation.h"
-#include "evaluate/figures.h"
+#include "command/training.h"
 #include "host/common/failure.h"
 #include "host/common/file.h"
 #include "host/common/sha256.h"
 #include "host/gate.h"
-#include "host/history.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/sidecar.h"
 #include "host/weights_file.h"
-#include "train/alarm_loss.h"
-#include "train/calibration.h"
-#include "train/history_examples.h"
 #include "train/history_loss.h"
-#include "train/history_tally.h"
-#include "train/loss.h"
 #include "train/report.h"
-#include "train/trainer.h"
-#include "train/training_set.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
@@ -63,24 +50,6 @@ Examples:
   stopngo train scenes.tsv --gate history --looks 1 -o history.bin)";
 
 constexpr std::size_t kValidationPart = 5;
-
-/// A choice of the training that is an option and goes into the sidecar under the same name.
-struct TrainingOptions {
-  int looks = 6;
-  int seeds = 3;
-  std::uint64_t seed = 1;
-  double false_alarms_per_hour = 0.5;
-  LossOptions loss;
-  TrainerOptions trainer;
-};
-
-/// What came out of a training, and how good it is.
-struct Outcome {
-  std::vector<Training> trainings;
-  Network network;
-  nlohmann::ordered_json figures;
-  std::string sentence;
-};
 
 /// Clips, and the manifests that name them.
 struct ClipSet {
@@ -132,19 +101,8 @@ class TrainCommand : public Subcommand {
  private:
   void RefuseSettings() const;
   void ReadClips(FileRegister& files);
-  void RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks, const std::string& which) const;
   [[nodiscard]] const FeatureFolder* Stored() const { return features_ ? &*features_ : nullptr; }
-  [[nodiscard]] Outcome TrainDetector(const std::vector<FeatureTrack>& tracks,
-                                      const std::vector<FeatureTrack>& unseen) const;
-  [[nodiscard]] Outcome TrainHistory(const Module& module, const std::vector<FeatureTrack>& tracks,
-                                     const std::vector<FeatureTrack>& unseen) const;
-  [[nodiscard]] nlohmann::ordered_json TestFigures(const Network& network) const;
-  [[nodiscard]] nlohmann::ordered_json HistoryTestFigures(const Module& module, const Network& network) const;
   [[nodiscard]] nlohmann::ordered_json Describe(const std::vector<Training>& trainings) const;
-  [[nodiscard]] std::vector<FeatureTrack> Collect(const Module& module, const std::vector<Clip>& clips,
-                                                  const char* title, int looks) const;
-  [[nodiscard]] std::vector<Training> TrainSeeds(const Loss& loss, const Loss& validation,
-                                                 std::size_t hiddens) const;
   [[nodiscard]] bool OfHistory() const { return !gate_.empty(); }
 
   Settings settings_;
@@ -243,50 +201,6 @@ void TrainCommand::ReadClips(FileRegister& files) {
   }
 }
 
-// Nothing could be learnt from such clips, and no threshold be placed on them.
-void TrainCommand::RefuseWithoutDepartures(const std::vector<FeatureTrack>& tracks,
-                                           const std::string& which) const {
-  const std::size_t run = training_.loss.run;
-  for (const FeatureTrack& track : tracks) {
-    for (const DepartureWindow& departure : track.departures) {
-      if (departure.end >= run) return;
-    }
-  }
-  throw Failure("the " + which + " clips show no departure that a run of " + std::to_string(run) +
-                " scores could tell of");
-}
-
-std::vector<FeatureTrack> TrainCommand::Collect(const Module& module, const std::vector<Clip>& clips,
-                                                const char* title, int looks) const {
-  Progress progress(title, static_cast<std::int64_t>(clips.size()));
-  return CollectTracks(module, settings_, clips, {looks, training_.seed, Stored()}, jobs_,
-                       [&progress] { progress.Step(); });
-}
-
-std::vector<Training> TrainCommand::TrainSeeds(const Loss& loss, const Loss& validation,
-                                               std::size_t hiddens) const {
-  std::vector<Training> trainings;
-  for (int i = 0; i < training_.seeds; i++) {
-    TrainerOptions trainer = training_.trainer;
-    trainer.seed = training_.seed + static_cast<std::uint64_t>(i);
-    Progress progress("training " + std::to_string(i + 1) + "/" + std::to_string(training_.seeds),
-                      trainer.iterations);
-    trainings.push_back(
-        Train(loss, validation, hiddens, trainer, [&progress](const LearningPoint&) { progress.Step(); }));
-  }
-  return trainings;
-}
-
-const Training& BestOf(const std::vector<Training>& trainings) {
-  return *std::min_element(trainings.begin(), trainings.end(),
-                           [](const Training& a, const Training& b) { return a.validation < b.validation; });
-}
-
-void RefuseUseless(const Network& network) {
-  if (const std::string fault = FaultOf(network); !fault.empty())
-    throw Failure("the network that came out: " + fault);
-}
-
 nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& trainings) const {
   nlohmann::ordered_json seeds = nlohmann::ordered_json::array();
   for (std::size_t i = 0; i < trainings.size(); i++) {
@@ -308,80 +222,6 @@ nlohmann::ordered_json TrainCommand::Describe(const std::vector<Training>& train
   if (!OfHistory()) training["false_alarms_per_hour"] = training_.false_alarms_per_hour;
   training["seeds"] = seeds;
   return training;
-}
-
-// By kind of clip.
-nlohmann::ordered_json TrainCommand::TestFigures(const Network& network) const {
-  const MemoryFile file;  // the output's path may be longer than the module takes
-  WriteFile(file.Path(), WeightsBytes(network));
-  Settings settings = settings_;
-  settings.weights = file.Path();
-  const std::vector<ClipRun> runs = RunClips(
-      test_.clips, {.title = "test clips", .settings = {&settings, 1}, .jobs = jobs_, .features = Stored()});
-  nlohmann::ordered_json figures;
-  for (const NamedTally& kind : TallyKinds(test_.clips, runs, 0)) figures[kind.name] = FigureJson(kind.tally);
-  figures["all"] = FigureJson(TallyAll(runs, 0));
-  return figures;
-}
-
-nlohmann::ordered_json TrainCommand::HistoryTestFigures(const Module& module, const Network& network) const {
-  const std::vector<FeatureTrack> tracks = Collect(module, test_.clips, "test clips", 1);
-  std::map<std::string, std::vector<FeatureTrack>> kinds;
-  for (std::size_t i = 0; i < tracks.size(); ++i) kinds[test_.clips[i].kind].push_back(tracks[i]);
-  nlohmann::ordered_json figures;
-  const auto tally = [&](const std::vector<FeatureTrack>& some) {
-    return HistoryJson(TallyHistory(module, network, settings_.history_threshold, ExamplesOf(some)));
-  };
-  for (const auto& [kind, some] : kinds) figures[kind] = tally(some);
-  figures["all"] = tally(tracks);
-  return figures;
-}
-
-Outcome TrainCommand::TrainDetector(const std::vector<FeatureTrack>& tracks,
-                                    const std::vector<FeatureTrack>& unseen) const {
-  const std::size_t hiddens = training_.loss.hiddens;
-  const std::size_t features = tracks.front().features;
-  const AlarmLoss loss(training_.loss, tracks, jobs_);
-  const AlarmLoss validation(training_.loss, unseen, jobs_);
-  Outcome outcome{TrainSeeds(loss, validation, hiddens), {2 * features, hiddens, {}}, {}, {}};
-  outcome.network.numbers = FileNumbers(BestOf(outcome.trainings).parameters, features, hiddens);
-  RefuseUseless(outcome.network);
-  const Calibration calibration = Calibrate(outcome.network, validation_.clips, settings_,
-                                            training_.false_alarms_per_hour, jobs_, Stored());
-  outcome.network.numbers.back() += static_cast<float>(calibration.shift);
-  outcome.figures = {{"validation", FigureJson(calibration.tally)}};
-  if (!test_.clips.empty()) outcome.figures["test"] = TestFigures(outcome.network);
-  outcome.sentence = FigureSentence(calibration.tally);
-  return outcome;
-}
-
-/// Examples of both kinds, which a network is to tell apart.
-HistoryExamples HistoryExamplesOf(const std::vector<FeatureTrack>& tracks, const std::string& which) {
-  HistoryExamples examples = ExamplesOf(tracks);
-  const std::size_t right = examples.RightCount();
-  if (right > 0 && right < examples.Count()) return examples;
-  throw Failure("the " + which + " clips show no moment in which an alarm would be " +
-                (right == 0 ? "right" : "false") + ", and that has the history which the gate looks at");
-}
-
-Outcome TrainCommand::TrainHistory(const Module& module, const std::vector<FeatureTrack>& tracks,
-                                   const std::vector<FeatureTrack>& unseen) const {
-  const HistoryExamples examples = HistoryExamplesOf(tracks, "training");
-  const HistoryExamples others = HistoryExamplesOf(unseen, "validation");
-  const HistoryLossOptions options{training_.loss.false_alarm_weight, training_.loss.decay};
-  const HistoryLoss loss(options, examples, jobs_);
-  const HistoryLoss validation(options, others, jobs_);
-  Outcome outcome{
-      TrainSeeds(loss, validation, kHistoryHiddens), {kHistoryInputs, kHistoryHiddens, {}}, {}, {}};
-  const std::vector<double>& parameters = BestOf(outcome.trainings).parameters;
-  std::ranges::transform(parameters, std::back_inserter(outcome.network.numbers),
-                         [](double number) { return static_cast<float>(number); });
-  RefuseUseless(outcome.network);
-  const HistoryTally tally = TallyHistory(module, outcome.network, settings_.history_threshold, others);
-  outcome.figures = {{"validation", HistoryJson(tally)}};
-  if (!test_.clips.empty()) outcome.figures["test"] = HistoryTestFigures(module, outcome.network);
-  outcome.sentence = HistorySentence(tally);
-  return outcome;
 }
 
 void TrainCommand::Complete() {
@@ -413,12 +253,9 @@ void TrainCommand::Run() {
   OutputFile sidecar_file(SidecarPath(output_));
   std::optional<OutputFile> report_file;
   if (!report_.empty()) report_file.emplace(report_);
-  const std::vector<FeatureTrack> unseen = Collect(module, validation_.clips, "validation clips", 1);
-  RefuseWithoutDepartures(unseen, "validation");
-  const std::vector<FeatureTrack> tracks = Collect(module, clips_.clips, "training clips", training_.looks);
-  RefuseWithoutDepartures(tracks, "training");
-
-  const Outcome outcome = OfHistory() ? TrainHistory(module, tracks, unseen) : TrainDetector(tracks, unseen);
+  const TrainingTask task{module,      settings_, training_, clips_.clips, validation_.clips,
+                          test_.clips, Stored(),  jobs_};
+  const Outcome outcome = OfHistory() ? TrainHistory(task) : TrainDetector(task);
   const std::vector<Training>& trainings = outcome.trainings;
   const std::string bytes = WeightsBytes(outcome.network);
   weights_file.Stream() << bytes;
