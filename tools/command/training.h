@@ -12,8 +12,8 @@
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/weights_file.h"
-#include "train/feature_track.h"
 #include "train/alarm_loss.h"
+#include "train/feature_track.h"
 #include "train/loss.h"
 #include "train/trainer.h"
 

@@ -24,8 +24,12 @@ namespace draw {
 // --- The vehicle ahead ------------------------------------------------------------------------------------
 inline constexpr Range kLeadWidth_px{60, 360};  // of 800 columns; street: 60 to 130 are common
 inline constexpr Range kLeadDistance_m{3, 25};  // a car 60 pixels wide is 21 m away at 60 degrees of view
-inline constexpr double kNearLead = 0.85;       // of leads are at least 130 pixels wide: queues are dense
-inline constexpr double kNearWidth_px = 130;
+inline constexpr double kLargeLead = 0.85;      // of leads are at least 130 pixels wide: queues are dense
+inline constexpr double kLargeWidth_px = 130;
+// Most small ones are near, before the lens of a dashboard camera: 122 degrees of view and less.
+inline constexpr double kWideLens = 0.75;
+inline constexpr Range kQueue_m{4, 12};
+inline constexpr double kWidestFocal = 0.28;
 // Of the middle of its rear from the camera's axis, metres: in line, on the next wheel track, beside. Street: in
 // the first second and a half of departures 22 to 51 % of the motion is net sideways, which a lead in line with the
 // camera does not give.
@@ -46,6 +50,10 @@ inline constexpr Range kBendAfter_m{0, 3}, kCornerAfter_m{1, 9};
 inline constexpr Range kUsualStart{1, 3};
 inline constexpr Range kAnyStart{0.25, 3.5};
 inline constexpr Range kBuildUp_s{0.2, 1.2};
+// What of its distance it has to gain within a time to be one that can be told at all, but within these bounds.
+inline constexpr double kNoticed = 0.1;
+inline constexpr Range kNoticed_m{0.45, 2};
+inline constexpr double kNoticed_s = 2.2;
 inline constexpr Range kCreepStart{0.5, 1.8}, kCreepSpeed{0.35, 1.5};
 inline constexpr Range kCreepHold_s{0, 1.2};
 

@@ -12,10 +12,11 @@
 namespace stopngo {
 namespace {
 
-// What of its distance the lead has to gain within a time for its start to be one that can be told at all.
-constexpr double kNoticed = 0.1;
-constexpr double kNoticed_m = 0.45;
-constexpr double kNoticed_s = 2.2;
+/// Whether a vehicle that starts at 0 so far ahead has soon gained enough for its start to be told at all.
+bool Noticed(const MotionOptions& motion, double distance_m) {
+  const double gained_m = Track(motion).Position(draw::kNoticed_s);
+  return gained_m >= std::clamp(draw::kNoticed * distance_m, draw::kNoticed_m.low, draw::kNoticed_m.high);
+}
 
 void AddActor(SceneOptions& scene, std::span<const ActorKind> kinds, double at_s, Random& random) {
   const ActorKind kind = OneOf(kinds, random);
@@ -32,12 +33,10 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
   VehicleOptions& lead = scene.lead;
   double acceleration = 0;
   double build_up_s = 0;
-  double gained = 0;
-  while (gained < std::max(kNoticed_m, kNoticed * lead.distance_m)) {
+  do {
     acceleration = Chance(random, 0.5) ? Draw(draw::kUsualStart, random) : DrawLog(draw::kAnyStart, random);
     build_up_s = DrawLog(draw::kBuildUp_s, random);
-    gained = Track({0, {{0, kTownSpeed, acceleration, build_up_s}}}).Position(kNoticed_s);
-  }
+  } while (!Noticed({0, {{0, kTownSpeed, acceleration, build_up_s}}}, lead.distance_m));
   const bool braked = lead.braking;
   LeaveAt(lead, start_s, acceleration, build_up_s, random.Uniform(5, kTownSpeed));
   lead.braking = braked;
@@ -66,11 +65,15 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
 }
 
 void AddCreep(SceneOptions& scene, double start_s, Random& random) {
-  const double acceleration = Draw(draw::kCreepStart, random);
-  const double speed = Draw(draw::kCreepSpeed, random);
+  VehicleOptions& lead = scene.lead;
+  double acceleration = 0;
+  double speed = 0;
+  do {
+    acceleration = Draw(draw::kCreepStart, random);
+    speed = Draw(draw::kCreepSpeed, random);
+  } while (!Noticed({0, {{0, speed, acceleration, 0.4}}}, lead.distance_m));
   const double hold_s = Draw(draw::kCreepHold_s, random);
   const double braking_s = start_s + speed / acceleration + 0.5 + hold_s;
-  VehicleOptions& lead = scene.lead;
   lead.motion = {0, {{start_s, speed, acceleration, 0.4}, {braking_s, 0, random.Uniform(0.8, 2), 0.4}}};
   lead.braking = true;
   lead.brake_switches_s = {start_s - random.Uniform(0.1, 0.8), braking_s};

@@ -124,21 +124,34 @@ VehicleOptions DrawVehicle(const SceneOptions& scene, Random& random) {
   return vehicle;
 }
 
+constexpr double kColumns = 800;  // that widths in pixels are of
+
+/// How far ahead a vehicle of so many metres stands; for a small one also the lens that makes it so.
+void DrawDistance(SceneOptions& scene, double width_m, Random& random) {
+  CameraOptions& camera = scene.camera;
+  const bool large = Chance(random, draw::kLargeLead);
+  // Large ones in even shares, of small ones each size as often as its double.
+  const double width_px = large ? random.Uniform(draw::kLargeWidth_px, draw::kLeadWidth_px.high)
+                                : LogUniform(random, draw::kLeadWidth_px.low, draw::kLargeWidth_px);
+  if (!large && Chance(random, draw::kWideLens)) {
+    const double focal = width_px * Draw(draw::kQueue_m, random) / width_m / kColumns;
+    camera.focal = std::clamp(focal, draw::kWidestFocal, draw::kFocal.high);
+  }
+  const double metre_px = camera.focal * kColumns;  // at a distance of 1 m
+  // Whoever waits there sees its bumper.
+  const double below_px = 475 - 480 * camera.horizon;
+  const double nearest = (camera.height_m - draw::kBumper_m) * metre_px / below_px;
+  scene.lead.distance_m =
+      std::clamp(width_m * metre_px / width_px, std::max(draw::kLeadDistance_m.low, nearest),
+                 std::max(draw::kLeadDistance_m.high, nearest));
+}
+
 /// Where it stands: how far ahead, how far to a side, and at what angle.
 void PlaceLead(SceneOptions& scene, Random& random) {
   VehicleOptions& lead = scene.lead;
-  const bool narrow = lead.kind == VehicleKind::kMotorcycle;
-  const double metre_px = scene.camera.focal * 800;  // at a distance of 1 m
-  const double width = (narrow ? 0.8 : 1.8) * metre_px;
-  // Near ones in even shares, of far ones each size as often as its double.
-  const double width_px = Chance(random, draw::kNearLead)
-                              ? random.Uniform(draw::kNearWidth_px, draw::kLeadWidth_px.high)
-                              : LogUniform(random, draw::kLeadWidth_px.low, draw::kNearWidth_px);
-  // Whoever waits there sees its bumper.
-  const double below_px = 475 - 480 * scene.camera.horizon;
-  const double nearest = (scene.camera.height_m - draw::kBumper_m) * metre_px / below_px;
-  lead.distance_m = std::clamp(width / width_px, std::max(draw::kLeadDistance_m.low, nearest),
-                               std::max(draw::kLeadDistance_m.high, nearest));
+  const double width_m = lead.kind == VehicleKind::kMotorcycle ? 0.8 : 1.8;
+  DrawDistance(scene, width_m, random);
+  const double metre_px = scene.camera.focal * kColumns;
   const double where = random.Uniform(0, 1);
   const Range aside = where < draw::kInLine       ? draw::kInLine_m
                       : where < 1 - draw::kBeside ? draw::kTrack_m
@@ -146,7 +159,7 @@ void PlaceLead(SceneOptions& scene, Random& random) {
   lead.offset_m = EitherSide(random) * Draw(aside, random);
   // Where a camera that looks aside still sees it.
   const double axis = scene.camera.yaw * 6.28 * lead.distance_m;
-  const double in_picture = draw::kPictureHalf_px - 0.35 * width / lead.distance_m;
+  const double in_picture = draw::kPictureHalf_px - 0.35 * width_m * metre_px / lead.distance_m;
   const double reach = std::max(0.0, in_picture) / metre_px * lead.distance_m;
   lead.offset_m = std::clamp(lead.offset_m, axis - reach, axis + reach);
   if (Chance(random, draw::kOblique)) lead.heading = EitherSide(random) * Draw(draw::kHeading, random);
