@@ -15,9 +15,9 @@
 #include "base/results.h"
 #include "command/misuse.h"
 #include "command/subcommand.h"
+#include "command/version.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
-#include "host/module.h"
 
 namespace stopngo {
 namespace {
@@ -46,19 +46,12 @@ constexpr std::array kSubcommands{
     Entry{"weights", "Show and check a weights file", DeclareWeights},
 };
 
-std::string Version() {
-  const std::string version = "stopngo " STOPNGO_VERSION "\n";
-  try {
-    return version + "module " + Escaped(Module().Path());
-  } catch (const Failure& failure) {
-    return version + Escaped(failure.what());
-  }
-}
-
 int Execute(int argc, char** argv) {
   CLI::App app("Stop-and-go detector: runs it, shows why it decides, and makes scenes to try it on.",
                "stopngo");
-  app.set_version_flag("--version", Version, "print the version, and which module is loaded, and exit");
+  app.set_version_flag(
+      "--version", VersionText,
+      "Print version and commit, FFmpeg, and which module is loaded, with its kernels, and exit");
   app.require_subcommand(1);
   app.allow_extras();  // to say better what is wrong with them
   app.footer("stopngo COMMAND --help tells the options of a command, with examples.");
