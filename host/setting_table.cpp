@@ -136,13 +136,17 @@ FrameCount FrameCountOf(const std::string& text) {
   return {*seconds, true};
 }
 
+std::string Enlisted(std::span<const char* const> names) {
+  std::string list;
+  for (const char* const name : names) Enlist(list, name);
+  return list;
+}
+
 int ChoiceOf(const std::string& text, const Choice& choice) {
-  std::string expected;
   for (std::size_t i = 0; i < choice.names.size(); ++i) {
     if (text == choice.names[i] || text == std::to_string(i)) return static_cast<int>(i);
-    expected += std::string(choice.names[i]) + ", ";
   }
-  throw std::invalid_argument(Quoted(text) + " is none of " + expected + "0 to " +
+  throw std::invalid_argument(Quoted(text) + " is none of " + Enlisted(choice.names) + ", 0 to " +
                               std::to_string(choice.names.size() - 1));
 }
 
@@ -162,9 +166,7 @@ int SetOf(const std::string& text, const NameSet& set) {
     const std::string name = text.substr(start, end - start);
     const auto found = std::ranges::find(set.names, name);
     if (found == set.names.end()) {
-      std::string expected;
-      for (const char* const known : set.names) Enlist(expected, known);
-      throw std::invalid_argument(Quoted(name) + " is none of " + expected +
+      throw std::invalid_argument(Quoted(name) + " is none of " + Enlisted(set.names) +
                                   ", nor are all together none or default");
     }
     bits |= 1 << (found - set.names.begin());
@@ -227,6 +229,27 @@ struct TextWriter {
   std::string operator()(const NameSet& set) const { return SetText(settings.*set.field, set); }
 };
 
+struct RangeWriter {
+  std::string operator()(Internal) const { return {}; }
+  std::string operator()(int Settings::*) const { return "a whole number"; }
+  std::string operator()(std::optional<int> Settings::*) const { return "a whole number"; }
+  std::string operator()(double Settings::*) const { return "a number"; }
+  std::string operator()(const RateField&) const { return "0, or " + NumberText(kLowestRate) + " or more"; }
+  std::string operator()(FrameCount Settings::*) const {
+    return "frames (25), or seconds up to a year (1.5s)";
+  }
+  std::string operator()(std::string Settings::*) const { return "a path"; }
+  std::string operator()(bool Settings::*) const { return "true or false"; }
+  std::string operator()(const Choice& choice) const {
+    return Enlisted(choice.names) + ", or 0 to " + std::to_string(choice.names.size() - 1);
+  }
+  std::string operator()(const SecondsField&) const { return "seconds (1.5s), 0s or more"; }
+  std::string operator()(const NameSet& set) const {
+    return "any of " + Enlisted(set.names) + ", with commas between; or none, or default, which is " +
+           SetText(set.usual, set);
+  }
+};
+
 }  // namespace
 
 std::span<const Setting> SettingTable() { return kTable; }
@@ -245,6 +268,19 @@ std::vector<std::string> SettingNames() {
     if (*setting.name != '\0') names.emplace_back(setting.name);
   }
   return names;
+}
+
+std::string RangeOf(const Setting& setting) { return std::visit(RangeWriter{}, setting.field); }
+
+std::vector<std::string> ChoicesOf(const Setting& setting) {
+  if (const auto* const choice = std::get_if<Choice>(&setting.field)) {
+    return {choice->names.begin(), choice->names.end()};
+  }
+  const auto* const set = std::get_if<NameSet>(&setting.field);
+  if (set == nullptr) return {};
+  std::vector<std::string> choices(set->names.begin(), set->names.end());
+  choices.insert(choices.end(), {"none", "default"});
+  return choices;
 }
 
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text) {

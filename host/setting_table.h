@@ -62,6 +62,12 @@ const Setting* FindSetting(std::string_view name);
 /// All names, for suggestions.
 std::vector<std::string> SettingNames();
 
+/// The values that a setting takes, in words, such as "a whole number".
+std::string RangeOf(const Setting& setting);
+
+/// The words that it takes; none where its values are no words.
+std::vector<std::string> ChoicesOf(const Setting& setting);
+
 /// Takes a value as text. Throws std::invalid_argument with what is expected instead.
 void SetFromText(Settings& settings, const Setting& setting, const std::string& text);
 
