@@ -2,7 +2,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <array>
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -42,9 +42,31 @@ struct SynthArguments {
 constexpr double kDeparture_s = 5;  // unless told otherwise
 constexpr double kAcceleration = 1.2;
 
+struct Range {
+  double least, most;
+};
+
+/// The parser's own check lets a number pass that is none.
+CLI::Validator Within(Range range) {
+  const std::string text = PlainText(range.least) + " - " + PlainText(range.most);
+  return {[range](const std::string& given) {
+            const std::optional<double> number = FiniteOf(given);
+            if (number && *number >= range.least && *number <= range.most) return std::string();
+            return Quoted(given) + " is no number from " + PlainText(range.least) + " to " +
+                   PlainText(range.most);
+          },
+          "FLOAT in [" + text + "]"};
+}
+
 void ParseSize(const std::string& text, SceneOptions& scene) {
+  const auto refuse = [&](const char* reason) {
+    throw Failure("--size: " + text + reason, ExitCode::kUsage);
+  };
   const std::optional<FrameSize> size = SizeOf(text);
-  if (!size) throw Failure("--size: " + text + " is not WIDTHxHEIGHT, such as 800x480", ExitCode::kUsage);
+  if (!size) refuse(" is not WIDTHxHEIGHT, such as 800x480");
+  if (size->width < 64 || size->width > 3840 || size->height < 48 || size->height > 2160) {
+    refuse(" is out of range: 64x48 to 3840x2160");
+  }
   scene.width = size->width;
   scene.height = size->height;
 }
@@ -56,39 +78,9 @@ void ParseSeed(const std::string& text, SceneOptions& scene) {
   scene.seed = *seed;
 }
 
-/// What a street, a camera and a vehicle can be like.
-void CheckRanges(const SceneOptions& scene, const SynthArguments& arguments) {
-  struct Range {
-    const char* option;
-    double value, least, most;
-    const char* unit;
-  };
-  const std::array<Range, 9> ranges{{
-      {"--size", static_cast<double>(scene.width), 64, 3840, "pixels of width"},
-      {"--size", static_cast<double>(scene.height), 48, 2160, "pixels of height"},
-      {"--rate", scene.fps, 1, 240, "frames a second"},
-      {"--length", scene.length_s, 0.1, 3600, "seconds"},
-      {"--departure", arguments.departure_s.value_or(0), 0, 1e6, "seconds"},
-      {"--distance", scene.lead.distance_m, 2, 1000, "metres"},
-      {"--acceleration", arguments.acceleration.value_or(kAcceleration), 0.1, 10, "m/s²"},
-      {"--vibration", scene.camera.vibration, 0, 8, "pixels"},
-      {"--noise", scene.sensor.noise, 0, 60, "grey levels"},
-  }};
-  for (const Range& range : ranges) {
-    if (range.value >= range.least && range.value <= range.most) continue;
-    throw Failure(std::string(range.option) + ": " + PlainText(range.value) + " is out of range: " +
-                      PlainText(range.least) + " to " + PlainText(range.most) + " " + range.unit,
-                  ExitCode::kUsage);
-  }
-}
-
+/// Of a name that the parser has held against the table.
 SceneKind KindOf(const std::string& name) {
-  std::string names;
-  for (const SceneKindName& kind : SceneKinds()) {
-    if (kind.name == name) return kind.kind;
-    Enlist(names, kind.name);
-  }
-  throw Failure("--kind: " + name + " is none of " + names, ExitCode::kUsage);
+  return std::ranges::find(SceneKinds(), name, &SceneKindName::name)->kind;
 }
 
 /// Without a kind: a car that leaves a street by day, as described by the options alone.
@@ -102,7 +94,6 @@ SceneOptions MakeOptions(const SynthArguments& arguments) {
   scene.lead.distance_m = arguments.distance_m.value_or(scene.lead.distance_m);
   scene.camera.vibration = arguments.vibration.value_or(scene.camera.vibration);
   scene.sensor.noise = arguments.noise.value_or(scene.sensor.noise);
-  CheckRanges(scene, arguments);
   if (arguments.kind.empty() || arguments.departure_s || arguments.acceleration) {
     LeaveAt(scene.lead, arguments.departure_s.value_or(kDeparture_s),
             arguments.acceleration.value_or(kAcceleration));
@@ -189,27 +180,41 @@ class SynthCommand : public Subcommand {
 };
 
 SynthCommand::SynthCommand(CLI::App& app) {
-  app.add_option("output", arguments_.output,
-                 "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)");
+  std::vector<std::string> kinds;
+  for (const SceneKindName& kind : SceneKinds()) kinds.emplace_back(kind.name);
+  app.add_option("OUTPUT", arguments_.output,
+                 "Y4M file, - for Y4M on standard output, or any video file (.mp4, .mkv)")
+      ->type_name("FILE");
   app.add_option("--kind", arguments_.kind,
-                 "Draw everything that is not given here from the seed, for a scene of this kind");
-  app.add_flag("--list-kinds", arguments_.list_kinds, "Tell the kinds of scenes");
-  app.add_option("--size", arguments_.size, "Picture size, WIDTHxHEIGHT")->capture_default_str();
-  app.add_option("--rate", arguments_.fps, "Frames a second (25)");
-  app.add_option("--length", arguments_.length_s, "Length in seconds (12)");
-  app.add_option("--departure", arguments_.departure_s,
-                 "Second at which the vehicle starts; past the length: never (5)");
+                 "draw everything that is not given here from the seed, for a scene of this kind")
+      ->type_name("NAME")
+      ->check(CLI::IsMember(kinds));
+  app.add_flag("--list-kinds", arguments_.list_kinds, "tell the kinds of scenes");
+  app.add_option("--size", arguments_.size, "size of the picture")->type_name("WxH")->capture_default_str();
+  const auto number = [&app](const char* name, std::optional<double>& value, const char* help, Range range) {
+    app.add_option(name, value, help)->type_name("NUMBER")->check(Within(range));
+  };
+  // What a street, a camera and a vehicle can be like.
+  number("--rate", arguments_.fps, "frames a second; 25 unless drawn", {1, 240});
+  number("--length", arguments_.length_s, "length in seconds; 12 unless drawn", {0.1, 3600});
+  number("--departure", arguments_.departure_s,
+         "second at which the vehicle starts; past the length: never; 5 unless drawn", {0, 1e6});
+  number("--distance", arguments_.distance_m, "metres to the vehicle's rear while it waits; 5 unless drawn",
+         {2, 1000});
+  number("--acceleration", arguments_.acceleration,
+         "of the vehicle, m/s², reached after 0.8 s; 1.2 unless drawn", {0.1, 10});
+  number("--vibration", arguments_.vibration, "largest shake of the picture, pixels; 0.4 unless drawn",
+         {0, 8});
+  number("--noise", arguments_.noise, "standard deviation of the sensor noise, grey levels; 2 unless drawn",
+         {0, 60});
   app.add_option("--seed", arguments_.seed,
-                 "Chooses street, vehicle, noise and shake; the same gives the same bytes")
+                 "chooses street, vehicle, noise and shake; the same gives the same bytes")
+      ->type_name("N")
       ->capture_default_str();
-  app.add_option("--distance", arguments_.distance_m, "Metres to the vehicle's rear while it waits (5)");
-  app.add_option("--acceleration", arguments_.acceleration,
-                 "Of the vehicle, m/s², reached after 0.8 s (1.2)");
-  app.add_option("--vibration", arguments_.vibration, "Largest shake of the picture, pixels (0.4)");
-  app.add_option("--noise", arguments_.noise, "Standard deviation of the sensor noise, grey levels (2)");
   app.add_option("--labels", arguments_.labels,
-                 "Labels file (default: OUTPUT.labels.tsv; none for - and /dev/fd/N)");
-  app.add_flag("--json", arguments_.json, "Describe the clip as one line of JSON");
+                 "labels file; OUTPUT.labels.tsv unless given, and none for - and /dev/fd/N")
+      ->type_name("FILE");
+  app.add_flag("--json", arguments_.json, "describe the clip as one line of JSON");
   app.footer(
       "A signal (Ctrl-C) leaves no part of a clip, and what was there before as it was.\n\n"
       "Examples:\n"
