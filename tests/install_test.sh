@@ -67,6 +67,15 @@ for argument in "$root/none.so" "$root/usr/bin/zetstopngo-selftest" --unknown; d
   [ "$code" = 2 ] || { echo "install_test: the self-test took $argument, exit code $code" >&2; exit 1; }
 done
 
+for file in bash-completion/completions/stopngo zsh/vendor-completions/_stopngo \
+  fish/vendor_completions.d/stopngo.fish; do
+  [ -s "$root/usr/share/$file" ] || { echo "install_test: no $file" >&2; exit 1; }
+done
+if command -v scdoc >/dev/null && [ ! -s "$root/usr/share/man/man1/stopngo-run.1" ]; then
+  echo "install_test: no man pages" >&2
+  exit 1
+fi
+
 run() { head -c 3840000 /dev/zero | "$root/usr/bin/stopngo" run - --raw 800x480 --rate 0 "$@"; }
 run --no-weights >"$root/log"
 grep -q 10 "$root/log" || { echo "install_test: the installed command did not run" >&2; exit 1; }

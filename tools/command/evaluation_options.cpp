@@ -13,11 +13,9 @@ namespace stopngo {
 
 EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), options_(app, settings) {
   app.add_option("MANIFEST", manifests, "tab-separated list of clips: files, synth:KIND:FIRST-LAST")
-      ->required();
-  app.add_option("--jobs", jobs, "threads; the results do not depend on them")
-      ->type_name("N")
-      ->check(CLI::Range(1, 1024))
-      ->capture_default_str();
+      ->required()
+      ->type_name("FILE");
+  AddJobs(app, jobs);
   app.add_option("--false-alarms-per-hour", false_per_hour,
                  "of standing: the limit within which the best is searched")
       ->type_name("NUMBER")
@@ -35,6 +33,13 @@ std::vector<Clip> EvaluationOptions::Clips(FileRegister& files) {
   std::vector<Clip> clips = ClipsOf(manifests, settings, allow_damaged, files);
   ReadFeatures(features_from_, settings, files, features_);
   return clips;
+}
+
+void AddJobs(CLI::App& app, int& jobs) {
+  app.add_option("--jobs", jobs, "threads; the results do not depend on them")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->default_str("one a processor");  // help is the same on every machine
 }
 
 void AddFeaturesFrom(CLI::App& app, std::string& folder) {

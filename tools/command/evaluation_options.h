@@ -39,6 +39,9 @@ struct EvaluationOptions {
   std::optional<FeatureFolder> features_;
 };
 
+/// Adds --jobs, of every subcommand that works on several threads.
+void AddJobs(CLI::App& app, int& jobs);
+
 /// Adds --features-from, of every subcommand that can do without pictures.
 void AddFeaturesFrom(CLI::App& app, std::string& folder);
 

@@ -44,6 +44,8 @@ constexpr std::array kSubcommands{
     Entry{"tune", "Search the decision's settings on labelled clips", DeclareTune},
     Entry{"check", "Say everything that speaks against a set-up", DeclareCheck},
     Entry{"weights", "Show and check a weights file", DeclareWeights},
+    Entry{"completion", "Print what a shell is to be told to complete this command", DeclareCompletion},
+    Entry{"manual", "Print a man page, for the build", DeclareManual},
 };
 
 int Execute(int argc, char** argv) {

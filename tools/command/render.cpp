@@ -298,7 +298,8 @@ RenderCommand::RenderCommand(CLI::App& app) : arguments_(app) {
   app.add_option("OUT", arguments_.output,
                  "video file (.mp4, .mkv, .y4m), - for Y4M on standard output, or a .png for a still picture "
                  "alone")
-      ->required();
+      ->required()
+      ->type_name("FILE");
   app.add_option("--still", arguments_.still,
                  "also write a still picture: the first alarm, else the last frame")
       ->type_name("FILE.png");

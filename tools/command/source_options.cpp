@@ -49,7 +49,8 @@ void AddSourceOptions(CLI::App& app, SourceOptions& options) {
          "INPUT", options.input,
          "video file, image sequence (such as img%04d.png), camera (such as /dev/video0), or - for Y4M on "
          "standard input")
-      ->required();
+      ->required()
+      ->type_name("FILE");
   app.add_option("--format", options.format, "FFmpeg's name of the input's format, such as v4l2 or lavfi")
       ->type_name("NAME");
   app.add_flag("--original", options.original, "hand 1920x1080 and 1280x720 frames over as they are");

@@ -24,6 +24,8 @@ class Subcommand {
 };
 
 std::unique_ptr<Subcommand> DeclareCheck(CLI::App& app);
+std::unique_ptr<Subcommand> DeclareCompletion(CLI::App& app);
+std::unique_ptr<Subcommand> DeclareManual(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareRun(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareSynth(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareRender(CLI::App& app);

@@ -119,19 +119,15 @@ class TrainCommand : public Subcommand {
 
 TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
   app.footer(kTrainFooter);
-  app.add_option("manifest", clips_.manifests, "clips to train on")->required()->type_name("MANIFEST");
+  app.add_option("MANIFEST", clips_.manifests, "clips to train on")->required()->type_name("FILE");
   app.add_option("-o,--output", output_, "weights file; its sidecar gets .json behind the name")
       ->required()
       ->type_name("FILE");
-  app.add_option("--validation", validation_.manifests, "clips that tell when to stop")
-      ->type_name("MANIFEST");
+  app.add_option("--validation", validation_.manifests, "clips that tell when to stop")->type_name("FILE");
   app.add_option("--test", test_.manifests, "clips that the figures in the sidecar are taken on")
-      ->type_name("MANIFEST");
+      ->type_name("FILE");
   app.add_option("--report", report_, "learning curves as a PNG picture")->type_name("FILE");
-  app.add_option("--jobs", jobs_, "threads")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 256))
-      ->type_name("N");
+  AddJobs(app, jobs_);
   AddAllowDamaged(app, allow_damaged_);
   AddFeaturesFrom(app, features_from_);
   CLI::Option* const gate =

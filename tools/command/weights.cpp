@@ -209,7 +209,7 @@ class WeightsCommand : public Subcommand {
 
 WeightsCommand::WeightsCommand(CLI::App& app) {
   app.footer(kWeightsFooter);
-  app.add_option("FILE", arguments_.file, "weights file")->required();
+  app.add_option("FILE", arguments_.file, "weights file")->required()->type_name("FILE");
   app.add_option("--inputs", arguments_.inputs, "inputs of the network, two frames' features")
       ->type_name("N");
   app.add_option("--hiddens", arguments_.hiddens, "its hidden nodes")->type_name("N");

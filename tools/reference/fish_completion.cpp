@@ -1,0 +1,73 @@
+// fish_completion.cpp: what fish is told of the command line.
+#include <string_view>
+
+#include "reference/completion.h"
+
+namespace stopngo {
+namespace {
+
+std::string InQuotes(std::string_view text) {
+  std::string quoted = "'";
+  for (const char c : text) {
+    if (c == '\'' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  return quoted + '\'';
+}
+
+std::string Choices(const OptionRow& row) {
+  std::string words;
+  for (const std::string& choice : row.choices) words += ' ' + choice;
+  return words;
+}
+
+/// What is offered as a value, as flags of complete.
+std::string Value(const OptionRow& row) {
+  switch (row.kind) {
+    case ValueKind::kNone:
+      return "";
+    case ValueKind::kFile:
+      return " -r -F";
+    case ValueKind::kFolder:
+      return " -x -a '(__fish_complete_directories)'";
+    case ValueKind::kChoice:
+      return " -x -a " + InQuotes(Choices(row).substr(1));
+    case ValueKind::kChoices:
+      return " -x -a " + InQuotes("(__fish_complete_list , 'printf %s\\\\n" + Choices(row) + "')");
+    case ValueKind::kText:
+      return " -x";
+  }
+  return "";
+}
+
+std::string Option(const OptionRow& row, const std::string& when) {
+  std::string text = "complete -c stopngo -n " + InQuotes(when);
+  for (const std::string& name : row.names) {
+    text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
+  }
+  return text + Value(row) + " -d " + InQuotes(row.help) + '\n';
+}
+
+}  // namespace
+
+std::string FishCompletion(const CommandTable& table) {
+  std::string text =
+      "# Completion of stopngo for fish, as `stopngo completion fish` writes it.\n\ncomplete -c stopngo -f\n";
+  const std::string none = "__fish_use_subcommand";
+  for (const OptionRow& row : table.program.options) text += Option(row, none);
+  for (const CommandRow& command : table.subcommands) {
+    text += "complete -c stopngo -n " + InQuotes(none) + " -a " + command.name + " -d " +
+            InQuotes(command.help) + '\n';
+  }
+  for (const CommandRow& command : table.subcommands) {
+    const std::string within = "__fish_seen_subcommand_from " + command.name;
+    text += '\n';
+    for (const OptionRow& row : command.options) text += Option(row, within);
+    if (command.positionals.empty()) continue;
+    const std::string value = Value(command.positionals.front());
+    text += "complete -c stopngo -n " + InQuotes(within) + value + '\n';
+  }
+  return text;
+}
+
+}  // namespace stopngo
