@@ -9,6 +9,7 @@ top=$(cd "$(dirname "$0")/../../.." && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
+# shellcheck disable=SC2016  # backticks of the page
 sed -n '/^```python$/,/^```$/ { /^```/d; p }' "$top/docs/integrating.md" >host.py
 [ -s host.py ] || { echo "python_test: docs/integrating.md has no code in Python" >&2; exit 1; }
 
