@@ -15,7 +15,8 @@ namespace stopngo {
 namespace {
 
 // The name with its closing zero, as a note counts it.
-constexpr std::string_view kName{"zetstopngo", 11};
+constexpr char kNameText[] = "zetstopngo";
+constexpr std::string_view kName{kNameText, sizeof kNameText};
 constexpr std::uint32_t kType = 1;
 
 using Bytes = std::span<const std::byte>;
@@ -68,6 +69,7 @@ int Look(dl_phdr_info* file, std::size_t /*size*/, void* search_for) {
   if (!Holds(*file, search.address)) return 0;
   for (const ElfW(Phdr) & segment : std::span(file->dlpi_phdr, file->dlpi_phnum)) {
     if (segment.p_type != PT_NOTE) continue;
+    // The loader tells addresses as numbers. NOLINTNEXTLINE(performance-no-int-to-ptr)
     const auto* const start = reinterpret_cast<const std::byte*>(file->dlpi_addr + segment.p_vaddr);
     const Bytes described = Described({start, segment.p_memsz});
     if (!described.empty()) search.found = Read(described);

@@ -43,6 +43,7 @@ class CompletionCommand : public Subcommand {
 
 CompletionCommand::CompletionCommand(CLI::App& app) : app_(app) {
   std::vector<std::string> names;
+  names.reserve(kShells.size());
   for (const Shell& shell : kShells) names.emplace_back(shell.name);
   app.footer(kCompletionFooter);
   app.add_option("SHELL", shell_, "the shell that asks")

@@ -89,11 +89,13 @@ std::string OverviewPage(std::string_view header) {
 }
 
 std::string ControlCodePage(std::string_view header) {
-  static const std::regex kCode(R"(\n  (VEL_CTRL_STOPNGO_[A-Z_]+) = (\d+), +/\* (?:([^:\n]+): )?(.*) \*/)");
+  static const std::regex code_line(
+      R"(\n  (VEL_CTRL_STOPNGO_[A-Z_]+) = (\d+), +/\* (?:([^:\n]+): )?(.*) \*/)");
   constexpr std::string_view kCount = "VEL_CTRL_STOPNGO_MAX";  // no code
   const std::string text(header);
   std::string page;
-  for (std::sregex_iterator code(text.begin(), text.end(), kCode); code != std::sregex_iterator(); ++code) {
+  for (std::sregex_iterator code(text.begin(), text.end(), code_line); code != std::sregex_iterator();
+       ++code) {
     const std::smatch& part = *code;
     if (part.str(1) == kCount) break;
     page += (page.empty() ? "" : "\n") + ('*' + PlainScdoc(part.str(1)) + "* (") + part.str(2) + ')';
