@@ -33,7 +33,7 @@ std::string Offer(const OptionRow& row) {
 }
 
 /// A function that completes the word $1 of a command behind the option $2.
-std::string Function(const std::string& name, const CommandRow& command, const std::string& words) {
+std::string BashFunction(const std::string& name, const CommandRow& command, const std::string& words) {
   std::map<std::string, std::vector<std::string>> offers;  // the options that make them
   std::vector<std::string> options;
   for (const OptionRow& row : command.options) {
@@ -51,7 +51,8 @@ std::string Function(const std::string& name, const CommandRow& command, const s
   return text + " ;;\n  esac\n}\n\n";
 }
 
-constexpr const char* kHelpers = R"(# Completion of stopngo for bash, as `stopngo completion bash` writes it.
+constexpr const char* kBashHelpers =
+    R"(# Completion of stopngo for bash, as `stopngo completion bash` writes it.
 
 _stopngo_words() { mapfile -t COMPREPLY < <(compgen -W "${*:2}" -- "$1"); }
 
@@ -71,7 +72,7 @@ _stopngo_list() {
 )";
 
 // An = parts words here; what stands before it is the option.
-constexpr const char* kMain = R"(_stopngo() {
+constexpr const char* kBashMain = R"(_stopngo() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} each command=
   if [[ $word == "=" ]]; then
     word=
@@ -105,13 +106,13 @@ std::string BashCompletion(const CommandTable& table) {
   std::vector<std::string> names;
   names.reserve(table.subcommands.size());
   for (const CommandRow& command : table.subcommands) names.push_back(command.name);
-  std::string text =
-      kHelpers + Function("_stopngo_program", table.program, "_stopngo_words \"$1\" " + Joined(names, " "));
+  std::string text = kBashHelpers + BashFunction("_stopngo_program", table.program,
+                                                 "_stopngo_words \"$1\" " + Joined(names, " "));
   for (const CommandRow& command : table.subcommands) {
-    text += Function("_stopngo_" + command.name, command, PositionalOffer(command));
+    text += BashFunction("_stopngo_" + command.name, command, PositionalOffer(command));
   }
   constexpr std::string_view kCommands = "@COMMANDS@";
-  std::string main = kMain;
+  std::string main = kBashMain;
   main.replace(main.find(kCommands), kCommands.size(), Joined(names, " | "));
   return text + main;
 }

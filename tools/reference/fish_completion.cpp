@@ -22,7 +22,7 @@ std::string Choices(const OptionRow& row) {
 }
 
 /// What is offered as a value, as flags of complete.
-std::string Value(const OptionRow& row) {
+std::string FishValue(const OptionRow& row) {
   switch (row.kind) {
     case ValueKind::kNone:
       return "";
@@ -40,12 +40,12 @@ std::string Value(const OptionRow& row) {
   return "";
 }
 
-std::string Option(const OptionRow& row, const std::string& when) {
+std::string FishOption(const OptionRow& row, const std::string& when) {
   std::string text = "complete -c stopngo -n " + InQuotes(when);
   for (const std::string& name : row.names) {
     text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
   }
-  return text + Value(row) + " -d " + InQuotes(row.help) + '\n';
+  return text + FishValue(row) + " -d " + InQuotes(row.help) + '\n';
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ std::string FishCompletion(const CommandTable& table) {
   std::string text =
       "# Completion of stopngo for fish, as `stopngo completion fish` writes it.\n\ncomplete -c stopngo -f\n";
   const std::string none = "__fish_use_subcommand";
-  for (const OptionRow& row : table.program.options) text += Option(row, none);
+  for (const OptionRow& row : table.program.options) text += FishOption(row, none);
   for (const CommandRow& command : table.subcommands) {
     text += "complete -c stopngo -n " + InQuotes(none) + " -a " + command.name + " -d " +
             InQuotes(command.help) + '\n';
@@ -62,9 +62,9 @@ std::string FishCompletion(const CommandTable& table) {
   for (const CommandRow& command : table.subcommands) {
     const std::string within = "__fish_seen_subcommand_from " + command.name;
     text += '\n';
-    for (const OptionRow& row : command.options) text += Option(row, within);
+    for (const OptionRow& row : command.options) text += FishOption(row, within);
     if (command.positionals.empty()) continue;
-    const std::string value = Value(command.positionals.front());
+    const std::string value = FishValue(command.positionals.front());
     text += "complete -c stopngo -n " + InQuotes(within) + value + '\n';
   }
   return text;

@@ -39,7 +39,7 @@ std::string Action(const OptionRow& row) {
 }
 
 /// An option under one of its names, with nothing offered twice that is given once.
-std::string Option(const OptionRow& row, const std::string& name) {
+std::string ZshOption(const OptionRow& row, const std::string& name) {
   std::string others;
   for (const std::string& each : row.names) others += (others.empty() ? "" : " ") + each;
   for (const std::string& each : row.excludes) others += ' ' + each;
@@ -50,10 +50,10 @@ std::string Option(const OptionRow& row, const std::string& name) {
   return text + '\'';
 }
 
-std::string Function(const std::string& name, const CommandRow& command) {
+std::string ZshFunction(const std::string& name, const CommandRow& command) {
   std::vector<std::string> lines;
   for (const OptionRow& row : command.options) {
-    for (const std::string& each : row.names) lines.push_back(Option(row, each));
+    for (const std::string& each : row.names) lines.push_back(ZshOption(row, each));
   }
   for (const OptionRow& row : command.positionals) {
     lines.push_back(std::string("'") + (row.repeated ? "*" : "") + (row.required ? ":" : "::") +
@@ -64,10 +64,10 @@ std::string Function(const std::string& name, const CommandRow& command) {
   return text + "\n}\n\n";
 }
 
-constexpr const char* kHead =
+constexpr const char* kZshHead =
     "#compdef stopngo\n# Completion of stopngo for zsh, as `stopngo completion zsh` writes it.\n\n";
 
-constexpr const char* kMain = R"(_stopngo() {
+constexpr const char* kZshMain = R"(_stopngo() {
   if (( CURRENT > 2 )) && (( $+functions[_stopngo_$words[2]] )); then
     local command=$words[2]
     shift words
@@ -88,14 +88,14 @@ _stopngo "$@"
 }  // namespace
 
 std::string ZshCompletion(const CommandTable& table) {
-  std::string text = kHead + Function("_stopngo_program", table.program);
+  std::string text = kZshHead + ZshFunction("_stopngo_program", table.program);
   std::string commands;
   for (const CommandRow& command : table.subcommands) {
-    text += Function("_stopngo_" + command.name, command);
+    text += ZshFunction("_stopngo_" + command.name, command);
     commands += "    '" + command.name + ':' + Told(command.help) + "'\n";
   }
   constexpr std::string_view kCommands = "@COMMANDS@";
-  std::string main = kMain;
+  std::string main = kZshMain;
   main.replace(main.find(kCommands), kCommands.size(), commands);
   return text + main;
 }
