@@ -70,7 +70,8 @@ struct Detector::State {
   void LoadWeights(const Settings& settings);
   void SendPath(VEL_CTRL_STOPNGO code, const Settings& settings);
   void MakeFramebuffer(const Settings& settings);
-  std::string RefusalOf(LumaFrame& frame);
+  off_t WriteLuma(const LumaView& frame);
+  std::string RefusalOf(const LumaView& frame);
 
   const VEL_STOPNGO_OPERATION& operations;
   decltype(Classify_Feature_)* score;
@@ -128,15 +129,20 @@ void Detector::State::MakeFramebuffer(const Settings& settings) {
   Control(VEL_CTRL_STOPNGO_DEBUG_FB, framebuffer.data());
 }
 
+// The module takes a pointer to what it could write, and only reads.
+off_t Detector::State::WriteLuma(const LumaView& frame) {
+  return operations.write(context.get(), const_cast<std::uint8_t*>(frame.pixels.data()),
+                          static_cast<off_t>(frame.pixels.size()));
+}
+
 // A refused frame changes nothing: handed over once more it is refused again, and the log says why. One that is taken
 // then lacked memory.
-std::string Detector::State::RefusalOf(LumaFrame& frame) {
+std::string Detector::State::RefusalOf(const LumaView& frame) {
   constexpr std::string_view kBefore = "frame refused: ";
   const int log = context->Log;
   const StdoutGuard guard(ModuleLines::kKept);
   Control(VEL_CTRL_STOPNGO_SET_LOG, 1);
-  const off_t again =
-      operations.write(context.get(), frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
+  const off_t again = WriteLuma(frame);
   Control(VEL_CTRL_STOPNGO_SET_LOG, log);
   const std::string text = guard.Text();
   const std::size_t start = text.find(kBefore);
@@ -191,10 +197,16 @@ void Detector::SetSpeed(double speed, double time_s) {
 
 const char* Detector::TakeRemark() { return state_->gates ? state_->gates->TakeRemark() : nullptr; }
 
-FrameReport Detector::Write(LumaFrame& frame) {
+void Detector::Restart() {
+  int unused = 0;
+  state_->Control(VEL_CTRL_STOPNGO_UPDATE_PARAMS, &unused);
+}
+
+FrameReport Detector::Write(const LumaView& frame) {
   State& state = *state_;
   VEL_STOPNGO_CTX& context = *state.context;
-  if (frame.width != state.frames.width || frame.height != state.frames.height) {
+  const bool sized = frame.width == state.frames.width && frame.height == state.frames.height;
+  if (!sized || frame.pixels.size() < std::size_t{1} * frame.width * frame.height) {
     throw Failure("frame " + std::to_string(frame.index) +
                   ": not of the size that the detector was opened for");
   }
@@ -213,7 +225,7 @@ FrameReport Detector::Write(LumaFrame& frame) {
   {
     const StdoutGuard guard(context.Log > 0 ? ModuleLines::kMessages : ModuleLines::kNone);
     const auto start = std::chrono::steady_clock::now();
-    result = state.operations.write(&context, frame.pixels.data(), static_cast<off_t>(frame.pixels.size()));
+    result = state.WriteLuma(frame);
     report.write_ns =
         std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
   }

@@ -38,7 +38,11 @@ class Detector {
   Detector& operator=(const Detector&) = delete;
 
   /// Throws Failure when the module refuses the frame, std::bad_alloc when it lacked the memory for it.
-  FrameReport Write(LumaFrame& frame);
+  FrameReport Write(const LumaView& frame);
+  FrameReport Write(const LumaFrame& frame) { return Write(ViewOf(frame)); }
+  /// After a pause: the next frame is a first one, which nothing is compared with, and count and hold are over. Gates
+  /// go on; they know of a pause by the time stamps.
+  void Restart();
   /// The own vehicle's speed, for its gates, in the unit of the settings' `speed-above` and at a time on the frames'
   /// clock. Without gates it is of no use, and does nothing.
   void SetSpeed(double speed, double time_s);

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace stopngo {
@@ -48,6 +49,19 @@ struct LumaFrame {
   double time_s = 0;       ///< seconds from the first frame of the input
   std::vector<std::uint8_t> pixels;
 };
+
+/// The same in memory of somebody else.
+struct LumaView {
+  int width = 0;
+  int height = 0;
+  std::int64_t index = 0;
+  double time_s = 0;
+  std::span<const std::uint8_t> pixels;
+};
+
+inline LumaView ViewOf(const LumaFrame& frame) {
+  return {frame.width, frame.height, frame.index, frame.time_s, frame.pixels};
+}
 
 /// Frames that follow one another.
 struct FrameFormat {

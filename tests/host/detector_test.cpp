@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -159,6 +160,27 @@ TEST(Detector, FramesThatItCannotTakeAreRefusedByNumber) {
   ExpectWords(FailureOf([&] { detector.Write(frame); }), {"frame 7", "220 x 140", "800 x 480", "--roi-y"});
   LumaFrame small{400, 240, 8, 0, std::vector<std::uint8_t>(std::size_t{400} * 240)};
   ExpectWords(FailureOf([&] { detector.Write(small); }), {"frame 8", "size"});
+  const LumaView cut{800, 480, 9, 0, std::span(frame.pixels).first(frame.pixels.size() - 1)};
+  ExpectWords(FailureOf([&] { detector.Write(cut); }), {"frame 9", "size"});
+}
+
+// Every score is 0.5, above the threshold: four of them are an alarm.
+TEST(Detector, StartsAnewAfterAPause) {
+  Settings settings;
+  settings.no_weights = true;
+  const Module module(STOPNGO_MODULE_FILE);
+  Detector detector(module, settings, {800, 480, kRate});
+  const std::vector<std::uint8_t> pixels(std::size_t{800} * 480);
+  LumaView frame{800, 480, 0, 0, pixels};
+  std::vector<int> decisions;
+  for (; frame.index < 12; ++frame.index) {
+    if (frame.index == 3 || frame.index == 9) detector.Restart();
+    const FrameReport report = detector.Write(frame);
+    EXPECT_EQ(report.decided, frame.index != 0 && frame.index != 3 && frame.index != 9) << frame.index;
+    if (report.changed) decisions.push_back(static_cast<int>(frame.index) * 10 + report.decision);
+  }
+  // The third high score before the pause counts no more; the end of the alarm that a pause breaks off is told.
+  EXPECT_EQ(decisions, (std::vector{71, 100}));
 }
 
 TEST(Module, SaysWhatItCannotLoad) {
