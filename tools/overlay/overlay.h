@@ -7,7 +7,7 @@
 #include "draw/canvas.h"
 #include "host/common/luma.h"
 #include "host/detector.h"
-#include "overlay/sampled_area.h"
+#include "host/sampled_area.h"
 
 namespace stopngo {
 

@@ -1,5 +1,5 @@
 // sampled_area.cpp: finds the sampled part of a frame by showing coordinates to the module.
-#include "overlay/sampled_area.h"
+#include "host/sampled_area.h"
 
 #include <cstddef>
 

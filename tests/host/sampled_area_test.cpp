@@ -1,5 +1,5 @@
 // sampled_area_test.cpp: which part of a frame the module looks at.
-#include "overlay/sampled_area.h"
+#include "host/sampled_area.h"
 
 #include <gtest/gtest.h>
 
