@@ -2,15 +2,12 @@
 #include "command/settings_options.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <stdexcept>
 #include <variant>
 
 #include "host/common/failure.h"
-#include "host/default_weights.h"
 #include "host/history_gate.h"
 #include "host/setting_table.h"
-#include "host/settings_file.h"
 #include "host/sidecar.h"
 
 namespace stopngo {
@@ -58,15 +55,9 @@ CLI::Option* AddOption(CLI::App& app, Settings& settings, const Setting& setting
 
 }  // namespace
 
-// With the weights settled on the command line, what the file says of them is out of force: either
-// option excludes the other.
-bool SettingsOptions::GivenAsOption(const std::string& name) const {
-  const auto given = [this](const std::string& option) { return options_.at(option)->count() > 0; };
-  if (name == "weights" || name == "no-weights") return given("weights") || given("no-weights");
-  return given(name);
-}
-
-SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings) : settings_(settings) {
+SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings)
+    : settings_(settings),
+      in_force_(settings, [this](const std::string& name) { return options_.at(name)->count() > 0; }) {
   app.add_option("--config", config_, "TOML file with any of the settings below; options win over it")
       ->type_name("FILE");
   for (const Setting& setting : SettingTable()) {
@@ -87,37 +78,15 @@ void SettingsOptions::CompleteWithoutWeights() {
 }
 
 void SettingsOptions::ReadConfiguration() {
-  if (config_.empty()) return;
-  configured_ =
-      ReadSettingsFile(config_, settings_, [this](const std::string& name) { return GivenAsOption(name); });
+  if (!config_.empty()) in_force_.TakeFile(config_);
 }
 
 void SettingsOptions::Complete() {
   ReadConfiguration();
-  if (settings_.no_weights) {
-    if (settings_.weights.empty()) return;
-    throw Failure(config_ + ": weights and no-weights exclude each other");
-  }
-  if (settings_.weights.empty()) settings_.weights = FindDefaultWeights().value_or("");
-  if (settings_.weights.empty()) return;
-  sidecar_ = TakeSidecar(settings_, [this](const std::string& name) {
-    return configured_.contains(name) || GivenAsOption(name);
-  });
+  in_force_.SettleWeights();
 }
 
-Setup SettingsOptions::InForce() const {
-  const auto given = [this](const char* name) { return configured_.contains(name) || GivenAsOption(name); };
-  const auto in_frames = [&](const char* name, const FrameCount& time) {
-    return given(name) && !time.seconds;
-  };
-  Setup setup;
-  setup.settings = settings_;
-  setup.sidecar = sidecar_;
-  setup.frame_counts_given = given("rate") && settings_.rate > 0 &&
-                             (in_frames("time-beeping", settings_.time_beeping) ||
-                              in_frames("time-cooling", settings_.time_cooling));
-  return setup;
-}
+Setup SettingsOptions::InForce() const { return in_force_.AsSetup(); }
 
 Setup SettingsOptions::InForce(const SourceInfo& frames) const {
   Setup setup = InForce();
@@ -128,11 +97,8 @@ Setup SettingsOptions::InForce(const SourceInfo& frames) const {
 
 const char* SettingsOptions::OriginOf(const std::string& name) const {
   if (options_.at(name)->count() > 0) return "option";
-  if (configured_.contains(name)) return "file";
-  const bool counts = name == "features" || name == "hiddens";
-  const auto told = [&name](const auto& setting) { return setting.first == name; };
-  if (sidecar_ && (counts || std::ranges::any_of(sidecar_->settings, told))) return "sidecar";
-  return "default";
+  if (in_force_.OfFile(name)) return "file";
+  return in_force_.OfSidecar(name) ? "sidecar" : "default";
 }
 
 void SettingsOptions::EnterFiles(FileRegister& files) const {

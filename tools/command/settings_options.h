@@ -2,13 +2,12 @@
 #pragma once
 
 #include <map>
-#include <optional>
-#include <set>
 #include <string>
 
 #include "base/file_register.h"
 #include "host/check.h"
 #include "host/settings.h"
+#include "host/settings_in_force.h"
 #include "video/frame_source.h"
 
 namespace CLI {
@@ -42,14 +41,12 @@ class SettingsOptions {
 
  private:
   void ReadConfiguration();
-  [[nodiscard]] bool GivenAsOption(const std::string& name) const;
 
   Settings& settings_;
   /// By the names of their settings: the parser's own look-up ends the program when memory is short.
   std::map<std::string, CLI::Option*> options_;
   std::string config_;
-  std::set<std::string> configured_;  ///< names of the settings that the file gave
-  std::optional<Sidecar> sidecar_;    ///< of the weights
+  SettingsInForce in_force_;
 };
 
 }  // namespace stopngo
