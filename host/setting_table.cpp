@@ -75,11 +75,11 @@ constexpr std::array kTable = {
     Setting{"history-threshold", kTools, &S::history_threshold, "closes history: a score below, 0 to 1"},
     Setting{"light-rate", kTools, &S::light_rate, "closes light: levels a second of the region's mean"},
     Setting{"light-calm", kTools, SecondsField{&S::light_calm_s},
-            "opens it: how long no such change has come"},
+            "opens light: how long no such change has come"},
     Setting{"speed-file", kTools, &S::speed_file,
             "file or named pipe that is read for the own speed, a number a line"},
     Setting{"speed-above", kTools, &S::speed_above, "closes speed: own speed, in the unit of the file"},
-    Setting{"speed-time", kTools, SecondsField{&S::speed_time_s}, "how long after that it stays closed"},
+    Setting{"speed-time", kTools, SecondsField{&S::speed_time_s}, "how long after that speed stays closed"},
     Setting{"speed-stale", kTools, SecondsField{&S::speed_stale_s},
             "for so long a speed that was told holds"},
     Setting{"speed-fails", kTools, Choice{&S::speed_fails, kFailNames},
@@ -92,8 +92,9 @@ constexpr std::array kTable = {
     Setting{"once-calm-time", kTools, SecondsField{&S::once_calm_time_s}, "how long that is seen after it"},
     Setting{"picture-frozen", kTools, SecondsField{&S::picture_frozen_s},
             "closes picture: how long every pixel of the region is the same"},
-    Setting{"picture-black", kTools, &S::picture_black, "closes it: below this mean luma of the region"},
-    Setting{"picture-lost", kTools, SecondsField{&S::picture_lost_s}, "closes it: more between two frames"},
+    Setting{"picture-black", kTools, &S::picture_black, "closes picture: below this mean luma of the region"},
+    Setting{"picture-lost", kTools, SecondsField{&S::picture_lost_s},
+            "closes picture: more between two frames"},
 };
 
 // The module's 32-bit fields are partly signed, partly unsigned, and take any bits.
