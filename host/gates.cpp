@@ -68,13 +68,18 @@ int SaturatingSum(int a, int b) {
 
 }  // namespace
 
-std::string ClosedText(const ClosedGates& closed) {
-  std::string text;
+void PutClosedText(const ClosedGates& closed, std::string& text) {
+  text.clear();
   for (std::size_t i = 0; i < kGateCount; ++i) {
     if (closed.at(i) == nullptr) continue;
     Enlist(text, kGateNames.at(i));
     text.append(" (").append(closed.at(i)).append(")");
   }
+}
+
+std::string ClosedText(const ClosedGates& closed) {
+  std::string text;
+  PutClosedText(closed, text);
   return text;
 }
 

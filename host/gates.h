@@ -21,6 +21,8 @@ using ClosedGates = std::array<const char*, kGateCount>;
 
 /// Those that are closed: "light (light changes), once (told already)"; empty: none.
 std::string ClosedText(const ClosedGates& closed);
+/// The same in place of what a text holds, which keeps its memory.
+void PutClosedText(const ClosedGates& closed, std::string& text);
 
 /// What the pixels of a frame tell gates.
 struct PixelFigures {

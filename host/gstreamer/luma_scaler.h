@@ -1,0 +1,34 @@
+// luma_scaler.h: brings luma planes of any size to the one that the module works in.
+#pragma once
+
+#include <gst/video/video.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "host/common/luma.h"
+
+namespace stopngo::gst {
+
+class LumaScaler {
+ public:
+  /// Throws Failure when there is no way from one to the other.
+  LumaScaler(FrameSize from, FrameSize to);
+
+  /// first: the plane's first pixel; stride: bytes from row to row. What is given is valid until the next call.
+  std::span<const std::uint8_t> Scale(const std::uint8_t* first, int stride);
+
+ private:
+  struct Free {
+    void operator()(GstVideoConverter* converter) const { gst_video_converter_free(converter); }
+  };
+
+  GstVideoFrame source_{};
+  GstVideoFrame target_{};
+  std::vector<std::uint8_t> scaled_;
+  std::unique_ptr<GstVideoConverter, Free> converter_;
+};
+
+}  // namespace stopngo::gst
