@@ -14,6 +14,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/we
   DESTINATION ${weights_dir} COMPONENT command)
 if(STOPNGO_BUILD_TOOLS)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
+  if(TARGET gstzetstopngo)
+    install(TARGETS gstzetstopngo LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/gstreamer-1.0 COMPONENT element)
+  endif()
 endif()
 
 # Relative to the file itself: the prefix is known only when it is installed.

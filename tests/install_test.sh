@@ -82,4 +82,12 @@ grep -q 10 "$root/log" || { echo "install_test: the installed command did not ru
 "$root/usr/bin/stopngo" --version | grep -q "^module $library/" ||
   { echo "install_test: the installed command did not load the installed module" >&2; exit 1; }
 run >"$root/log" || { echo "install_test: the installed command did not find its weights" >&2; exit 1; }
+
+# Where the element was built: the installed one finds the installed module and weights, however it is found itself.
+plugins=$library/gstreamer-1.0
+if [ -d "$plugins" ]; then
+  GST_PLUGIN_PATH=$plugins GST_REGISTRY=$root/registry timeout 60 gst-launch-1.0 videotestsrc num-buffers=30 ! \
+    video/x-raw,format=NV12,width=800,height=480,framerate=30/1 ! zetstopngo ! fakesink >"$root/log" 2>&1 ||
+    { echo "install_test: the installed element did not run" >&2; cat "$root/log" >&2; exit 1; }
+fi
 echo "install_test: passed"
