@@ -1,8 +1,9 @@
 # Packages.cmake: Debian packages, by `cpack` in a build that is configured to install to /usr (scripts/packages).
 #
-#     libzetstopngo1      the module
-#     libzetstopngo-dev   header, pkg-config file, CMake package, zetstopngo(3)
-#     stopngo             the command, weights, self-test, man pages, completions
+#     libzetstopngo1            the module
+#     libzetstopngo-dev         header, pkg-config file, CMake package, zetstopngo(3)
+#     stopngo                   the command, weights, self-test, man pages, completions
+#     gstreamer1.0-zetstopngo   the element, where it is built
 set(STOPNGO_CONTACT "stopngo maintainers <stopngo@example.org>" CACHE STRING "Who the packages say maintains them")
 
 set(CPACK_GENERATOR DEB)
@@ -61,5 +62,11 @@ if(STOPNGO_WITH_FFMPEG)
     list(APPEND late ${library}${major})
   endforeach()
   list(JOIN late ", " CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS)
+endif()
+if(TARGET gstzetstopngo)
+  list(APPEND CPACK_COMPONENTS_ALL element)
+  stopngo_package(element gstreamer1.0-zetstopngo libs "stop-and-go detector for camera pictures - GStreamer element"
+    "${of_what}\n\nThis package has the element zetstopngo, which lets video pass and tells\ndecisions on the bus and with the frames.")
+  set(CPACK_DEBIAN_ELEMENT_PACKAGE_DEPENDS "libzetstopngo1 (= ${PROJECT_VERSION}), stopngo (= ${PROJECT_VERSION})")
 endif()
 include(CPack)

@@ -9,7 +9,7 @@ fail() { echo "try_packages: $*" >&2; exit 1; }
 # What others bring has come before, so that all that comes and goes is ours.
 apt_get update
 # shellcheck disable=SC2046  # many packages
-apt_get install gcc libc6-dev pkg-config cmake ninja-build man-db \
+apt_get install gcc libc6-dev pkg-config cmake ninja-build man-db gstreamer1.0-tools gstreamer1.0-plugins-base \
   $(for file in *.deb; do dpkg-deb -f "$file" Depends; echo ,; done | tr ',' '\n' | sed 's/(.*//; /libzetstopngo/d')
 entries() { find /bin /etc /lib* /opt /sbin /usr /var/lib/zet* /var/lib/stop* ! -name ld.so.cache 2>/dev/null | sort || true; }
 entries >before
@@ -21,6 +21,9 @@ zetstopngo-selftest >selftest.log || fail "the self-test: $(cat selftest.log)"
 stopngo synth clip.y4m --length 8 --departure 4 >/dev/null
 stopngo run clip.y4m | tee run.log
 grep -q alarm run.log || fail "no alarm of a departure"
+gst-launch-1.0 -m videotestsrc num-buffers=60 ! video/x-raw,format=GRAY8,width=800,height=480,framerate=30/1 ! \
+  zetstopngo silent=false ! fakesink >pipeline.log 2>&1 || fail "the pipeline: $(cat pipeline.log)"
+[ "$(grep -c 'stopngo, decision' pipeline.log)" = 12 ] || fail "the element tells of $(grep -c 'stopngo, decision' pipeline.log) frames"
 for page in stopngo.1 stopngo-run.1 stopngo.toml.5 zetstopngo.3; do
   man -w "${page##*.}" "${page%.*}" >/dev/null || fail "no page $page"
 done
@@ -44,7 +47,7 @@ cmake -G Ninja -S . -B with-cmake >/dev/null
 cmake --build with-cmake >/dev/null
 with-cmake/use || fail "the consumer by CMake"
 
-apt_get purge libzetstopngo1 libzetstopngo-dev stopngo
+apt_get purge gstreamer1.0-zetstopngo libzetstopngo1 libzetstopngo-dev stopngo
 entries >after
 diff before after || fail "this is left, or gone, after removal"
 if compgen -G '/var/lib/dpkg/info/*stopngo*' >/dev/null; then fail "dpkg still knows them"; fi
