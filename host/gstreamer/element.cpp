@@ -51,12 +51,12 @@ bool Guarded(void* object, Work work) {
 enum Property : unsigned { kNoProperty, kSetting, kConfig, kSpeed, kSilent, kDraw };
 
 GType DrawingType() {
-  static const GEnumValue kValues[] = {
+  static const GEnumValue values[] = {
       {static_cast<int>(Drawing::kNone), "nothing", "none"},
       {static_cast<int>(Drawing::kRegion), "the region's outline, bolder while there is an alarm", "region"},
       {0, nullptr, nullptr}};
-  static const GType kType = g_enum_register_static("GstZetStopngoDrawing", kValues);
-  return kType;
+  static const GType type = g_enum_register_static("GstZetStopngoDrawing", values);
+  return type;
 }
 
 void SetProperty(GObject* object, unsigned id, const GValue* value, GParamSpec* spec) {
@@ -198,10 +198,10 @@ void InitInstance(GTypeInstance* instance, void* /*class*/) {
 }  // namespace
 
 GType ElementType() {
-  static const GType kType =
+  static const GType type =
       g_type_register_static_simple(GST_TYPE_BASE_TRANSFORM, "GstZetStopngo", sizeof(ElementClass), InitClass,
                                     sizeof(Element), InitInstance, static_cast<GTypeFlags>(0));
-  return kType;
+  return type;
 }
 
 bool RegisterElement(GstPlugin* plugin) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "host/common/failure.h"
 #include "host/sampled_area.h"
@@ -44,12 +45,13 @@ FrameFormat Preparation::FormatFor(const GstVideoInfo& info) const {
 std::vector<std::string> Preparation::Check(const FrameFormat& frames) const {
   Setup setup = setup_;
   setup.frames = frames;
+  const std::vector<Finding> findings = CheckSetup(module_, setup);
   std::vector<std::string> warnings;
-  for (const Finding& finding : CheckSetup(module_, setup)) {
+  warnings.reserve(findings.size());
+  for (const Finding& finding : findings) {
     const std::string sentence = SentenceOf(finding) + " (see the property " + finding.setting + ")";
     if (finding.severity == Severity::kError) throw Failure(sentence);
-    warnings.push_back(
-        sentence);  // NOLINT(performance-inefficient-vector-operation): few, and none as a rule
+    warnings.push_back(sentence);
   }
   return warnings;
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -21,17 +22,17 @@ namespace {
 
 /// Weights with which every motion counts, each in another way.
 const std::string& Weights() {
-  static const TemporaryFolder kFolder;
-  static const std::string kPath = [] {
+  static const TemporaryFolder folder;
+  static const std::string path = [] {
     ::test::Random random(5);
     std::string bytes;
     for (int i = 0; i < 162 * 16 + 1; ++i) {
       const float weight = random.Signed();
       bytes.append(reinterpret_cast<const char*>(&weight), sizeof weight);
     }
-    return kFolder.File("w.bin", bytes);
+    return folder.File("w.bin", bytes);
   }();
-  return kPath;
+  return path;
 }
 
 Properties EveryFrame() { return {{"silent", "false"}, {"weights", Weights()}}; }
@@ -51,6 +52,7 @@ std::vector<double> ScoresOf(const PipeFormat& format, int frames) {
   settings.weights = Weights();
   Detector detector(module, settings, {format.width, format.height, 6});
   std::vector<double> scores;
+  scores.reserve(static_cast<std::size_t>(frames));
   for (int i = 0; i < frames; ++i) {
     const std::string picture = Picture(format, i);
     LumaFrame frame{format.width, format.height, i, i / 6.0, {picture.begin(), picture.end()}};

@@ -14,7 +14,7 @@ namespace {
 
 /// Without the plugins of the system, which take their time and are none of this test's.
 void InitGst() {
-  static const bool kDone = [] {
+  static const bool done = [] {
     setenv("GST_REGISTRY_DISABLE", "yes", 1);
     setenv("STOPNGO_MODULE", STOPNGO_MODULE_FILE, 1);
     gst_init(nullptr, nullptr);
@@ -24,7 +24,7 @@ void InitGst() {
         "unknown", "test", "test", "test");
     return true;
   }();
-  ASSERT_TRUE(kDone);
+  ASSERT_TRUE(done);
 }
 
 template <typename Value>
