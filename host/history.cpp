@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 #include "host/common/exact_math.h"
@@ -32,6 +33,7 @@ struct SpanSums {
   int right = 0;
   float towards_column = 0;
   float towards_row = 0;
+  std::array<ZoneMotion, kZones> zones{};
 
   void Add(const PairMotion& pair) {
     if (!pair.analysed) return;
@@ -42,6 +44,10 @@ struct SpanSums {
     right += pair.right;
     towards_column += pair.towards_column;
     towards_row += pair.towards_row;
+    for (std::size_t i = 0; i < kZones; ++i) {
+      zones[i].up += pair.zones[i].up;
+      zones[i].right += pair.zones[i].right;
+    }
   }
 };
 
@@ -51,13 +57,24 @@ std::array<float, kQuantitiesASpan> QuantitiesOf(const SpanSums& sums) {
   const auto pairs = static_cast<float>(sums.pairs);
   const float mean = static_cast<float>(sums.sum) / pairs;
   const float whole = (std::max(mean, 0.0F) + kQuietSum) * pairs;
-  return {LogOfSum(mean),
-          LogOfSum(static_cast<float>(sums.least)),
-          static_cast<float>(sums.up) / whole,
-          std::abs(static_cast<float>(sums.right)) / whole,
-          sums.towards_column / whole,
-          sums.towards_row / whole,
-          1};
+  std::array<float, kQuantitiesASpan> quantities{LogOfSum(mean),
+                                                 LogOfSum(static_cast<float>(sums.least)),
+                                                 static_cast<float>(sums.up) / whole,
+                                                 std::abs(static_cast<float>(sums.right)) / whole,
+                                                 sums.towards_column / whole,
+                                                 sums.towards_row / whole,
+                                                 1};
+  auto next = quantities.begin() + static_cast<std::ptrdiff_t>(HistoryQuantity::kCount);
+  for (const ZoneMotion& zone : sums.zones) {
+    *next++ = static_cast<float>(zone.up) / whole;
+    *next++ = static_cast<float>(zone.right) / whole;
+  }
+  return quantities;
+}
+
+/// Which of so many equal shares an index of so many lies in.
+std::size_t ShareOf(int index, int count, std::size_t shares) {
+  return static_cast<std::size_t>(2 * index + 1) * shares / static_cast<std::size_t>(2 * count);
 }
 
 }  // namespace
@@ -79,6 +96,10 @@ PairMotion MotionOf(std::span<const std::int8_t> histogram, int columns) {
     motion.right += right;
     column_twice -= right * (2 * (cell % columns) - (columns - 1));
     row_twice += up * (2 * (cell / columns) - (rows - 1));
+    ZoneMotion& zone = motion.zones[ShareOf(cell / columns, rows, kZones / kZonesAcross) * kZonesAcross +
+                                    ShareOf(cell % columns, columns, kZonesAcross)];
+    zone.up += up;
+    zone.right += right;
   }
   motion.analysed = true;
   motion.towards_column = Weighted(column_twice, columns);

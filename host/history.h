@@ -32,10 +32,20 @@ enum class HistoryQuantity {
   kCount,
 };
 
-inline constexpr auto kQuantitiesASpan = static_cast<std::size_t>(HistoryQuantity::kCount);
-/// 56, a multiple of 8 as the module's perceptron has its inputs.
+/// The region in thirds across and halves down: of each such zone, left before right, the upper ones first, two more
+/// quantities follow, up − down and right − left, as shares of the same.
+inline constexpr std::size_t kZonesAcross = 3;
+inline constexpr std::size_t kZones = kZonesAcross * 2;
+inline constexpr std::size_t kQuantitiesASpan =
+    static_cast<std::size_t>(HistoryQuantity::kCount) + 2 * kZones;
+/// 152, a multiple of 8 as the module's perceptron has its inputs.
 inline constexpr std::size_t kHistoryInputs = kHistorySpans.size() * kQuantitiesASpan;
 inline constexpr std::size_t kHistoryHiddens = 16;
+
+struct ZoneMotion {
+  int up = 0;     ///< up − down
+  int right = 0;  ///< right − left
+};
 
 /// The motion between two frames, in pixels summed over blocks.
 struct PairMotion {
@@ -45,6 +55,7 @@ struct PairMotion {
   int right = 0;          ///< right − left
   float towards_column = 0;
   float towards_row = 0;
+  std::array<ZoneMotion, kZones> zones{};
 };
 
 /// Of a histogram: down, right, up and left of a cell, cells row by row, so many columns of them. Of none: missing.

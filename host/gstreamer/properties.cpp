@@ -121,7 +121,7 @@ void InstallSettings(GObjectClass* object, unsigned property_id) {
   const Settings defaults;
   for (const Setting& setting : SettingTable()) {
     GParamSpec* const spec =
-        IsOfNoUse(setting.name) ? nullptr : std::visit(SpecMaker(setting, defaults), setting.field);
+        IsOfNoUse(setting.name) ? nullptr : std::visit(SpecMaker{setting, defaults}, setting.field);
     if (spec != nullptr) g_object_class_install_property(object, property_id, spec);
   }
 }

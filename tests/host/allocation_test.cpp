@@ -13,6 +13,7 @@
 #include "host/common/text.h"
 #include "host/detector.h"
 #include "host/gate.h"
+#include "host/history.h"
 #include "host/module.h"
 #include "host/settings.h"
 #include "host/settings_file.h"
@@ -96,7 +97,7 @@ class Allocation : public testing::Test {
   Allocation() {
     const std::string weights(4 * (162 * 16 + 1), '\1');
     path_ = folder_.File("w.bin", weights);
-    history_ = folder_.File("h.bin", weights.substr(0, 4 * (58 * 16 + 1)));
+    history_ = folder_.File("h.bin", weights.substr(0, 4 * ((kHistoryInputs + 2) * kHistoryHiddens + 1)));
     config_ = folder_.File("car.toml",
                            "rate = 6\nweights = \"w.bin\"\ntime-cooling = \"5s\"\nfilter = \"median\"\n");
   }

@@ -13,7 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr auto kPicture = static_cast<std::size_t>(GateKind::kPicture);
+constexpr auto kPictureGate = static_cast<std::size_t>(GateKind::kPicture);
 
 bool Alarms(const FrameReport& frame) { return frame.changed && frame.decision == 1; }
 
@@ -46,14 +46,14 @@ void GateReport::TellGate(const FrameReport& frame, std::size_t gate) const {
   const char* const name = kGateNames.at(gate);
   if (json_) {
     // The picture's state matters to more than alarms.
-    Json line{{"type", gate == kPicture ? "health" : "gate"},
+    Json line{{"type", gate == kPictureGate ? "health" : "gate"},
               {"frame", frame.index},
               {"time", frame.time_s},
               {"gate", name},
               {"state", reason != nullptr ? "closed" : "open"}};
     if (reason != nullptr) line["reason"] = reason;
     WriteResult(JsonLine(line));
-  } else if (gate == kPicture) {
+  } else if (gate == kPictureGate) {
     WriteResult(Place(frame) + (reason != nullptr ? reason : "picture back"));
   } else {
     WriteResult(Place(frame) + "gate " + name +

@@ -77,7 +77,7 @@ TEST_F(TrainTest, MakesWeightsOfTheHistoryGate) {
   ASSERT_EQ(one.exit_code, 0) << one.err;
   const std::string bytes = ReadFile(weights);
   const std::string sidecar = ReadFile(weights + ".json");
-  EXPECT_EQ(bytes.size(), 3716U);
+  EXPECT_EQ(bytes.size(), 9860U);
   EXPECT_EQ(Stopngo(arguments + " --jobs 3").out, one.out);
   EXPECT_TRUE(ReadFile(weights) == bytes);
   EXPECT_EQ(ReadFile(weights + ".json"), sidecar);
