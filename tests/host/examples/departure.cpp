@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 #include <vector>
 
 #include "random.h"
@@ -18,7 +19,7 @@ constexpr int kWidth = 800;
 constexpr int kHeight = 480;
 constexpr double kLength_s = 8;
 constexpr double kStart_s = 4;
-constexpr double kAcceleration = 0.15;  // m/s²: a soft start, which frames 1/30 s apart hardly show
+constexpr double kAcceleration = 0.2;  // m/s²: a soft start, which frames 1/30 s apart hardly show
 constexpr double kDistance_m = 5;
 // The camera, 1.2 m above the road: pixels a metre at a distance of 1 m, and where it looks.
 constexpr double kFocal = 800;
@@ -83,13 +84,17 @@ int Write(double fps, std::size_t stride) {
     for (int x = 0; x < kWidth; ++x)
       street[y * kWidth + x] = static_cast<std::uint8_t>(road.At(x / 300.0, y / 300.0));
   }
+  // What is behind the luma changes no pixel of it.
+  Random behind(2);
   std::vector<std::uint8_t> row(stride);
+  const std::span<std::uint8_t> luma = std::span(row).first(kWidth);
   const auto frames = static_cast<int>(kLength_s * fps);
   for (int frame = 0; frame < frames; ++frame) {
     std::vector<std::uint8_t> picture = street;
     DrawRear(rear, Distance(frame / fps), picture);
     for (int y = 0; y < kHeight; ++y) {
-      random.Fill(row);
+      random.Fill(luma);
+      behind.Fill(std::span(row).subspan(kWidth));
       // Sensor noise of a few grey levels comes from the same bytes.
       for (int x = 0; x < kWidth; ++x)
         row[x] = static_cast<std::uint8_t>(picture[y * kWidth + x] + row[x] % 4);

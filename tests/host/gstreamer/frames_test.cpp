@@ -88,6 +88,7 @@ TEST(ElementFrames, EveryFormatGivesTheSameScores) {
   const std::vector<double> expected = ScoresOf(PipeFormat{}, kFrames);
   EXPECT_GT(std::set(expected.begin(), expected.end()).size(), 4U)
       << "where nothing happens nothing is tested";
+  InitGst();
   unsigned count = 0;
   const GstVideoFormat* const formats = gst_video_formats_raw(&count);
   std::string taken;

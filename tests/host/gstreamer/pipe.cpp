@@ -12,7 +12,16 @@
 namespace stopngo::test {
 namespace {
 
-/// Without the plugins of the system, which take their time and are none of this test's.
+template <typename Value>
+Value Field(const GstStructure& structure, const char* name, GType type) {
+  Value value{};
+  EXPECT_TRUE(gst_structure_get(&structure, name, type, &value, nullptr)) << name;
+  return value;
+}
+
+}  // namespace
+
+// Without the plugins of the system, which take their time and are none of this test's.
 void InitGst() {
   static const bool done = [] {
     setenv("GST_REGISTRY_DISABLE", "yes", 1);
@@ -26,15 +35,6 @@ void InitGst() {
   }();
   ASSERT_TRUE(done);
 }
-
-template <typename Value>
-Value Field(const GstStructure& structure, const char* name, GType type) {
-  Value value{};
-  EXPECT_TRUE(gst_structure_get(&structure, name, type, &value, nullptr)) << name;
-  return value;
-}
-
-}  // namespace
 
 Told::Told(const GstStructure& structure)
     : decision(Field<int>(structure, "decision", G_TYPE_INT)),
@@ -68,6 +68,7 @@ std::string PipeFormat::Caps() const {
 }
 
 BufferPtr MakeFrame(const PipeFormat& format, const std::string& luma, GstClockTime pts, int padding) {
+  InitGst();
   GstVideoInfo info = format.Info();
   if (padding >= 0) {
     // The first plane's rows and all behind it are moved.

@@ -31,6 +31,9 @@ struct Told {
   explicit Told(const GstStructure& structure);
 };
 
+/// GStreamer with the element and nothing else. Pipes and frames begin with it.
+void InitGst();
+
 /// Frames of a format, a place in their stream, and what is in them.
 struct PipeFormat {
   GstVideoFormat format = GST_VIDEO_FORMAT_GRAY8;
