@@ -73,7 +73,8 @@ BufferPtr MakeFrame(const PipeFormat& format, const std::string& luma, GstClockT
   if (padding >= 0) {
     // The first plane's rows and all behind it are moved.
     const int stride = format.width * GST_VIDEO_INFO_COMP_PSTRIDE(&info, 0) + padding;
-    const auto moved = static_cast<std::size_t>((stride - info.stride[0]) * format.height);
+    const auto moved =
+        static_cast<std::size_t>(stride - info.stride[0]) * static_cast<std::size_t>(format.height);
     info.stride[0] = stride;
     for (unsigned plane = 1; plane < GST_VIDEO_INFO_N_PLANES(&info); ++plane) info.offset[plane] += moved;
     info.size += moved;
@@ -145,8 +146,8 @@ std::string LoneElement::TakeSentences(GstMessageType type) {
     if (type == GST_MESSAGE_ERROR) gst_message_parse_error(message, &error, nullptr);
     if (type == GST_MESSAGE_WARNING) gst_message_parse_warning(message, &error, nullptr);
     if (type == GST_MESSAGE_INFO) gst_message_parse_info(message, &error, nullptr);
-    sentences.append(error->message).append("\n");
-    g_error_free(error);
+    if (error != nullptr) sentences.append(error->message).append("\n");
+    g_clear_error(&error);
     gst_message_unref(message);
     return true;
   });

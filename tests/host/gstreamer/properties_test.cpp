@@ -75,7 +75,7 @@ TEST(ElementProperties, ValuesComeBackAsTheyWereGiven) {
 std::string FailureAtStart(const Properties& properties) {
   LoneElement element(properties);
   const bool started = gst_element_set_state(element.Get(), GST_STATE_PAUSED) != GST_STATE_CHANGE_FAILURE;
-  const std::string sentences = element.TakeSentences(GST_MESSAGE_ERROR);
+  std::string sentences = element.TakeSentences(GST_MESSAGE_ERROR);
   EXPECT_EQ(started, sentences.empty()) << sentences;
   return sentences;
 }

@@ -108,7 +108,7 @@ TEST_F(Stream, DrawingMarksTheRegionAndNothingElse) {
       for (int x = 0; x < 800; ++x) {
         const bool outside = x < 290 || x >= 510 || y < 260 || y >= 400;
         const bool near = x >= 290 - breadth && x < 510 + breadth && y >= 260 - breadth && y < 400 + breadth;
-        const bool white = drawn[static_cast<std::size_t>(y * 800 + x)] != 'g';
+        const bool white = drawn[static_cast<std::size_t>(y) * 800 + static_cast<std::size_t>(x)] != 'g';
         EXPECT_EQ(white, outside && near) << x << " " << y;
         marked += white ? 1 : 0;
       }
