@@ -258,9 +258,11 @@ Actors MakeDrivingIn(const Stage& stage, Random& random) {
   const double when = stage.event_s + random.Uniform(-1.5, 1.5);
   Track track(-speed * when, speed);
   switch (random.Below(4)) {
-    case 0:
-      track.Stop(when + random.Uniform(0.5, 2.5), random.Uniform(1, 3));
+    case 0: {
+      const double deceleration = random.Uniform(1, 3);
+      track.Stop(when + random.Uniform(0.5, 2.5), deceleration);
       break;
+    }
     case 1:
       track.Accelerate(when, random.Uniform(0.3, 2));
       break;
@@ -275,7 +277,8 @@ Actors MakeDrivingIn(const Stage& stage, Random& random) {
 Actors MakeStream(const Stage& stage, Random& random) {
   Actors actors;
   const double away = random.Uniform(0, 1) < 0.6 ? 0 : 0.5;
-  const double aside = EitherSide(random) * random.Uniform(0, 7);
+  const double side = EitherSide(random);
+  const double aside = side * random.Uniform(0, 7);
   const double speed = random.Uniform(2.5, 15);
   const double gap = random.Uniform(4, 35);
   // The first is past us at the beginning, the last has not come when the scene ends.
