@@ -10,7 +10,7 @@ fail() { echo "try_packages: $*" >&2; exit 1; }
 apt_get update
 # shellcheck disable=SC2046  # many packages
 apt_get install gcc libc6-dev pkg-config cmake ninja-build man-db gstreamer1.0-tools gstreamer1.0-plugins-base \
-  $(for file in *.deb; do dpkg-deb -f "$file" Depends; echo ,; done | tr ',' '\n' | sed 's/(.*//; /libzetstopngo/d')
+  $(for file in *.deb; do dpkg-deb -f "$file" Depends; echo ,; done | tr ',' '\n' | sed 's/(.*//; /stopngo/d')
 entries() { find /bin /etc /lib* /opt /sbin /usr /var/lib/zet* /var/lib/stop* ! -name ld.so.cache 2>/dev/null | sort || true; }
 entries >before
 
