@@ -18,6 +18,11 @@ struct Range {
 
 inline double Draw(Range range, Random& random) { return random.Uniform(range.low, range.high); }
 inline double DrawLog(Range range, Random& random) { return LogUniform(random, range.low, range.high); }
+/// The side first: which factor of a product is worked out first is the compiler's.
+inline double DrawAside(Range range, Random& random) {
+  const double side = EitherSide(random);
+  return side * Draw(range, random);
+}
 
 namespace draw {
 

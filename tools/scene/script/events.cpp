@@ -51,11 +51,12 @@ void AddDeparture(SceneOptions& scene, double start_s, Random& random) {
   const double way = random.Uniform(0, 1);
   if (way < draw::kTurnsOff) {
     lead.turn_after_m = Draw(draw::kCornerAfter_m, random);
-    lead.turn_radius_m = EitherSide(random) * Draw(draw::kCornerRadius_m, random);
+    lead.turn_radius_m = DrawAside(draw::kCornerRadius_m, random);
     lead.indicator = lead.turn_radius_m > 0 ? Indicator::kRight : Indicator::kLeft;
   } else if (way < draw::kTurnsOff + draw::kBends) {
     lead.turn_after_m = Draw(draw::kBendAfter_m, random);
-    lead.turn_radius_m = EitherSide(random) * DrawLog(draw::kBendRadius_m, random);
+    const double side = EitherSide(random);
+    lead.turn_radius_m = side * DrawLog(draw::kBendRadius_m, random);
   }
   if (Chance(random, 0.3)) {  // we follow
     const double follow_s = start_s + random.Uniform(3.2, 5);

@@ -156,13 +156,13 @@ void PlaceLead(SceneOptions& scene, Random& random) {
   const Range aside = where < draw::kInLine       ? draw::kInLine_m
                       : where < 1 - draw::kBeside ? draw::kTrack_m
                                                   : draw::kBeside_m;
-  lead.offset_m = EitherSide(random) * Draw(aside, random);
+  lead.offset_m = DrawAside(aside, random);
   // Where a camera that looks aside still sees it.
   const double axis = scene.camera.yaw * 6.28 * lead.distance_m;
   const double in_picture = draw::kPictureHalf_px - 0.35 * width_m * metre_px / lead.distance_m;
   const double reach = std::max(0.0, in_picture) / metre_px * lead.distance_m;
   lead.offset_m = std::clamp(lead.offset_m, axis - reach, axis + reach);
-  if (Chance(random, draw::kOblique)) lead.heading = EitherSide(random) * Draw(draw::kHeading, random);
+  if (Chance(random, draw::kOblique)) lead.heading = DrawAside(draw::kHeading, random);
 }
 
 void DrawLead(SceneOptions& scene, Random& random) {
