@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -56,6 +57,16 @@ inline std::string Quoted(std::string_view text) {
 inline void Enlist(std::string& list, std::string_view item) {
   if (!list.empty()) list += ", ";
   list += item;
+}
+
+/// Words with something between them.
+inline std::string Joined(std::span<const std::string> words, std::string_view between) {
+  std::string joined;
+  for (const std::string& word : words) {
+    if (&word != words.data()) joined += between;
+    joined += word;
+  }
+  return joined;
 }
 
 /// The shortest text that reads back as the same number.

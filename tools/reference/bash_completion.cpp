@@ -4,17 +4,13 @@
 #include <map>
 #include <vector>
 
+#include "host/common/text.h"
 #include "reference/completion.h"
 
 namespace stopngo {
 namespace {
 
 // Words of ours hold nothing that a shell would take for more.
-std::string Joined(const std::vector<std::string>& words, const char* between) {
-  std::string joined;
-  for (const std::string& word : words) joined += (joined.empty() ? "" : between) + word;
-  return joined;
-}
 
 /// What offers a row's values to the word in $1.
 std::string Offer(const OptionRow& row) {

@@ -1,6 +1,7 @@
 // fish_completion.cpp: what fish is told of the command line.
 #include <string_view>
 
+#include "host/common/text.h"
 #include "reference/completion.h"
 
 namespace stopngo {
@@ -15,12 +16,6 @@ std::string InQuotes(std::string_view text) {
   return quoted + '\'';
 }
 
-std::string Choices(const OptionRow& row) {
-  std::string words;
-  for (const std::string& choice : row.choices) words += ' ' + choice;
-  return words;
-}
-
 /// What is offered as a value, as flags of complete.
 std::string FishValue(const OptionRow& row) {
   switch (row.kind) {
@@ -31,9 +26,10 @@ std::string FishValue(const OptionRow& row) {
     case ValueKind::kFolder:
       return " -x -a '(__fish_complete_directories)'";
     case ValueKind::kChoice:
-      return " -x -a " + InQuotes(Choices(row).substr(1));
+      return " -x -a " + InQuotes(Joined(row.choices, " "));
     case ValueKind::kChoices:
-      return " -x -a " + InQuotes("(__fish_complete_list , 'printf %s\\\\n" + Choices(row) + "')");
+      return " -x -a " +
+             InQuotes("(__fish_complete_list , 'printf %s\\\\n " + Joined(row.choices, " ") + "')");
     case ValueKind::kText:
       return " -x";
   }

@@ -2,6 +2,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/common/text.h"
 #include "reference/completion.h"
 
 namespace stopngo {
@@ -22,8 +23,7 @@ std::string Told(std::string_view text) {
 }
 
 std::string Action(const OptionRow& row) {
-  std::string words;
-  for (const std::string& choice : row.choices) words += (words.empty() ? "" : " ") + choice;
+  const std::string words = Joined(row.choices, " ");
   switch (row.kind) {
     case ValueKind::kFile:
       return "_files";
@@ -40,8 +40,7 @@ std::string Action(const OptionRow& row) {
 
 /// An option under one of its names, with nothing offered twice that is given once.
 std::string ZshOption(const OptionRow& row, const std::string& name) {
-  std::string others;
-  for (const std::string& each : row.names) others += (others.empty() ? "" : " ") + each;
+  std::string others = Joined(row.names, " ");
   for (const std::string& each : row.excludes) others += ' ' + each;
   std::string text = "'" + (row.repeated ? "*" : '(' + others + ')') + name;
   if (row.kind != ValueKind::kNone && name.starts_with("--")) text += '=';
