@@ -11,8 +11,8 @@
 #include "host/common/luma.h"
 #include "host/detector.h"
 #include "host/gstreamer/element.h"
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 #include "scene.h"
 
 namespace bench {

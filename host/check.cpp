@@ -8,10 +8,10 @@
 #include "host/common/failure.h"
 #include "host/common/text.h"
 #include "host/detector.h"
-#include "host/gate.h"
-#include "host/history_gate.h"
-#include "host/setting_table.h"
-#include "host/weights_file.h"
+#include "host/gates/history_gate.h"
+#include "host/settings/gate_kinds.h"
+#include "host/settings/setting_table.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo {
 namespace {

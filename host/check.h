@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "host/common/luma.h"
-#include "host/module.h"
-#include "host/settings.h"
-#include "host/sidecar.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
+#include "host/settings/sidecar.h"
 
 namespace stopngo {
 

@@ -17,7 +17,7 @@
 #include "host/common/stdout_guard.h"
 #include "host/common/text.h"
 #include "host/misfit.h"
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

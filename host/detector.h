@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "host/common/luma.h"
-#include "host/gates.h"
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/gates/gates.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 #include "vel_stopngo.h"
 
 namespace stopngo {

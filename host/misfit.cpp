@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "host/common/failure.h"
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

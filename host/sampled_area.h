@@ -3,7 +3,7 @@
 
 #include "host/common/luma.h"
 #include "host/detector.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "host/common/failure.h"
-#include "host/default_weights.h"
-#include "host/settings_file.h"
+#include "host/settings/default_weights.h"
+#include "host/settings/settings_file.h"
 
 namespace stopngo {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "host/check.h"
-#include "host/settings.h"
-#include "host/sidecar.h"
+#include "host/settings/settings.h"
+#include "host/settings/sidecar.h"
 
 namespace stopngo {
 

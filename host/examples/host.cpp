@@ -4,8 +4,8 @@
 #include "host/check.h"
 #include "host/common/failure.h"
 #include "host/common/pace.h"
-#include "host/default_weights.h"
 #include "host/detector.h"
+#include "host/settings/default_weights.h"
 
 int main(int argc, char** argv) try {
   const int padding = argc == 3 ? std::stoi(argv[1]) : -1;  // bytes behind each row

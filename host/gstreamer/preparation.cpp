@@ -9,7 +9,7 @@
 
 #include "host/common/failure.h"
 #include "host/sampled_area.h"
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 #include "host/settings_in_force.h"
 #include "vel_stopngo_ctx.h"
 

@@ -13,8 +13,8 @@
 #include "host/detector.h"
 #include "host/gstreamer/luma_reader.h"
 #include "host/gstreamer/properties.h"
-#include "host/module.h"
-#include "host/weights_file.h"
+#include "host/module/module.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo::gst {
 

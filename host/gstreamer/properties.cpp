@@ -9,7 +9,7 @@
 
 #include "host/common/failure.h"
 #include "host/common/text.h"
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 
 namespace stopngo::gst {
 namespace {

@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo::gst {
 

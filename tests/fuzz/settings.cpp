@@ -1,10 +1,10 @@
 // settings.cpp: fuzz target: any bytes as a TOML file of settings. What was read is written and reads back as it was.
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 #include <string>
 #include <vector>
 
-#include "host/settings_file.h"
+#include "host/settings/settings_file.h"
 #include "reading.h"
 
 namespace {

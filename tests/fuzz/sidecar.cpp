@@ -1,11 +1,11 @@
 // sidecar.cpp: fuzz target: any bytes as a sidecar. What was read is written and reads back as it was, and settings
 // take it or refuse it.
-#include "host/sidecar.h"
+#include "host/settings/sidecar.h"
 
 #include <optional>
 #include <string>
 
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "reading.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "classify.h"
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 #include "reading.h"
 #include "vel_stopngo.h"
 #include "vel_stopngo_ctx.h"

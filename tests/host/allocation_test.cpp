@@ -12,12 +12,12 @@
 #include "host/check.h"
 #include "host/common/text.h"
 #include "host/detector.h"
-#include "host/gate.h"
-#include "host/history.h"
-#include "host/module.h"
-#include "host/settings.h"
-#include "host/settings_file.h"
-#include "host/weights_file.h"
+#include "host/gates/history.h"
+#include "host/module/module.h"
+#include "host/settings/gate_kinds.h"
+#include "host/settings/settings.h"
+#include "host/settings/settings_file.h"
+#include "host/settings/weights_file.h"
 #include "support/temporary_folder.h"
 
 namespace {

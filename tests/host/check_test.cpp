@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "host/gate.h"
-#include "host/module.h"
+#include "host/module/module.h"
+#include "host/settings/gate_kinds.h"
 #include "support/temporary_folder.h"
 
 namespace stopngo::test {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "host/common/failure.h"
-#include "host/module.h"
-#include "host/settings.h"
-#include "host/settings_file.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
+#include "host/settings/settings_file.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 #include "vel_stopngo_ctx.h"

@@ -1,5 +1,5 @@
 // gate_test.cpp: each gate on sequences of frames: when it closes, why, and when it opens again.
-#include "host/gate.h"
+#include "host/gates/gate.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +10,11 @@
 #include <limits>
 #include <string>
 
-#include "host/light_gate.h"
-#include "host/once_gate.h"
-#include "host/picture_gate.h"
-#include "host/settings.h"
-#include "host/speed_gate.h"
+#include "host/gates/light_gate.h"
+#include "host/gates/once_gate.h"
+#include "host/gates/picture_gate.h"
+#include "host/gates/speed_gate.h"
+#include "host/settings/settings.h"
 
 namespace stopngo::test {
 namespace {

@@ -1,5 +1,5 @@
 // gates_test.cpp: what the gates do to the decisions of the real module, and that they leave no trace where all are open.
-#include "host/gates.h"
+#include "host/gates/gates.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/detector.h"
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo::test {

@@ -1,5 +1,5 @@
 // history_test.cpp: the quantities of the last three seconds, and the gate that goes by them.
-#include "host/history.h"
+#include "host/gates/history.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "host/common/sha256.h"
-#include "host/gates.h"
-#include "host/history_gate.h"
-#include "host/sidecar.h"
-#include "host/weights_file.h"
+#include "host/gates/gates.h"
+#include "host/gates/history_gate.h"
+#include "host/settings/sidecar.h"
+#include "host/settings/weights_file.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 
 namespace stopngo::test {
 namespace {

@@ -1,5 +1,5 @@
 // setting_table_test.cpp: values of settings as text, both ways.
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 
 #include <gtest/gtest.h>
 

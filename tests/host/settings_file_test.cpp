@@ -1,5 +1,5 @@
 // settings_file_test.cpp: settings in TOML files: taken, left, refused with their line.
-#include "host/settings_file.h"
+#include "host/settings/settings_file.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "support/damage.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

@@ -1,5 +1,5 @@
 // sidecar_test.cpp: what is known of a weights file, beside it: written, read, taken, refused.
-#include "host/sidecar.h"
+#include "host/settings/sidecar.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/common/sha256.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "support/damage.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

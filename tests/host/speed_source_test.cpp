@@ -1,5 +1,5 @@
 // speed_source_test.cpp: the own speed from calls, files and pipes; what is no speed is said once and does no harm.
-#include "host/speed_source.h"
+#include "host/gates/speed_source.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

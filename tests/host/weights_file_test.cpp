@@ -1,5 +1,5 @@
 // weights_file_test.cpp: the layout of weights files, and files of the wrong size.
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

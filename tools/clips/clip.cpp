@@ -6,7 +6,7 @@
 
 #include "clips/scene_source.h"
 #include "host/common/text.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "video/damage.h"
 #include "video/open_source.h"
 

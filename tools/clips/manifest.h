@@ -8,7 +8,7 @@
 
 #include "clips/clip.h"
 #include "host/common/file.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "scene/recipe/recipe.h"
 
 namespace stopngo {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "command/options/table_of.h"
 #include "command/subcommand.h"
-#include "command/table_of.h"
 
 namespace stopngo {
 namespace {

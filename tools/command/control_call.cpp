@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "host/common/text.h"
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 
 namespace stopngo {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/common/luma.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -11,7 +11,7 @@
 #include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/results.h"
-#include "command/evaluation_options.h"
+#include "command/options/evaluation_options.h"
 #include "command/subcommand.h"
 #include "evaluate/curve.h"
 #include "evaluate/evaluation.h"

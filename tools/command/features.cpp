@@ -13,7 +13,7 @@
 #include "base/progress.h"
 #include "base/results.h"
 #include "clips/manifest.h"
-#include "command/evaluation_options.h"
+#include "command/options/evaluation_options.h"
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/motion_table.h"

@@ -13,7 +13,7 @@
 
 #include "base/interruption.h"
 #include "base/results.h"
-#include "command/misuse.h"
+#include "command/options/misuse.h"
 #include "command/subcommand.h"
 #include "command/version.h"
 #include "host/common/failure.h"

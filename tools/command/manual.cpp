@@ -5,8 +5,8 @@
 #include <iostream>
 #include <string>
 
+#include "command/options/table_of.h"
 #include "command/subcommand.h"
-#include "command/table_of.h"
 #include "command/version.h"
 #include "host/common/file.h"
 #include "reference/man_page.h"

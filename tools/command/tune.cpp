@@ -12,15 +12,15 @@
 
 #include "base/file_register.h"
 #include "base/results.h"
-#include "command/evaluation_options.h"
+#include "command/options/evaluation_options.h"
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/figures.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
-#include "host/gate.h"
-#include "host/setting_table.h"
-#include "host/settings_file.h"
+#include "host/settings/gate_kinds.h"
+#include "host/settings/setting_table.h"
+#include "host/settings/settings_file.h"
 
 namespace stopngo {
 namespace {

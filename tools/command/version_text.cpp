@@ -2,8 +2,8 @@
 #include "command/version.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
-#include "host/module.h"
-#include "host/module_note.h"
+#include "host/module/module.h"
+#include "host/module/module_note.h"
 #include "video/ffmpeg_version.h"
 
 namespace stopngo {

@@ -17,8 +17,8 @@
 #include "host/common/failure.h"
 #include "host/common/sha256.h"
 #include "host/common/text.h"
-#include "host/sidecar.h"
-#include "host/weights_file.h"
+#include "host/settings/sidecar.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo {
 namespace {

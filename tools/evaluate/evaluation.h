@@ -12,7 +12,7 @@
 #include "evaluate/tally.h"
 #include "features/feature_folder.h"
 #include "host/detector.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo {
 

@@ -11,7 +11,7 @@
 
 #include "evaluate/own_speed.h"
 #include "features/feature_folder.h"
-#include "host/gates.h"
+#include "host/gates/gates.h"
 
 namespace stopngo {
 namespace {

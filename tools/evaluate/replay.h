@@ -3,7 +3,7 @@
 
 #include "clips/clip.h"
 #include "evaluate/evaluation.h"
-#include "host/module.h"
+#include "host/module/module.h"
 
 namespace stopngo {
 

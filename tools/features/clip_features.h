@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/label.h"
-#include "host/gates.h"
+#include "host/gates/gates.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

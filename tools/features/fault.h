@@ -8,7 +8,7 @@
 #include "features/clip_features.h"
 #include "features/feature_file.h"
 #include "host/common/failure.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "features/clip_features.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "scene/version.h"
 
 namespace stopngo {

@@ -9,7 +9,7 @@
 
 #include "draw/style.h"
 #include "host/common/text.h"
-#include "host/gates.h"
+#include "host/gates/gates.h"
 #include "overlay/field.h"
 
 namespace stopngo {

@@ -3,9 +3,9 @@
 
 #include <variant>
 
-#include "host/setting_table.h"
-#include "host/settings.h"
-#include "host/settings_file.h"
+#include "host/settings/setting_table.h"
+#include "host/settings/settings.h"
+#include "host/settings/settings_file.h"
 #include "reference/scdoc.h"
 
 namespace stopngo {

@@ -6,8 +6,8 @@
 #include "clips/clip.h"
 #include "evaluate/tally.h"
 #include "features/feature_folder.h"
-#include "host/settings.h"
-#include "host/weights_file.h"
+#include "host/settings/settings.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo {
 

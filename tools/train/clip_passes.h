@@ -3,8 +3,8 @@
 
 #include "clips/clip.h"
 #include "features/clip_features.h"
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

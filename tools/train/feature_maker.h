@@ -7,8 +7,8 @@
 
 #include "features/clip_features.h"
 #include "features/feature_plan.h"
-#include "host/module.h"
-#include "host/settings.h"
+#include "host/module/module.h"
+#include "host/settings/settings.h"
 
 namespace stopngo {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "host/history.h"
+#include "host/gates/history.h"
 
 namespace stopngo {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "base/parallel.h"
 #include "host/common/exact_math.h"
-#include "host/history.h"
+#include "host/gates/history.h"
 
 namespace stopngo {
 namespace {

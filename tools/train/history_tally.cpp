@@ -6,7 +6,7 @@
 
 #include "classify.h"
 #include "host/common/text.h"
-#include "host/history.h"
+#include "host/gates/history.h"
 
 namespace stopngo {
 namespace {

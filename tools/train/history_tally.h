@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/module.h"
-#include "host/weights_file.h"
+#include "host/module/module.h"
+#include "host/settings/weights_file.h"
 #include "train/history_examples.h"
 
 namespace stopngo {

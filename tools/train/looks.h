@@ -5,7 +5,7 @@
 
 #include "base/random.h"
 #include "clips/clip.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "video/frame_source.h"
 
 namespace stopngo {

@@ -9,7 +9,7 @@
 #include "clips/clip.h"
 #include "features/feature_folder.h"
 #include "host/detector.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "train/feature_track.h"
 
 namespace stopngo {

@@ -11,7 +11,7 @@
 #include "host/detector.h"
 #include "host/gstreamer/formats.h"
 #include "host/gstreamer/luma_reader.h"
-#include "host/module.h"
+#include "host/module/module.h"
 #include "pipe.h"
 #include "random.h"
 #include "support/squares.h"

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/setting_table.h"
+#include "host/settings/setting_table.h"
 #include "pipe.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/common/failure.h"
-#include "host/settings.h"
+#include "host/settings/settings.h"
 #include "support/damage.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"

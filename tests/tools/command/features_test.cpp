@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "classify.h"
-#include "host/history.h"
-#include "host/weights_file.h"
+#include "host/gates/history.h"
+#include "host/settings/weights_file.h"
 #include "program.h"
 #include "support/squares.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "host/setting_table.h"
-#include "host/settings_file.h"
+#include "host/settings/setting_table.h"
+#include "host/settings/settings_file.h"
 #include "program.h"
 
 namespace stopngo::test {

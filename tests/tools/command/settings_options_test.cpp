@@ -1,5 +1,5 @@
 // settings_options_test.cpp: which of options, file, sidecar and defaults a setting comes from.
-#include "command/settings_options.h"
+#include "command/options/settings_options.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "host/common/sha256.h"
-#include "host/settings.h"
-#include "host/sidecar.h"
+#include "host/settings/settings.h"
+#include "host/settings/sidecar.h"
 #include "support/failure_text.h"
 #include "support/temporary_folder.h"
 

@@ -10,8 +10,8 @@
 #include "base/output_file.h"
 #include "classify.h"
 #include "host/common/sha256.h"
-#include "host/sidecar.h"
-#include "host/weights_file.h"
+#include "host/settings/sidecar.h"
+#include "host/settings/weights_file.h"
 #include "program.h"
 #include "support/failure_text.h"
 

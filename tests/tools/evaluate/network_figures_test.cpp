@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "classify.h"
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo::test {
 namespace {

@@ -10,7 +10,7 @@
 #include "classify.h"
 #include "draw/canvas.h"
 #include "host/common/failure.h"
-#include "host/weights_file.h"
+#include "host/settings/weights_file.h"
 
 namespace stopngo::test {
 namespace {

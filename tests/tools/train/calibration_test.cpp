@@ -9,8 +9,8 @@
 
 #include "classify.h"
 #include "clips/clip.h"
-#include "host/settings.h"
-#include "host/weights_file.h"
+#include "host/settings/settings.h"
+#include "host/settings/weights_file.h"
 #include "support/temporary_folder.h"
 
 namespace stopngo::test {

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "base/random.h"
-#include "host/history.h"
-#include "host/module.h"
-#include "host/weights_file.h"
+#include "host/gates/history.h"
+#include "host/module/module.h"
+#include "host/settings/weights_file.h"
 #include "loss_checks.h"
 #include "train/history_tally.h"
 #include "train/trainer.h"

@@ -1,0 +1,20 @@
+// latency.cpp: how long the calls of write took.
+#include "command/report/latency.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace stopngo {
+
+void Latency::Add(double nanoseconds) { nanoseconds_.push_back(static_cast<float>(nanoseconds)); }
+
+double Latency::Percentile(double share) const {
+  if (nanoseconds_.empty()) return 0;
+  std::vector<float> sorted = nanoseconds_;
+  const auto rank = static_cast<std::size_t>(std::ceil(share * static_cast<double>(sorted.size())));
+  const auto nth = sorted.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(rank, 1) - 1);
+  std::nth_element(sorted.begin(), nth, sorted.end());
+  return *nth;
+}
+
+}  // namespace stopngo
