@@ -2,7 +2,6 @@
 // its work all the same, or the lack of memory is told as such, and nothing else happens.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <new>
 #include <optional>
@@ -18,41 +17,11 @@
 #include "host/settings/settings.h"
 #include "host/settings/settings_file.h"
 #include "host/settings/weights_file.h"
+#include "support/operator_new.h"
 #include "support/temporary_folder.h"
-
-namespace {
-
-/// Allocations until one fails, counted on this thread alone; below 0: none fails.
-thread_local long allocations_left = -1;
-
-void* Allocate(std::size_t size) {
-  if (allocations_left >= 0 && allocations_left-- == 0) throw std::bad_alloc();
-  void* const block = std::malloc(size > 0 ? size : 1);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(block); }
 
 namespace stopngo::test {
 namespace {
-
-/// While it lives, the n-th allocation from now on, counted from 0, fails.
-class FailingAllocation {
- public:
-  explicit FailingAllocation(long n) { allocations_left = n; }
-  ~FailingAllocation() { allocations_left = -1; }
-  FailingAllocation(const FailingAllocation&) = delete;
-  FailingAllocation& operator=(const FailingAllocation&) = delete;
-  [[nodiscard]] static bool Failed() { return allocations_left == -1; }
-};
 
 /// Does work, which gives what it came to as text, without each of its allocations in turn.
 void Sweep(const std::function<std::string()>& work) {

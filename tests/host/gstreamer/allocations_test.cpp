@@ -1,34 +1,9 @@
 // allocations_test.cpp: once frames flow, the element takes no memory of its own.
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <cstdlib>
-#include <new>
-#include <string>
-
 #include "pipe.h"
+#include "support/operator_new.h"
 #include "support/squares.h"
-
-namespace {
-
-/// Of this thread, which pushes frames through the element.
-thread_local long allocations = 0;
-
-void* Allocate(std::size_t size) {
-  ++allocations;
-  void* const block = std::malloc(size > 0 ? size : 1);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(block); }
 
 namespace stopngo::test {
 namespace {
@@ -46,10 +21,10 @@ TEST(ElementAllocations, NoneOnceFramesFlow) {
                                    gst_util_uint64_scale(GST_SECOND, static_cast<guint64>(i), 6), 16);
       pipe.Set("speed", "0");
       GstBuffer* const frame = buffer.release();
-      const long before = allocations;
+      const long before = Allocations();
       ASSERT_EQ(gst_harness_push(pipe.Harness(), frame), GST_FLOW_OK);
       if (i > 0) {
-        EXPECT_EQ(allocations, before) << format.Caps() << " frame " << i;
+        EXPECT_EQ(Allocations(), before) << format.Caps() << " frame " << i;
       }
       (void)pipe.Pull();
     }
