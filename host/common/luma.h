@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -48,6 +49,7 @@ struct LumaFrame {
   std::int64_t index = 0;  ///< frame number in the input, from 0
   double time_s = 0;       ///< seconds from the first frame of the input
   std::vector<std::uint8_t> pixels;
+  std::chrono::steady_clock::time_point read{};  ///< when it came from the input
 };
 
 /// The same in memory of somebody else.
@@ -68,6 +70,7 @@ struct FrameFormat {
   int width = 0;
   int height = 0;
   double fps = 0;  ///< frames a second that are handed over
+  bool operator==(const FrameFormat&) const = default;
 };
 
 }  // namespace stopngo

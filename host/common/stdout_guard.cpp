@@ -11,16 +11,15 @@
 namespace stopngo {
 namespace {
 
-std::mutex& Turns() {
-  static std::mutex turns;
-  return turns;
-}
+std::mutex turns;
 
 }  // namespace
 
+std::unique_lock<std::mutex> StdoutTurn() { return std::unique_lock(turns); }
+
 StdoutGuard::StdoutGuard(ModuleLines lines) {
   if (lines == ModuleLines::kNone) return;
-  turn_ = std::unique_lock(Turns());
+  turn_ = StdoutTurn();
   std::fflush(stdout);
   saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (saved_ < 0) return;

@@ -15,8 +15,11 @@ enum class ModuleLines {
   kKept,  ///< for Text
 };
 
+/// Held while a line is written to standard output: it waits for guards on other threads, and they for it.
+[[nodiscard]] std::unique_lock<std::mutex> StdoutTurn();
+
 /// Leads standard output elsewhere while it lives. Standard output is the whole program's: guards on
-/// other threads wait for each other, and results must not be written meanwhile.
+/// other threads wait for each other.
 class StdoutGuard {
  public:
   explicit StdoutGuard(ModuleLines lines);

@@ -26,10 +26,16 @@ std::atomic<int> first_signal{0};  // 0: none came
 std::atomic<bool> ends_early{false};
 std::atomic<bool> finishing{false};
 std::atomic<int> waits{0};
+std::atomic<bool> reloads{false};
+std::atomic<bool> reload_asked{false};
 std::array<std::atomic<const char*>, 12> unfinished{};  // null: free
 
 // Only what may be called while anything else is going on.
 void HandleSignal(int signal) {
+  if (signal == SIGHUP && reloads) {
+    reload_asked = true;
+    return;
+  }
   const int error = errno;
   int none = 0;
   const bool alarm_rang = signal == SIGALRM;
@@ -93,6 +99,16 @@ void EndsEarly::Finishing() {
   finishing = true;
   alarm(0);
 }
+
+// Under nohup as well, since it no longer ends anything.
+ReloadsAtHangup::ReloadsAtHangup() {
+  reloads = true;
+  Handle(SIGHUP);
+}
+
+ReloadsAtHangup::~ReloadsAtHangup() { reloads = false; }
+
+bool ReloadsAtHangup::TakeRequest() { return reload_asked.exchange(false); }
 
 SignalsWait::SignalsWait() { ++waits; }
 

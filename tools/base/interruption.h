@@ -46,6 +46,18 @@ class SignalsWait {
 /// The name of the signal that came, such as "SIGINT"; null when none did.
 [[nodiscard]] const char* InterruptingSignal();
 
+/// While one lives, SIGHUP ends nothing: it asks for settings to be read anew. One at a time.
+class ReloadsAtHangup {
+ public:
+  ReloadsAtHangup();
+  ~ReloadsAtHangup();
+  ReloadsAtHangup(const ReloadsAtHangup&) = delete;
+  ReloadsAtHangup& operator=(const ReloadsAtHangup&) = delete;
+
+  /// Whether that was asked for since the last call.
+  [[nodiscard]] static bool TakeRequest();
+};
+
 /// A file that a signal removes as long as the object lives. Of more than a dozen, the last are not known.
 class UnfinishedFile {
  public:

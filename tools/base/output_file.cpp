@@ -35,7 +35,8 @@ void FailWriting(const std::string& path, int error) {
   throw Failure(name + ": " + std::generic_category().message(error));
 }
 
-OutputFile::OutputFile(std::string path) : path_(std::move(path)), target_(BehindLinks(path_).string()) {
+OutputFile::OutputFile(std::string path, Lasts lasts)
+    : path_(std::move(path)), lasts_(lasts), target_(BehindLinks(path_).string()) {
   Open();
   if (file_->Number() < 0) FailWriting(path_, errno);
   buffer_.emplace(file_->Number());
@@ -89,7 +90,7 @@ void OutputFile::Flush() {
 /// Everything is on the disk, under the name beside.
 void OutputFile::Complete() {
   Flush();
-  if (beside_ && fsync(file_->Number()) != 0) FailWriting(path_, errno);
+  if (beside_ && lasts_ == Lasts::kForGood && fsync(file_->Number()) != 0) FailWriting(path_, errno);
 }
 
 void OutputFile::Close() {
@@ -131,7 +132,7 @@ void OutputFile::Settle() {
 
 /// The place is taken for good, also when the power fails next.
 void OutputFile::SyncFolder() const {
-  if (place_ == Place::kBeside) return;
+  if (place_ == Place::kBeside || lasts_ == Lasts::kUntilPowerFails) return;
   const Descriptor folder(open(FolderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // A folder may be one to write to and not to read.
   if (folder.Number() >= 0 && fsync(folder.Number()) != 0 && errno != EINVAL) FailWriting(path_, errno);
@@ -161,8 +162,8 @@ void CommitTogether(std::initializer_list<OutputFile*> files) {
   for (const OutputFile* const file : present) file->SyncFolder();
 }
 
-void WriteFile(const std::string& path, std::string_view bytes) {
-  OutputFile file(path);
+void WriteFile(const std::string& path, std::string_view bytes, OutputFile::Lasts lasts) {
+  OutputFile file(path, lasts);
   file.Stream().write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.Commit();
 }

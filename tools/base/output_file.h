@@ -30,8 +30,11 @@ void CommitTogether(std::initializer_list<OutputFile*> files);
 /// a pipe), or is open already ("-", /dev/stdout), is written in place.
 class OutputFile {
  public:
+  /// What a power cut may take is not worth wearing a memory card out for, where it is written anew each second.
+  enum class Lasts { kForGood, kUntilPowerFails };
+
   /// Throws as FailWriting when it cannot be written.
-  explicit OutputFile(std::string path);
+  explicit OutputFile(std::string path, Lasts lasts = Lasts::kForGood);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -57,6 +60,7 @@ class OutputFile {
   void SyncFolder() const;
 
   std::string path_;
+  Lasts lasts_;
   std::string target_;                    ///< the path, behind its links
   std::optional<UnfinishedFile> beside_;  ///< none: written in place
   std::optional<Descriptor> file_;
@@ -66,6 +70,7 @@ class OutputFile {
 };
 
 /// Writes a file, whole or not at all. Throws as FailWriting.
-void WriteFile(const std::string& path, std::string_view bytes);
+void WriteFile(const std::string& path, std::string_view bytes,
+               OutputFile::Lasts lasts = OutputFile::Lasts::kForGood);
 
 }  // namespace stopngo

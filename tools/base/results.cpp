@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/common/failure.h"
+#include "host/common/stdout_guard.h"
 #include "host/common/system_error.h"
 #include "host/common/text.h"
 
@@ -29,6 +30,7 @@ void OccupyClosedStreams() {
 }
 
 void WriteResult(std::string_view line) {
+  const auto turn = StdoutTurn();
   // On one terminal a progress bar may stand where the line is going to be.
   if (isatty(fileno(destination)) == 1 && isatty(STDERR_FILENO) == 1) std::fputs("\r\x1b[K", stderr);
   const std::string text = Escaped(line);

@@ -16,7 +16,7 @@ void OccupyClosedStreams();
 void GiveUpStandardOutput();
 
 /// Writes a line, escaped, and its newline at once, so that a reader at the other end of a pipe sees a decision
-/// when it falls. Throws as FailOutput.
+/// when it falls. From any thread. Throws as FailOutput.
 void WriteResult(std::string_view line);
 
 /// A JSON object as one line. Names of files and clips may hold bytes that are no UTF-8, which JSON has no

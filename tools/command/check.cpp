@@ -64,6 +64,7 @@ class CheckCommand : public Subcommand {
 
 CheckCommand::CheckCommand(CLI::App& app) : options_(app, settings_) {
   app.footer(kCheckFooter);
+  AddInput(app, source_.input);
   AddSourceOptions(app, source_);
   app.get_option("INPUT")->required(false);
   app.add_flag("--strict", strict_, "end with exit code 1 when there are warnings");

@@ -294,6 +294,7 @@ class RenderCommand : public Subcommand {
 
 RenderCommand::RenderCommand(CLI::App& app) : arguments_(app) {
   app.footer(kRenderFooter);
+  AddInput(app, arguments_.source.input);
   AddSourceOptions(app, arguments_.source);
   app.add_option("OUT", arguments_.output,
                  "video file (.mp4, .mkv, .y4m), - for Y4M on standard output, or a .png for a still picture "

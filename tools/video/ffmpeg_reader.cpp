@@ -6,22 +6,24 @@ extern "C" {
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
+#include <functional>
 #include <limits>
+#include <memory>
 #include <new>
 #include <optional>
+#include <thread>
 #include <utility>
 
-#include "base/interruption.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
-#include "video/announced_end.h"
 #include "video/announced_size.h"
 #include "video/ffmpeg.h"
+#include "video/ffmpeg_input.h"
 #include "video/ffmpeg_luma.h"
 #include "video/reader.h"
 #include "video/remark.h"
@@ -30,54 +32,7 @@ extern "C" {
 namespace stopngo {
 namespace {
 
-// FFmpeg takes the part of a name before a colon for a protocol, and "-" for a file.
-std::string UrlOf(const std::string& input) {
-  if (input == "-") return "pipe:0";
-  std::error_code ignored;
-  return std::filesystem::is_regular_file(input, ignored) ? "file:" + input : input;
-}
-
-const AVInputFormat* FormatOf(const SourceOptions& options) {
-  const bool camera = options.format.empty() && options.input.starts_with("/dev/video");
-  const std::string name = camera ? "v4l2" : options.format;
-  if (name.empty()) return nullptr;
-  RegisterDevices();
-  const AVInputFormat* const format = Ffmpeg().av_find_input_format(name.c_str());
-  if (format == nullptr)
-    throw Failure("--format: FFmpeg knows no input format '" + name + "'", ExitCode::kUsage);
-  return format;
-}
-
 std::string Seconds(double time_s) { return Print("%.2f s", time_s); }
-
-/// An input, and what its file says of its length before the library guesses.
-struct Opened {
-  FfmpegOwned<AVFormatContext> input;
-  AnnouncedEnd end;
-};
-
-Opened OpenInput(const SourceOptions& options) {
-  av_log_set_level(AV_LOG_QUIET);  // The one sentence of a Failure says what a user needs.
-  const AVInputFormat* const format = FormatOf(options);
-  AVDictionary* settings = nullptr;
-  // A camera has a size of its own choice unless it is asked; it answers with the nearest that it has.
-  if (options.original && format != nullptr && std::strcmp(format->name, "video4linux2,v4l2") == 0) {
-    av_dict_set(&settings, "video_size", "1920x1080", 0);
-  }
-  AVFormatContext* opened = Ffmpeg().avformat_alloc_context();
-  if (opened == nullptr) throw Failure(options.input + ": " + FfmpegError(AVERROR(ENOMEM)));
-  // The library goes on waiting for more of an input, signals or not, unless it is told.
-  opened->interrupt_callback.callback = [](void*) { return Interrupted() ? 1 : 0; };
-  const int error = Ffmpeg().avformat_open_input(&opened, UrlOf(options.input).c_str(), format, &settings);
-  av_dict_free(&settings);
-  FfmpegOwned<AVFormatContext> input(opened);
-  if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
-  AnnouncedEnd end(*input);
-  const int unknown = Ffmpeg().avformat_find_stream_info(input.get(), nullptr);
-  if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));
-  end.TakeWhole(*input);
-  return {std::move(input), std::move(end)};
-}
 
 // FFmpeg draws text files as a terminal would. Nobody points a camera at them.
 bool IsText(AVCodecID codec) {
@@ -93,7 +48,7 @@ Handle* Made(Handle* handle) {
 
 class FfmpegSource : public FrameSource {
  public:
-  explicit FfmpegSource(const SourceOptions& options) : FfmpegSource(options, OpenInput(options)) {}
+  explicit FfmpegSource(const SourceOptions& options) : FfmpegSource(options, OpenFfmpegInput(options)) {}
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
 
@@ -108,6 +63,7 @@ class FfmpegSource : public FrameSource {
     frame.time_s = Time();
     Look();
     TellJump(frame.time_s);
+    frame.read = std::chrono::steady_clock::now();
     luma_.Take(*frame_, frame.pixels);
     if (upside_down_) std::reverse(frame.pixels.begin(), frame.pixels.end());
     ++index_;
@@ -115,10 +71,12 @@ class FfmpegSource : public FrameSource {
   }
 
  private:
-  FfmpegSource(const SourceOptions& options, Opened opened)
+  FfmpegSource(const SourceOptions& options, FfmpegInput opened)
       : name_(options.input),
         remarks_(options.input, options.hear),
         luma_(options.input),
+        tap_(options.tap),
+        gives_up_(std::move(opened.gives_up)),
         input_(std::move(opened.input)),
         end_(std::move(opened.end)),
         packet_(Made(Ffmpeg().av_packet_alloc())),
@@ -129,17 +87,20 @@ class FfmpegSource : public FrameSource {
     if (found < 0) Fail("no video in it");
     stream_ = input_->streams[found];
     if (IsText(stream_->codecpar->codec_id)) Fail("no video in it, only text");
-    OpenDecoder(decoder);
+    OpenDecoder(decoder, options.live);
     Describe();
     TakeOrientation();
+    if (tap_ != nullptr) tap_->Stream(*stream_);
   }
 
   [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
 
-  void OpenDecoder(const AVCodec* decoder) {
+  void OpenDecoder(const AVCodec* decoder, bool live) {
     codec_.reset(Made(Ffmpeg().avcodec_alloc_context3(decoder)));
     int error = Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
     codec_->thread_count = 0;  // as many as there are processors
+    // Live, threads share a picture: those that take one each keep as many back.
+    if (live) codec_->thread_type = FF_THREAD_SLICE;
     if (error >= 0) error = Ffmpeg().avcodec_open2(codec_.get(), decoder, nullptr);
     if (error < 0) Fail("its video cannot be decoded: " + FfmpegError(error));
   }
@@ -193,7 +154,11 @@ class FfmpegSource : public FrameSource {
   void SendPacket() {
     for (;;) {
       const int read = Ffmpeg().av_read_frame(input_.get(), packet_.get());
-      if (read == AVERROR(EAGAIN) || read == AVERROR(EINTR)) continue;
+      if ((read == AVERROR(EAGAIN) || read == AVERROR(EINTR)) && !(*gives_up_)()) {
+        // A camera that has no picture yet.
+        if (read == AVERROR(EAGAIN)) std::this_thread::sleep_for(kBetweenLooks);
+        continue;
+      }
       if (read < 0) {
         EndReading(read);
         Ffmpeg().avcodec_send_packet(codec_.get(), nullptr);
@@ -203,7 +168,10 @@ class FfmpegSource : public FrameSource {
       FollowBytes();
       // An empty packet stands for a picture that a recorder left out, and would end the decoding.
       const bool wanted = packet_->stream_index == stream_->index && packet_->size > 0;
-      if (wanted) Send();
+      if (wanted) {
+        if (tap_ != nullptr) tap_->Packet(*packet_);
+        Send();
+      }
       Ffmpeg().av_packet_unref(packet_.get());
       if (wanted) return;
     }
@@ -322,11 +290,14 @@ class FfmpegSource : public FrameSource {
     double time_s;
     int followers = 0;
   };
+  static constexpr std::chrono::milliseconds kBetweenLooks{2};
   static constexpr std::int64_t kNoMore = std::numeric_limits<std::int64_t>::max();
 
   std::string name_;
   Remarks remarks_;
   LumaTaker luma_;
+  PacketTap* tap_;
+  std::unique_ptr<std::function<bool()>> gives_up_;  ///< asked by input_, too
   FfmpegOwned<AVFormatContext> input_;
   AnnouncedEnd end_;
   FfmpegOwned<AVCodecContext> codec_;

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "host/common/luma.h"
+#include "video/packet_tap.h"
 #include "video/remark.h"
 
 namespace stopngo {
@@ -27,6 +29,14 @@ struct SourceOptions {
   int raw_height = 0;
   double raw_fps = 25;
   RemarkHearer hear;  ///< of what the input is that it does not seem to be
+
+  // Of cameras and streams:
+  bool live = false;       ///< frames are wanted when they come: none is kept back to decode others faster
+  std::string asked_size;  ///< what a camera is asked for, such as "1280x720"; empty: its own choice
+  double asked_fps = 0;    ///< 0: its own choice
+  std::function<bool()>
+      gives_up;              ///< asked while the input is waited for, on the reading thread: true ends it
+  PacketTap* tap = nullptr;  ///< receives what comes in, before it is decoded; outlives the source
 };
 
 class FrameSource {

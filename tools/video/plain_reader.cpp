@@ -58,6 +58,7 @@ class PlainSource : public FrameSource {
     chroma_.resize(chroma_bytes_);
     ended_ = !BeginFrame() || !Read(frame.pixels) || !Read(chroma_);
     if (!ended_) ++index_;
+    frame.read = std::chrono::steady_clock::now();
     return !ended_;
   }
 

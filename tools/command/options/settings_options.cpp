@@ -56,8 +56,7 @@ CLI::Option* AddOption(CLI::App& app, Settings& settings, const Setting& setting
 }  // namespace
 
 SettingsOptions::SettingsOptions(CLI::App& app, Settings& settings)
-    : settings_(settings),
-      in_force_(settings, [this](const std::string& name) { return options_.at(name)->count() > 0; }) {
+    : settings_(settings), in_force_(settings, [this](const std::string& name) { return IsGiven(name); }) {
   app.add_option("--config", config_, "TOML file with any of the settings below; options win over it")
       ->type_name("FILE");
   for (const Setting& setting : SettingTable()) {
@@ -77,13 +76,24 @@ void SettingsOptions::CompleteWithoutWeights() {
   settings_.no_weights = false;
 }
 
+bool SettingsOptions::IsGiven(const std::string& name) const { return options_.at(name)->count() > 0; }
+
 void SettingsOptions::ReadConfiguration() {
+  given_ = settings_;
   if (!config_.empty()) in_force_.TakeFile(config_);
 }
 
 void SettingsOptions::Complete() {
   ReadConfiguration();
   in_force_.SettleWeights();
+}
+
+Setup SettingsOptions::ReadAnew() const {
+  Settings settings = given_;
+  SettingsInForce in_force(settings, [this](const std::string& name) { return IsGiven(name); });
+  if (!config_.empty()) in_force.TakeFile(config_);
+  in_force.SettleWeights();
+  return in_force.AsSetup();
 }
 
 Setup SettingsOptions::InForce() const { return in_force_.AsSetup(); }
@@ -96,7 +106,7 @@ Setup SettingsOptions::InForce(const SourceInfo& frames) const {
 }
 
 const char* SettingsOptions::OriginOf(const std::string& name) const {
-  if (options_.at(name)->count() > 0) return "option";
+  if (IsGiven(name)) return "option";
   if (in_force_.OfFile(name)) return "file";
   return in_force_.OfSidecar(name) ? "sidecar" : "default";
 }

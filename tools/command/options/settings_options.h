@@ -34,6 +34,8 @@ class SettingsOptions {
   /// frames that are handed over.
   [[nodiscard]] Setup InForce() const;
   [[nodiscard]] Setup InForce(const SourceInfo& frames) const;
+  /// Reads files, weights and sidecar once more, for what was given once. Throws Failure as Complete does.
+  [[nodiscard]] Setup ReadAnew() const;
   /// Where a setting came from: "option", "file", "sidecar" or "default".
   [[nodiscard]] const char* OriginOf(const std::string& name) const;
   /// Enters the files that the settings come from: configuration, weights and their sidecar.
@@ -41,8 +43,10 @@ class SettingsOptions {
 
  private:
   void ReadConfiguration();
+  [[nodiscard]] bool IsGiven(const std::string& name) const;
 
   Settings& settings_;
+  Settings given_;  ///< before anything was read
   /// By the names of their settings: the parser's own look-up ends the program when memory is short.
   std::map<std::string, CLI::Option*> options_;
   std::string config_;

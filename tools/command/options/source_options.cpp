@@ -19,6 +19,11 @@
 namespace stopngo {
 namespace {
 
+constexpr const char* kInputHelp =
+    "video file, image sequence (such as img%04d.png), camera (such as /dev/video0), address of a stream "
+    "(such as "
+    "rtsp://camera/street), or - for Y4M on standard input";
+
 void TakeRawSize(const std::string& text, SourceOptions& options) {
   const std::optional<FrameSize> size = SizeOf(text);
   if (!size || size->width < 1 || size->height < 1) {
@@ -44,13 +49,15 @@ bool IsOfSequence(std::string_view name, std::string_view pattern) {
 
 }  // namespace
 
+void AddInput(CLI::App& app, std::string& input) {
+  app.add_option("INPUT", input, kInputHelp)->required()->type_name("FILE");
+}
+
+void AddInput(CLI::App& app, std::vector<std::string>& inputs) {
+  app.add_option("INPUT", inputs, kInputHelp)->required()->type_name("FILE");
+}
+
 void AddSourceOptions(CLI::App& app, SourceOptions& options) {
-  app.add_option(
-         "INPUT", options.input,
-         "video file, image sequence (such as img%04d.png), camera (such as /dev/video0), or - for Y4M on "
-         "standard input")
-      ->required()
-      ->type_name("FILE");
   app.add_option("--format", options.format, "FFmpeg's name of the input's format, such as v4l2 or lavfi")
       ->type_name("NAME");
   app.add_flag("--original", options.original, "hand 1920x1080 and 1280x720 frames over as they are");

@@ -1,6 +1,9 @@
 // source_options.h: the options of every subcommand that reads frames.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "base/file_register.h"
 #include "host/settings/settings.h"
 #include "video/damage.h"
@@ -12,7 +15,11 @@ class App;
 
 namespace stopngo {
 
-/// Adds INPUT, --format, --original, --raw and --raw-fps.
+/// Adds INPUT; or, of at least one, all there are.
+void AddInput(CLI::App& app, std::string& input);
+void AddInput(CLI::App& app, std::vector<std::string>& inputs);
+
+/// Adds --format, --original, --raw and --raw-fps.
 void AddSourceOptions(CLI::App& app, SourceOptions& options);
 
 /// The option of every subcommand that reads recordings.

@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "base/results.h"
 #include "host/common/text.h"
 
 namespace stopngo {
@@ -44,7 +43,7 @@ void GateReport::Add(const FrameReport& frame, const FrameReport& alone) {
 void GateReport::TellGate(const FrameReport& frame, std::size_t gate) const {
   const char* const reason = frame.closed.at(gate);
   const char* const name = kGateNames.at(gate);
-  if (json_) {
+  if (telling_.json) {
     // The picture's state matters to more than alarms.
     Json line{{"type", gate == kPictureGate ? "health" : "gate"},
               {"frame", frame.index},
@@ -52,36 +51,36 @@ void GateReport::TellGate(const FrameReport& frame, std::size_t gate) const {
               {"gate", name},
               {"state", reason != nullptr ? "closed" : "open"}};
     if (reason != nullptr) line["reason"] = reason;
-    WriteResult(JsonLine(line));
+    telling_.Object(line);
   } else if (gate == kPictureGate) {
-    WriteResult(Place(frame) + (reason != nullptr ? reason : "picture back"));
+    telling_.Line(Place(frame) + (reason != nullptr ? reason : "picture back"));
   } else {
-    WriteResult(Place(frame) + "gate " + name +
-                (reason != nullptr ? std::string(" closed: ") + reason : " open"));
+    telling_.Line(Place(frame) + "gate " + name +
+                  (reason != nullptr ? std::string(" closed: ") + reason : " open"));
   }
 }
 
 void GateReport::TellAlone(const FrameReport& frame, bool held_back) const {
   const std::string by = held_back ? ClosedText(closed_) : std::string();
-  if (!json_) {
-    WriteResult(Place(frame) + "the module alone: alarm" + (held_back ? ", held back by " + by : ""));
+  if (!telling_.json) {
+    telling_.Line(Place(frame) + "the module alone: alarm" + (held_back ? ", held back by " + by : ""));
     return;
   }
   Json line{{"type", "alone"}, {"frame", frame.index}, {"time", frame.time_s}};
   if (held_back) line["held_back_by"] = by;
-  WriteResult(JsonLine(line));
+  telling_.Object(line);
 }
 
 void GateReport::Summarize() const {
   for (std::size_t gate = 0; gate < kGateCount; ++gate) {
     if ((gates_ >> gate & 1) == 0) continue;
     const Counts& counts = counts_.at(gate);
-    WriteResult(Print("gate %s: closed %lld times, %lld frames, in the way of %lld alarms",
-                      kGateNames.at(gate), static_cast<long long>(counts.closed),
-                      static_cast<long long>(counts.frames), static_cast<long long>(counts.held_back)));
+    telling_.Line(Print("gate %s: closed %lld times, %lld frames, in the way of %lld alarms",
+                        kGateNames.at(gate), static_cast<long long>(counts.closed),
+                        static_cast<long long>(counts.frames), static_cast<long long>(counts.held_back)));
   }
-  WriteResult(Print("the module alone: %lld alarms, %lld of them held back",
-                    static_cast<long long>(alarms_alone_), static_cast<long long>(held_back_)));
+  telling_.Line(Print("the module alone: %lld alarms, %lld of them held back",
+                      static_cast<long long>(alarms_alone_), static_cast<long long>(held_back_)));
 }
 
 void GateReport::AddTo(Json& summary) const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 
+#include "command/report/telling.h"
 #include "host/detector.h"
 
 namespace stopngo {
@@ -14,7 +15,9 @@ namespace stopngo {
 class GateReport {
  public:
   /// gates: those that there are, a bit each (host/gates/gate.h).
-  GateReport(int gates, bool json) : gates_(gates), json_(json) {}
+  GateReport(const Telling& telling, int gates) : telling_(telling), gates_(gates) {}
+  /// Other gates are there from now on; of those that were the summary tells, too.
+  void Follow(int gates) { gates_ |= gates; }
   /// Throws Failure when standard output cannot be written.
   void Add(const FrameReport& frame, const FrameReport& alone);
   /// What comes behind a run's summary as lines to read, and into it as JSON.
@@ -31,8 +34,8 @@ class GateReport {
   void TellGate(const FrameReport& frame, std::size_t gate) const;
   void TellAlone(const FrameReport& frame, bool held_back) const;
 
+  Telling telling_;
   int gates_;
-  bool json_;
   ClosedGates closed_{};
   std::array<Counts, kGateCount> counts_{};
   std::int64_t alarms_alone_ = 0;

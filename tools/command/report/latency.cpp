@@ -6,7 +6,14 @@
 
 namespace stopngo {
 
-void Latency::Add(double nanoseconds) { nanoseconds_.push_back(static_cast<float>(nanoseconds)); }
+void Latency::Add(double nanoseconds) {
+  if (nanoseconds_.size() < kept_) {
+    nanoseconds_.push_back(static_cast<float>(nanoseconds));
+    return;
+  }
+  nanoseconds_[next_] = static_cast<float>(nanoseconds);
+  next_ = (next_ + 1) % kept_;
+}
 
 double Latency::Percentile(double share) const {
   if (nanoseconds_.empty()) return 0;

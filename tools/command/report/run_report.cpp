@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "base/results.h"
 #include "host/common/text.h"
 
 namespace stopngo {
@@ -26,6 +25,11 @@ long long Printable(std::int64_t number) { return number; }
 
 }  // namespace
 
+void RunReport::Follow(int gates) {
+  if (gates_) gates_->Follow(gates);
+  if (!gates_ && gates != 0) gates_.emplace(telling_, gates);
+}
+
 void RunReport::Add(const FrameReport& frame, const FrameReport& alone) {
   ++frames_;
   decided_ += frame.decided ? 1 : 0;
@@ -41,21 +45,21 @@ void RunReport::Add(const FrameReport& frame, const FrameReport& alone) {
 
 void RunReport::TellChange(const FrameReport& frame) const {
   const char* const name = kDecisionNames.at(static_cast<std::size_t>(frame.decision));
-  if (json_) {
+  if (telling_.json) {
     const Json line = {{"type", "decision"},
                        {"frame", frame.index},
                        {"time", frame.time_s},
                        {"decision", frame.decision},
                        {"name", name}};
-    WriteResult(JsonLine(line));
+    telling_.Object(line);
   } else {
-    WriteResult(Print("%10.3f s  frame %6lld  decision %d (%s)", frame.time_s, Printable(frame.index),
-                      frame.decision, name));
+    telling_.Line(Print("%10.3f s  frame %6lld  decision %d (%s)", frame.time_s, Printable(frame.index),
+                        frame.decision, name));
   }
 }
 
 void RunReport::Summarize(const char* cut_short, const std::string& damage) const {
-  if (json_) {
+  if (telling_.json) {
     Json line = {{"type", "summary"}, {"frames", frames_}, {"decided", decided_}, {"analysed", analysed_}};
     for (std::size_t i = 0; i < kinds_.size(); ++i) {
       line["changes"][kDecisionNames.at(i)] = kinds_.at(i).changes;
@@ -67,22 +71,23 @@ void RunReport::Summarize(const char* cut_short, const std::string& damage) cons
     if (gates_) gates_->AddTo(line);
     if (cut_short != nullptr) line["cut_short"] = cut_short;
     if (!damage.empty()) line["damaged"] = damage;
-    WriteResult(JsonLine(line));
+    telling_.Object(line);
     return;
   }
-  if (cut_short != nullptr) WriteResult(Print("cut short by %s", cut_short));
-  WriteResult(Print("%lld frames, %lld decided, %lld analysed", Printable(frames_), Printable(decided_),
-                    Printable(analysed_)));
+  if (cut_short != nullptr) telling_.Line(Print("cut short by %s", cut_short));
+  telling_.Line(Print("%lld frames, %lld decided, %lld analysed", Printable(frames_), Printable(decided_),
+                      Printable(analysed_)));
   for (std::size_t i = 0; i < kinds_.size(); ++i) {
-    WriteResult(Print("decision %d (%s): reported %lld times, %lld frames", static_cast<int>(i),
-                      kDecisionNames.at(i), Printable(kinds_.at(i).changes), Printable(kinds_.at(i).frames)));
+    telling_.Line(Print("decision %d (%s): reported %lld times, %lld frames", static_cast<int>(i),
+                        kDecisionNames.at(i), Printable(kinds_.at(i).changes),
+                        Printable(kinds_.at(i).frames)));
   }
   if (gates_) gates_->Summarize();
   std::string times = "time of a write:";
   for (const Quantile& quantile : kQuantiles) {
     times += Print(" %s %.1f us", quantile.name, latency_.Percentile(quantile.share) / 1000);
   }
-  WriteResult(times);
+  telling_.Line(times);
 }
 
 }  // namespace stopngo

@@ -7,6 +7,7 @@
 
 #include "command/report/gate_report.h"
 #include "command/report/latency.h"
+#include "command/report/telling.h"
 #include "host/detector.h"
 
 namespace stopngo {
@@ -14,10 +15,12 @@ namespace stopngo {
 /// Tells decision changes as they come and counts for the summary, both on standard output.
 class RunReport {
  public:
-  /// json: JSON Lines instead of lines to read. gates: as GateReport has them; 0: nothing is told of any.
-  RunReport(bool json, int gates) : json_(json) {
-    if (gates != 0) gates_.emplace(gates, json);
+  /// gates: as GateReport has them; 0: nothing is told of any.
+  RunReport(const Telling& telling, int gates) : telling_(telling) {
+    if (gates != 0) gates_.emplace(telling, gates);
   }
+  /// Other gates are there from now on.
+  void Follow(int gates);
   /// Throws Failure when standard output cannot be written.
   /// alone: of the module without gates, where there are any.
   void Add(const FrameReport& frame, const FrameReport& alone);
@@ -32,7 +35,7 @@ class RunReport {
 
   void TellChange(const FrameReport& frame) const;
 
-  bool json_;
+  Telling telling_;
   std::int64_t frames_ = 0;
   std::int64_t decided_ = 0;
   std::int64_t analysed_ = 0;

@@ -1,0 +1,172 @@
+// live_test.cpp: stopngo run on inputs that do not wait, and on several at once.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "program.h"
+#include "support/failure_text.h"
+#include "support/squares.h"
+
+namespace stopngo::test {
+namespace {
+
+std::string RawVideo(int frames) {
+  std::string video;
+  for (int i = 0; i < frames; ++i) video += Squares(800, 480, i, 2 * i);
+  return video;
+}
+
+constexpr const char* kRaw = " --raw 800x480 --rate 0 ";
+
+/// A camera of raw luma, which a shell plays: $camera is its pipe, $three a file of three frames, $status the status.
+class LiveTest : public testing::Test {
+ protected:
+  LiveTest() {
+    (void)folder_.File("three", RawVideo(3));
+    prelude_ = "cd " + folder_ / "" +
+               "; mkfifo camera; until_status() { for i in $(seq 1000); do grep -q \"$1\" "
+               "status && return; sleep 0.02; done; }; " STOPNGO_PROGRAM
+               " run camera --live --status status" +
+               std::string(kRaw);
+  }
+
+  /// options: of the run. play: what happens to the camera meanwhile, and what is done about the run, which is $!.
+  CommandResult Play(const std::string& options, const std::string& play) {
+    return Shell(prelude_ + options + " & " + play + "; wait $!; echo code $?");
+  }
+
+  [[nodiscard]] nlohmann::json Status() const {
+    return nlohmann::json::parse(ReadFile(folder_ / "status")).at("inputs").at(0);
+  }
+
+  TemporaryFolder folder_;
+  std::string prelude_;
+};
+
+// The pipe has a reader besides, so that what is written while the camera is closed waits for it.
+TEST_F(LiveTest, ACameraThatStallsIsOpenedAnewAndTold) {
+  const CommandResult result =
+      Play("--no-weights --silence 0.5 --json",
+           "exec 3<>camera; cat three >&3; until_status '\"troubles\":1'; cat three >&3; "
+           "until_status '\"frames\":6'; kill -TERM $!");
+  ExpectWords(result.out, {"code 143", "\"cut_short\":\"SIGTERM\"", "\"when\":\"20"});
+  ExpectWords(result.err,
+              {"camera: no frame for 0.5 s; opened anew in 0.5 s\n", "800 x 480: opened again\n"});
+  const nlohmann::json status = Status();
+  EXPECT_EQ(status.at("input"), "camera");
+  EXPECT_EQ(status.at("state"), "ended");
+  EXPECT_EQ(status.at("frames"), 6);
+  EXPECT_EQ(status.at("handed_over").get<int>() + status.at("dropped").get<int>(), 6);
+  EXPECT_GE(status.at("reconnects"), 1);
+  EXPECT_GT(status.at("age_ms").at("largest"), 0);
+  EXPECT_EQ(ReadFile(folder_ / "status").find('\n'), ReadFile(folder_ / "status").size() - 1) << "one line";
+}
+
+TEST_F(LiveTest, SettingsAreReadAnewAndBadOnesChangeNothing) {
+  (void)folder_.File("car.toml", "no-weights = true\nthreshold = 0.9\n");
+  (void)folder_.File("next.toml", "no-weights = true\nthreshold = 0.1\ntime-leaving = 0\n");
+  (void)folder_.File("bad.toml", "threshold = \"high\"\n");
+  const std::string three = "cat three >&3; ";
+  const CommandResult result =
+      Play("--config car.toml --log 1",
+           "exec 3>camera; " + three +
+               "until_status '\"frames\":3'; cp bad.toml car.toml; kill -HUP $!; sleep 0.3; " + three +
+               "until_status '\"frames\":6'; cp next.toml car.toml; kill -HUP $!; sleep 0.3; " + three +
+               "until_status '\"frames\":9'; kill -INT $!");
+  ExpectWords(result.out, {"code 130", "cut short by SIGINT", "(alarm): reported 1 times"});
+  ExpectWords(result.err, {"SIGHUP: the old settings go on: ", "car.toml", "threshold",
+                           "camera: goes on with the settings as they are now"});
+}
+
+/// What systemd would listen at.
+class Listener {
+ public:
+  explicit Listener(const std::string& path) : socket_(socket(AF_UNIX, SOCK_DGRAM, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+  ~Listener() { close(socket_); }
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  [[nodiscard]] std::vector<std::string> Heard() const {
+    std::vector<std::string> lines;
+    std::array<char, 4096> text{};
+    for (;;) {
+      const ssize_t count = recv(socket_, text.data(), text.size(), MSG_DONTWAIT);
+      if (count < 0) return lines;
+      lines.emplace_back(text.data(), static_cast<std::size_t>(count));
+    }
+  }
+
+ private:
+  int socket_;
+};
+
+TEST_F(LiveTest, TheServiceManagerHearsThatItLives) {
+  const Listener listener(folder_ / "notify");
+  prelude_ = "export WATCHDOG_USEC=5000000 NOTIFY_SOCKET=" + folder_ / "notify" + "; " + prelude_;
+  const CommandResult result =
+      Play("--no-weights", "exec 3>camera; cat three >&3; until_status '\"frames\":3'; kill -INT $!");
+  ExpectWords(result.out, {"code 130"});
+  const std::vector<std::string> heard = listener.Heard();
+  ASSERT_GE(heard.size(), 4U);
+  EXPECT_EQ(heard.front(), "READY=1");
+  EXPECT_EQ(heard.back(), "STOPPING=1");
+  EXPECT_GE(std::count(heard.begin(), heard.end(), "WATCHDOG=1"), 1);
+  EXPECT_GE(std::count(heard.begin(), heard.end(), "STATUS=camera: running, decision none"), 1);
+}
+
+// A camera that is not there yet is waited for; one that is asked for what there is not ends the run.
+TEST_F(LiveTest, WhatCannotBeOpenedIsTriedAsOftenAsWanted) {
+  const CommandResult tried = Stopngo("run gone.raw --live --raw 800x480 --no-weights --retries 1");
+  EXPECT_EQ(tried.exit_code, 1);
+  EXPECT_EQ(tried.err,
+            "stopngo: gone.raw: No such file or directory; opened anew in 0.5 s\n"
+            "stopngo: gone.raw: No such file or directory\n");
+  ExpectRefusal(Stopngo("run gone.raw --live --raw 800x480 --weights gone.bin"), 1, {"gone.bin"});
+}
+
+TEST(SeveralInputsTest, EachIsTheSameAsAloneAndABadOneStopsOnlyItself) {
+  const TemporaryFolder folder;
+  const std::string a = folder.File("a.raw", RawVideo(12));
+  const std::string b = folder.File("b.raw", RawVideo(7));
+  const std::string options = std::string(kRaw) + "--no-weights --json ";
+  const auto told_of = [](const std::string& out, const std::string& input) {
+    std::vector<std::string> lines;
+    std::istringstream stream(out);
+    for (std::string line; std::getline(stream, line);) {
+      nlohmann::json object = nlohmann::json::parse(line);
+      if (object.contains("input") && object.at("input") != input) continue;
+      object.erase("input");
+      object.erase("write_ns");
+      lines.push_back(object.dump());
+    }
+    return lines;
+  };
+  const CommandResult both = Stopngo("run " + a + " " + b + options);
+  EXPECT_EQ(both.exit_code, 0) << both.err;
+  for (const std::string& input : {a, b}) {
+    const std::vector<std::string> alone = told_of(Stopngo("run " + input + options).out, input);
+    EXPECT_FALSE(alone.empty());
+    EXPECT_EQ(told_of(both.out, input), alone);
+  }
+  const CommandResult bad = Stopngo("run " + folder / "gone.raw" + " " + a + options + "--jobs 1");
+  EXPECT_EQ(bad.exit_code, 1);
+  ExpectWords(bad.err, {"gone.raw: No such file", "stopngo: 1 of 2 inputs failed\n"});
+  EXPECT_EQ(told_of(bad.out, a), told_of(both.out, a));
+}
+
+}  // namespace
+}  // namespace stopngo::test

@@ -1,0 +1,62 @@
+// live_options.cpp: the options of stopngo run for inputs that do not wait, and for what is to happen at an alarm.
+#include "command/run/live_options.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <optional>
+
+#include "host/common/luma.h"
+#include "host/common/text.h"
+
+namespace stopngo {
+namespace {
+
+constexpr const char* kGroup = "Live inputs";
+
+void TakeSize(const std::string& text, SourceOptions& source) {
+  const std::optional<FrameSize> size = SizeOf(text);
+  if (!size || !IsUsableSize(*size)) {
+    throw CLI::ValidationError("--size", Quoted(text) + " is no size such as 1280x720");
+  }
+  source.asked_size = text;
+}
+
+}  // namespace
+
+void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) {
+  app.add_flag(
+         "--live", options.live,
+         "take every input as it comes, the newest frame first, a recording at its own pace; cameras and "
+         "streams are taken so anyway")
+      ->group(kGroup);
+  app.add_option_function<std::string>(
+         "--size", [&source](const std::string& text) { TakeSize(text, source); },
+         "what a camera is asked for: its frames' size")
+      ->type_name("WxH")
+      ->group(kGroup);
+  app.add_option("--fps", source.asked_fps, "what a camera is asked for: frames a second")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(0.1, 1000.0))
+      ->group(kGroup);
+  app.add_option("--silence", options.limits.silence_s,
+                 "seconds without a frame after which a live input is opened anew")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, 3600.0))
+      ->capture_default_str()
+      ->group(kGroup);
+  app.add_option(
+         "--retries", options.limits.retries,
+         "how often in a row a live input that fails is opened anew, after half a second, a whole one, up to "
+         "30; without it for ever")
+      ->type_name("N")
+      ->check(CLI::NonNegativeNumber)
+      ->group(kGroup);
+  app.add_option(
+         "--status", options.status,
+         "file that tells each second how the inputs do, as a line of JSON, replaced as a whole; or - for "
+         "lines on standard output")
+      ->type_name("FILE")
+      ->group(kGroup);
+}
+
+}  // namespace stopngo

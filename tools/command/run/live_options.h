@@ -1,0 +1,25 @@
+// live_options.h: the options of stopngo run for inputs that do not wait, and for what is to happen at an alarm.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "live/live_input.h"
+#include "video/frame_source.h"
+
+namespace CLI {
+class App;
+}
+
+namespace stopngo {
+
+struct LiveOptions {
+  bool live = false;  ///< every input is taken for live
+  LiveLimits limits;
+  std::string status;  ///< a file, or "-"; empty: none
+};
+
+/// size and rate go to what is asked of a camera.
+void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source);
+
+}  // namespace stopngo
