@@ -13,6 +13,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/weights/default.bin ${PROJECT_SOURCE_DIR}/we
   ${PROJECT_SOURCE_DIR}/weights/history.bin ${PROJECT_SOURCE_DIR}/weights/history.bin.json
   DESTINATION ${weights_dir} COMPONENT command)
 if(STOPNGO_BUILD_TOOLS)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/metrics.jq DESTINATION ${weights_dir} COMPONENT command)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/stopngo@.service DESTINATION lib/systemd/system COMPONENT command)
   install(TARGETS stopngo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
   if(TARGET gstzetstopngo)
     install(TARGETS gstzetstopngo LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/gstreamer-1.0 COMPONENT element)

@@ -91,6 +91,10 @@ void LiveInput::TellSilence() {
   told_silence_ = silent;
 }
 
+double LiveInput::Patience_s() const {
+  return opening_ ? std::max(limits_.silence_s, limits_.opening_s) : limits_.silence_s;
+}
+
 bool LiveInput::Silent() const { return waiting_ && SecondsSince(last_heard_) > limits_.silence_s; }
 
 void LiveInput::WakeReader() { pthread_kill(thread_.native_handle(), kWakes); }
@@ -109,7 +113,7 @@ void LiveInput::Run() {
         if (failure.Code() == ExitCode::kUsage) throw;
         if (ending_) break;
         if (opens_anew_.exchange(false)) continue;
-        trouble = Silent() ? Print("nothing came for %.3g s", limits_.silence_s) : failure.what();
+        trouble = Silent() ? Print("nothing came for %.3g s", Patience_s()) : failure.what();
       }
       if (!TryAgain(trouble)) break;
     }
@@ -150,6 +154,7 @@ void LiveInput::WaitFor(SteadyTime time) {
 // From the opening to the end, or to trouble.
 void LiveInput::Connect() {
   Heard();
+  opening_ = true;
   waiting_ = true;
   const bool first = !connected_before_;
   const std::unique_ptr<FrameSource> source =
@@ -161,6 +166,8 @@ void LiveInput::Connect() {
     figures_.reconnects += first ? 0 : 1;
   }
   connected_before_ = true;
+  Heard();
+  opening_ = false;
   Read(*source);
 }
 

@@ -18,7 +18,8 @@ namespace stopngo {
 using SteadyTime = std::chrono::steady_clock::time_point;
 
 struct LiveLimits {
-  double silence_s = 5;  ///< without a frame, after which the input is opened anew
+  double silence_s = 5;   ///< without a frame, after which the input is opened anew
+  double opening_s = 15;  ///< that opening may take, if that is longer: streams are looked at for a while
   bool reopens =
       true;          ///< false: it cannot be opened twice, as standard input; silence is said and waited out
   int retries = -1;  ///< how often that is tried in a row; below 0: for ever
@@ -76,6 +77,7 @@ class LiveInput {
   void WaitFor(SteadyTime time);
   void Hear(const Remark& remark, bool first);
   void WakeReader();
+  [[nodiscard]] double Patience_s() const;
   [[nodiscard]] bool Silent() const;
   void TellSilence();
   [[nodiscard]] bool GivesUp() const { return ending_ || opens_anew_ || (limits_.reopens && Silent()); }
@@ -95,7 +97,8 @@ class LiveInput {
 
   std::atomic<bool> ending_{false};
   std::atomic<bool> opens_anew_{false};
-  std::atomic<bool> reading_{true};   ///< the thread goes on
+  std::atomic<bool> reading_{true};  ///< the thread goes on
+  std::atomic<bool> opening_{false};
   std::atomic<bool> waiting_{false};  ///< for the input, which may be silent for too long
   std::atomic<SteadyTime> last_heard_;
 
