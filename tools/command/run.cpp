@@ -27,6 +27,7 @@
 #include "command/subcommand.h"
 #include "host/common/failure.h"
 #include "host/settings/settings.h"
+#include "live/command_line.h"
 #include "overlay/debug_picture.h"
 
 namespace stopngo {
@@ -65,6 +66,7 @@ class RunCommand : public Subcommand {
   SettingsOptions options_;
   std::vector<std::string> inputs_;
   std::string trace_;
+  std::vector<std::string> on_alarm_;  ///< the command's words
   int jobs_ = HardwareJobs();
   std::atomic<std::size_t> failed_{0};  ///< inputs, of several
 };
@@ -92,6 +94,10 @@ void RunCommand::Complete() {
                       std::string(": is of one input, and there are ") + std::to_string(inputs_.size()),
                   ExitCode::kUsage);
   }
+  if (!plan_.live.on_alarm.empty()) {
+    on_alarm_ = CommandWords("--on-alarm", plan_.live.on_alarm);
+    RequireProgram("--on-alarm", on_alarm_.front());
+  }
   FileRegister files;
   options_.EnterFiles(files);
   for (const std::string& input : inputs_) EnterInput(files, input);
@@ -102,13 +108,18 @@ void RunCommand::Complete() {
 
 void RunCommand::Run() {
   const Module module;
+  std::optional<AlarmCommand> on_alarm;
+  if (!on_alarm_.empty()) {
+    on_alarm.emplace(on_alarm_, plan_.live.on_alarm_jobs, plan_.live.on_alarm_limit_s);
+    plan_.on_alarm = &*on_alarm;
+  }
   plan_.several ? RunSeveral(module) : RunOne(module);
 }
 
 std::unique_ptr<Monitor> RunCommand::Watch(const InputRuns& runs) const {
   const bool live = std::ranges::any_of(runs, [](const auto& run) { return run->IsLive(); });
   if (!live && plan_.live.status.empty()) return nullptr;
-  return std::make_unique<Monitor>(runs, options_, plan_.live.status, live);
+  return std::make_unique<Monitor>(runs, plan_, live);
 }
 
 void RunCommand::RunOne(const Module& module) {

@@ -94,6 +94,20 @@ TEST_F(Formats, OfRecordingsAreDocumented) {
   more = Columns(ReadFile(trace));
   for (const std::string& column : Documented("## Trace")) more.erase(column);
   EXPECT_EQ(more, Documented("### Columns of gates"));
+  // The clip twice, live, beside itself; the alarm's command reads what it is told.
+  const std::string alarm = folder_ / "alarm";
+  const std::string live =
+      " --gates none --live --status " + folder_ / "status" + " --on-alarm 'tee " + alarm + "' ";
+  const CommandResult twice = Stopngo("run " + clip + " " + clip + live + run);
+  ASSERT_EQ(twice.exit_code, 0) << twice.err;
+  more = KeysOf(twice.out);
+  for (const std::string& key : Documented("### run")) more.erase(key);
+  EXPECT_EQ(more, Documented("#### Live, and of several inputs"));
+  EXPECT_EQ(KeysOf(ReadFile(alarm)), Documented("#### Alarm"));
+  Names status = Documented("#### Status");
+  status.erase("inputs[].last_alarm");
+  for (const std::string& key : Documented("#### Alarm")) status.insert("inputs[].last_alarm." + key);
+  EXPECT_EQ(KeysOf(ReadFile(folder_ / "status")), status);
   const CommandResult render =
       Stopngo("render " + cut + " " + folder_ / "seen.y4m" + run + "--still " + folder_ / "still.png");
   EXPECT_EQ(Both(KeysOf(render.out), broken_off), Documented("### render"));

@@ -27,13 +27,15 @@ std::string RawVideo(int frames) {
 
 constexpr const char* kRaw = " --raw 800x480 --rate 0 ";
 
-/// A camera of raw luma, which a shell plays: $camera is its pipe, $three a file of three frames, $status the status.
+/// A camera of raw luma, which a shell plays: `camera` is its pipe, `three` a function that sends three frames through
+/// it, slowly enough for each to be taken, `status` the status.
 class LiveTest : public testing::Test {
  protected:
   LiveTest() {
-    (void)folder_.File("three", RawVideo(3));
+    for (int i = 0; i < 3; ++i) (void)folder_.File("frame" + std::to_string(i), Squares(800, 480, i, 2 * i));
     prelude_ = "cd " + folder_ / "" +
-               "; mkfifo camera; until_status() { for i in $(seq 1000); do grep -q \"$1\" "
+               "; mkfifo camera; three() { for i in 0 1 2; do cat frame$i >&3; sleep 0.1; done; }; "
+               "until_status() { for i in $(seq 1000); do grep -q \"$1\" "
                "status && return; sleep 0.02; done; }; " STOPNGO_PROGRAM
                " run camera --live --status status" +
                std::string(kRaw);
@@ -54,10 +56,9 @@ class LiveTest : public testing::Test {
 
 // The pipe has a reader besides, so that what is written while the camera is closed waits for it.
 TEST_F(LiveTest, ACameraThatStallsIsOpenedAnewAndTold) {
-  const CommandResult result =
-      Play("--no-weights --silence 0.5 --json",
-           "exec 3<>camera; cat three >&3; until_status '\"troubles\":1'; cat three >&3; "
-           "until_status '\"frames\":6'; kill -TERM $!");
+  const CommandResult result = Play("--no-weights --silence 0.5 --json",
+                                    "exec 3<>camera; three; until_status '\"troubles\":1'; three; "
+                                    "until_status '\"frames\":6'; kill -TERM $!");
   ExpectWords(result.out, {"code 143", "\"cut_short\":\"SIGTERM\"", "\"when\":\"20"});
   ExpectWords(result.err,
               {"camera: no frame for 0.5 s; opened anew in 0.5 s\n", "800 x 480: opened again\n"});
@@ -75,16 +76,31 @@ TEST_F(LiveTest, SettingsAreReadAnewAndBadOnesChangeNothing) {
   (void)folder_.File("car.toml", "no-weights = true\nthreshold = 0.9\n");
   (void)folder_.File("next.toml", "no-weights = true\nthreshold = 0.1\ntime-leaving = 0\n");
   (void)folder_.File("bad.toml", "threshold = \"high\"\n");
-  const std::string three = "cat three >&3; ";
   const CommandResult result =
       Play("--config car.toml --log 1",
-           "exec 3>camera; " + three +
-               "until_status '\"frames\":3'; cp bad.toml car.toml; kill -HUP $!; sleep 0.3; " + three +
-               "until_status '\"frames\":6'; cp next.toml car.toml; kill -HUP $!; sleep 0.3; " + three +
-               "until_status '\"frames\":9'; kill -INT $!");
+           "exec 3>camera; three; "
+           "until_status '\"frames\":3'; cp bad.toml car.toml; kill -HUP $!; sleep 0.3; three; "
+           "until_status '\"frames\":6'; cp next.toml car.toml; kill -HUP $!; sleep 0.3; three; "
+           "until_status '\"frames\":9'; kill -INT $!");
   ExpectWords(result.out, {"code 130", "cut short by SIGINT", "(alarm): reported 1 times"});
   ExpectWords(result.err, {"SIGHUP: the old settings go on: ", "car.toml", "threshold",
                            "camera: goes on with the settings as they are now"});
+}
+
+// It moves enough for an alarm at the fourth frame.
+TEST_F(LiveTest, ACommandIsRunAtAnAlarmAndStopsNothing) {
+  const std::string play =
+      "exec 3<>camera; three; three; three; until_status '\"frames\":9'; "
+      "until_status '\"started\":1'; sleep 0.3; kill -INT $!";
+  CommandResult result =
+      Play("--no-weights --on-alarm \"sh -c 'cat > alarm.json; echo \\$STOPNGO_INPUT; exit 3'\"", play);
+  ExpectWords(result.out, {"code 130", "(alarm): reported 1 times"});
+  ExpectWords(result.err, {"camera\n", "exit", "3"});
+  const nlohmann::json alarm = nlohmann::json::parse(ReadFile(folder_ / "alarm.json"));
+  EXPECT_EQ(alarm.at("type"), "alarm");
+  EXPECT_EQ(alarm, Status().at("last_alarm"));
+  ExpectRefusal(Stopngo("run a.mp4 --on-alarm /no/such/program"), 2, {"--on-alarm", "/no/such/program"});
+  ExpectRefusal(Stopngo("run a.mp4 --on-alarm \"say 'this\""), 2, {"--on-alarm"});
 }
 
 /// What systemd would listen at.
@@ -118,7 +134,7 @@ TEST_F(LiveTest, TheServiceManagerHearsThatItLives) {
   const Listener listener(folder_ / "notify");
   prelude_ = "export WATCHDOG_USEC=5000000 NOTIFY_SOCKET=" + folder_ / "notify" + "; " + prelude_;
   const CommandResult result =
-      Play("--no-weights", "exec 3>camera; cat three >&3; until_status '\"frames\":3'; kill -INT $!");
+      Play("--no-weights", "exec 3>camera; three; until_status '\"frames\":3'; kill -INT $!");
   ExpectWords(result.out, {"code 130"});
   const std::vector<std::string> heard = listener.Heard();
   ASSERT_GE(heard.size(), 4U);

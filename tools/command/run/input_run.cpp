@@ -7,7 +7,6 @@
 
 #include "base/interruption.h"
 #include "base/progress.h"
-#include "base/time_of_day.h"
 #include "base/warning.h"
 #include "command/options/setup_check.h"
 #include "command/options/source_options.h"
@@ -195,6 +194,7 @@ void InputRun::Handle(const LumaFrame& frame) {
   if (trace_ != nullptr) trace_->Add(written, alone);
   report_.Add(written, alone);
   Note(frame, written);
+  if (written.changed && written.decision == 1) Raise(written);
   Beat();
 }
 
@@ -207,11 +207,14 @@ void InputRun::Note(const LumaFrame& frame, const FrameReport& written) {
   ages_.Add(age_ns);
   figures_.oldest_ms = std::max(figures_.oldest_ms, age_ns / kMillisecond_ns);
   figures_.late += age_ns * 1e-9 > 1 / format_.fps ? 1 : 0;
-  if (!written.changed || written.decision != 1) return;
-  figures_.last_alarm = Json{{"frame", written.index},
-                             {"time", written.time_s},
-                             {"score", written.score},
-                             {"when", TimeOfDay(std::chrono::system_clock::now())}};
+}
+
+void InputRun::Raise(const FrameReport& written) {
+  const Alarm alarm{name_,         written.index,         written.time_s,
+                    written.score, written.alarm_counter, std::chrono::system_clock::now()};
+  if (plan_.on_alarm != nullptr) plan_.on_alarm->Start(alarm);
+  const std::lock_guard lock(mutex_);
+  figures_.last_alarm = alarm;
 }
 
 const char* InputRun::State() const {
@@ -240,7 +243,7 @@ Json InputRun::Status() {
               {"rate", since_s > 0 ? static_cast<double>(handed) / since_s : 0},
               {"decision", kDecisionNames.at(static_cast<std::size_t>(figures_.decision))},
               {"closed_gates", figures_.closed},
-              {"last_alarm", figures_.last_alarm ? *figures_.last_alarm : Json()}};
+              {"last_alarm", figures_.last_alarm ? ObjectOf(*figures_.last_alarm) : Json()}};
   if (!live_) return status;
   constexpr double kMedian = 0.5;
   status["age_ms"] = {{"median", ages_.Percentile(kMedian) / kMillisecond_ns},

@@ -17,6 +17,8 @@
 #include "command/run/live_options.h"
 #include "host/check.h"
 #include "host/detector.h"
+#include "live/alarm.h"
+#include "live/alarm_command.h"
 #include "live/live_input.h"
 #include "video/damage.h"
 
@@ -28,6 +30,7 @@ struct RunPlan {
   Settings settings;
   SourceOptions source;  ///< without an input
   LiveOptions live;
+  AlarmCommand* on_alarm = nullptr;  ///< null: none
   bool allow_damaged = false;
   bool json = false;
   bool several = false;  ///< results tell whose they are
@@ -74,7 +77,7 @@ class InputRun {
     std::int64_t late = 0;  ///< decided later than the next frame was due
     int decision = 0;
     std::string closed;  ///< the gates that are
-    std::optional<nlohmann::ordered_json> last_alarm;
+    std::optional<Alarm> last_alarm;
     double oldest_ms = 0;
   };
 
@@ -89,6 +92,7 @@ class InputRun {
   bool TryHandle(const LumaFrame& frame);
   void Handle(const LumaFrame& frame);
   void Note(const LumaFrame& frame, const FrameReport& written);
+  void Raise(const FrameReport& written);
   void Beat() { beat_ = std::chrono::steady_clock::now(); }
 
   const RunPlan& plan_;

@@ -12,6 +12,7 @@ namespace stopngo {
 namespace {
 
 constexpr const char* kGroup = "Live inputs";
+constexpr const char* kAlarms = "Alarms";
 
 void TakeSize(const std::string& text, SourceOptions& source) {
   const std::optional<FrameSize> size = SizeOf(text);
@@ -19,6 +20,26 @@ void TakeSize(const std::string& text, SourceOptions& source) {
     throw CLI::ValidationError("--size", Quoted(text) + " is no size such as 1280x720");
   }
   source.asked_size = text;
+}
+
+void AddAlarmOptions(CLI::App& app, LiveOptions& options) {
+  app.add_option("--on-alarm", options.on_alarm,
+                 "command that is run at each alarm, without a shell; the alarm is in its environment "
+                 "(STOPNGO_INPUT, "
+                 "_TIME, ...) and, as a line of JSON, on its standard input")
+      ->type_name("COMMAND")
+      ->group(kAlarms);
+  app.add_option("--on-alarm-jobs", options.on_alarm_jobs,
+                 "how many of these commands may run at once; alarms beyond them are left out")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str()
+      ->group(kAlarms);
+  app.add_option("--on-alarm-limit", options.on_alarm_limit_s, "seconds that such a command may take")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.1, 86400.0))
+      ->capture_default_str()
+      ->group(kAlarms);
 }
 
 }  // namespace
@@ -57,6 +78,7 @@ void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) 
          "lines on standard output")
       ->type_name("FILE")
       ->group(kGroup);
+  AddAlarmOptions(app, options);
 }
 
 }  // namespace stopngo

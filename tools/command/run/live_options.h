@@ -17,6 +17,10 @@ struct LiveOptions {
   bool live = false;  ///< every input is taken for live
   LiveLimits limits;
   std::string status;  ///< a file, or "-"; empty: none
+
+  std::string on_alarm;  ///< a command; empty: none
+  int on_alarm_jobs = 1;
+  double on_alarm_limit_s = 30;
 };
 
 /// size and rate go to what is asked of a camera.

@@ -21,8 +21,7 @@ constexpr std::chrono::seconds kBetweenStatus{1};
 
 }  // namespace
 
-Monitor::Monitor(const InputRuns& runs, const SettingsOptions& options, std::string status, bool reloads)
-    : runs_(runs), options_(options), status_(std::move(status)) {
+Monitor::Monitor(const InputRuns& runs, const RunPlan& plan, bool reloads) : runs_(runs), plan_(plan) {
   if (reloads) reloads_.emplace();
   thread_ = std::thread([this] { Watch(); });
 }
@@ -47,19 +46,25 @@ void Monitor::Watch() {
 }
 
 void Monitor::TellStatus() {
-  if (status_.empty()) return;
+  const std::string& path = plan_.live.status;
+  if (path.empty()) return;
   Json line{{"type", "status"},
             {"when", TimeOfDay(std::chrono::system_clock::now())},
             {"uptime", std::chrono::duration<double>(steady_clock::now() - start_).count()},
             {"inputs", Json::array()}};
   for (const auto& run : runs_) line["inputs"].push_back(run->Status());
+  if (plan_.on_alarm != nullptr) {
+    const AlarmCommand::Counts counts = plan_.on_alarm->Told();
+    line["on_alarm"] = {
+        {"started", counts.started}, {"failed", counts.failed}, {"left_out", counts.left_out}};
+  }
   try {
-    if (status_ == "-") {
+    if (path == "-") {
       WriteResult(JsonLine(line));
     } else {
-      WriteFile(status_, JsonLine(line) + '\n', OutputFile::Lasts::kUntilPowerFails);
+      WriteFile(path, JsonLine(line) + '\n', OutputFile::Lasts::kUntilPowerFails);
     }
-    if (std::exchange(failing_, false)) Report(status_ + ": is written again");
+    if (std::exchange(failing_, false)) Report(path + ": is written again");
   } catch (const Failure& failure) {
     // Who watches is not who is watched: the detector goes on.
     if (!std::exchange(failing_, true)) Report(failure.what());
@@ -82,7 +87,7 @@ void Monitor::TellManager() {
 
 void Monitor::Reload() {
   try {
-    const Setup setup = options_.ReadAnew();
+    const Setup setup = plan_.options->ReadAnew();
     for (const auto& run : runs_) run->Renew(setup);
   } catch (const Failure& failure) {
     Report(std::string("SIGHUP: the old settings go on: ") + failure.what());

@@ -3,11 +3,9 @@
 
 #include <atomic>
 #include <optional>
-#include <string>
 #include <thread>
 
 #include "base/interruption.h"
-#include "command/options/settings_options.h"
 #include "command/run/input_run.h"
 #include "command/run/service_manager.h"
 
@@ -16,8 +14,8 @@ namespace stopngo {
 /// On a thread of its own, from its making to its end.
 class Monitor {
  public:
-  /// status: a file, "-", or empty. All of it outlives the monitor. reloads: SIGHUP has the settings read anew.
-  Monitor(const InputRuns& runs, const SettingsOptions& options, std::string status, bool reloads);
+  /// All of it outlives the monitor. reloads: SIGHUP has the settings read anew.
+  Monitor(const InputRuns& runs, const RunPlan& plan, bool reloads);
   /// Tells the status once more.
   ~Monitor();
   Monitor(const Monitor&) = delete;
@@ -30,8 +28,7 @@ class Monitor {
   void Reload();
 
   const InputRuns& runs_;
-  const SettingsOptions& options_;
-  std::string status_;
+  const RunPlan& plan_;
   std::optional<ReloadsAtHangup> reloads_;
   ServiceManager manager_;
   SteadyTime start_ = std::chrono::steady_clock::now();
