@@ -3,8 +3,6 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -15,9 +13,9 @@ extern "C" {
 #include <span>
 #include <string>
 
-#include "base/descriptor_buffer.h"
 #include "base/output_file.h"
 #include "host/common/failure.h"
+#include "video/descriptor_io.h"
 #include "video/ffmpeg.h"
 #include "video/frame_rate.h"
 #include "video/writer.h"
@@ -55,40 +53,6 @@ const AVCodec* FindEncoder(const AVOutputFormat* format) {
   const auto* const found = std::find_if(candidates.begin(), candidates.end(), fits);
   return found == candidates.end() ? nullptr : *found;
 }
-
-/// How the library writes to an output, and goes back in one that is no pipe.
-struct DescriptorIo {
-  static constexpr int kBuffer = 1 << 16;
-
-  static int Write(void* file, std::uint8_t* bytes, int count) {
-    const std::string_view text(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
-    const int error = WriteAll(static_cast<OutputFile*>(file)->Number(), text);
-    return error == 0 ? count : AVERROR(error);
-  }
-
-  static std::int64_t Seek(void* file, std::int64_t offset, int whence) {
-    if (whence == AVSEEK_SIZE) return AVERROR(ENOSYS);
-    const off_t place = lseek(static_cast<OutputFile*>(file)->Number(), offset, whence);
-    return place >= 0 ? place : AVERROR(errno);
-  }
-
-  static AVIOContext* Open(OutputFile& file) {
-    auto* const buffer = static_cast<std::uint8_t*>(av_malloc(kBuffer));
-    if (buffer == nullptr) return nullptr;
-    AVIOContext* const io = Ffmpeg().avio_alloc_context(buffer, kBuffer, 1, &file, nullptr, Write, Seek);
-    if (io == nullptr) {
-      av_free(buffer);
-    } else if (lseek(file.Number(), 0, SEEK_CUR) < 0) {
-      io->seekable = 0;
-    }
-    return io;
-  }
-
-  void operator()(AVIOContext* io) const {
-    av_freep(&io->buffer);
-    Ffmpeg().avio_context_free(&io);
-  }
-};
 
 class FfmpegSink : public VideoSink {
  public:

@@ -96,8 +96,10 @@ TEST_F(Formats, OfRecordingsAreDocumented) {
   EXPECT_EQ(more, Documented("### Columns of gates"));
   // The clip twice, live, beside itself; the alarm's command reads what it is told.
   const std::string alarm = folder_ / "alarm";
-  const std::string live =
-      " --gates none --live --status " + folder_ / "status" + " --on-alarm 'tee " + alarm + "' ";
+  const std::string clips = folder_ / "clips";
+  std::filesystem::create_directory(clips);
+  const std::string live = " --gates none --live --status " + folder_ / "status" + " --on-alarm 'tee " +
+                           alarm + "' --clips " + clips + " ";
   const CommandResult twice = Stopngo("run " + clip + " " + clip + live + run);
   ASSERT_EQ(twice.exit_code, 0) << twice.err;
   more = KeysOf(twice.out);
@@ -108,6 +110,16 @@ TEST_F(Formats, OfRecordingsAreDocumented) {
   status.erase("inputs[].last_alarm");
   for (const std::string& key : Documented("#### Alarm")) status.insert("inputs[].last_alarm." + key);
   EXPECT_EQ(KeysOf(ReadFile(folder_ / "status")), status);
+#if STOPNGO_WITH_FFMPEG
+  Names kept;
+  for (const auto& entry : std::filesystem::directory_iterator(clips)) {
+    if (entry.path().extension() == ".json") kept = Both(kept, KeysOf(ReadFile(entry.path())));
+  }
+  Names clip_keys = Documented("#### Clip");
+  for (const char* const apart : {"alarms", "packets"}) clip_keys.erase(apart);
+  for (const std::string& key : Documented("#### Alarm")) clip_keys.insert("alarms[]." + key);
+  EXPECT_EQ(kept, clip_keys);
+#endif
   const CommandResult render =
       Stopngo("render " + cut + " " + folder_ / "seen.y4m" + run + "--still " + folder_ / "still.png");
   EXPECT_EQ(Both(KeysOf(render.out), broken_off), Documented("### render"));

@@ -68,6 +68,11 @@ InputRun::InputRun(const RunPlan& plan, const Module& module, const std::string&
       source_(ForSettings(SourceOf(plan, input), plan.settings, damage_)),
       ages_(kAges),
       asked_(steady_clock::now()) {
+  if (!plan.live.clips.folder.empty()) {
+    if (!live_) throw Failure("--clips: " + input + " is not live (see --live)", ExitCode::kUsage);
+    clips_ = std::make_unique<ClipKeeper>(plan.live.clips, input);
+    source_.tap = clips_.get();
+  }
   if (live_) {
     source_.live = true;
     HeedFindings(module_, plan_.options->InForce());
@@ -91,6 +96,7 @@ void InputRun::Run(Trace* trace) {
 }
 
 void InputRun::Finish() {
+  if (clips_) clips_->Finish();
   report_.Summarize(InterruptingSignal(), damage_.Kept());
   damage_.RefuseKept();
 }
@@ -111,7 +117,10 @@ void InputRun::RunLive() {
     const std::lock_guard lock(mutex_);
     input = &input_.emplace(name_, Opener(), LimitsFor(source_, plan_.live.limits));
   }
-  for (LiveFrame frame; TakeLive(*input, frame);) TryHandle(frame.luma);
+  for (LiveFrame frame; TakeLive(*input, frame);) {
+    if (clips_) clips_->Frame(frame.luma);
+    TryHandle(frame.luma);
+  }
 }
 
 OpenLive InputRun::Opener() {
@@ -213,6 +222,7 @@ void InputRun::Raise(const FrameReport& written) {
   const Alarm alarm{name_,         written.index,         written.time_s,
                     written.score, written.alarm_counter, std::chrono::system_clock::now()};
   if (plan_.on_alarm != nullptr) plan_.on_alarm->Start(alarm);
+  if (clips_) clips_->Raise(alarm);
   const std::lock_guard lock(mutex_);
   figures_.last_alarm = alarm;
 }
@@ -253,6 +263,11 @@ Json InputRun::Status() {
   status["troubles"] = live.troubles;
   status["reconnects"] = live.reconnects;
   status["last_trouble"] = live.last_trouble;
+  if (clips_) {
+    const ClipKeeper::Counts counts = clips_->Told();
+    status["clips"] = {
+        {"written", counts.written}, {"failed", counts.failed}, {"cut_short", counts.cut_short}};
+  }
   return status;
 }
 

@@ -19,6 +19,7 @@
 #include "host/detector.h"
 #include "live/alarm.h"
 #include "live/alarm_command.h"
+#include "live/clip_keeper.h"
 #include "live/live_input.h"
 #include "video/damage.h"
 
@@ -113,6 +114,8 @@ class InputRun {
   FrameFormat format_;  // that analysis_ is for; written under mutex_, which guards all below
   SourceOptions source_;
   std::optional<Setup> next_;  ///< to be taken before the next frame
+  std::unique_ptr<ClipKeeper>
+      clips_;  ///< null: none; made with it, it outlives input_, which hands it packets
   std::optional<LiveInput> input_;
   Figures figures_;
   Latency ages_;                    ///< nanoseconds

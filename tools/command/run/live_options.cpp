@@ -42,6 +42,44 @@ void AddAlarmOptions(CLI::App& app, LiveOptions& options) {
       ->group(kAlarms);
 }
 
+void AddClipOptions(CLI::App& app, ClipOptions& clips) {
+  constexpr double kMegabyte = 1e6;
+  constexpr double kDay_s = 86400;
+  clips.bounds = {static_cast<std::uint64_t>(1000 * kMegabyte), 30 * kDay_s};
+  app.add_option(
+         "--clips", clips.folder,
+         "folder for a video of each alarm of a live input, with its JSON: the packets as they came, or the "
+         "frames that were handed over")
+      ->type_name("FOLDER")
+      ->group(kAlarms);
+  const auto seconds = [&app](const char* name, double& value, const char* help) {
+    app.add_option(name, value, help)
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 300.0))
+        ->capture_default_str()
+        ->group(kAlarms);
+  };
+  seconds("--clips-before", clips.before_s, "how long before the alarm such a video begins");
+  seconds("--clips-after", clips.after_s, "how long after it such a video goes on");
+  app.add_option_function<double>(
+         "--clips-size",
+         [&clips](double megabytes) {
+           clips.bounds.max_bytes = static_cast<std::uint64_t>(std::llround(megabytes * kMegabyte));
+         },
+         "megabytes of such videos that are kept, the newest")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(1.0, 1e6))
+      ->default_str("1000")
+      ->group(kAlarms);
+  app.add_option_function<double>(
+         "--clips-age", [&clips](double days) { clips.bounds.max_age_s = days * kDay_s; },
+         "days that such videos are kept")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(0.01, 3650.0))
+      ->default_str("30")
+      ->group(kAlarms);
+}
+
 }  // namespace
 
 void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) {
@@ -79,6 +117,7 @@ void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) 
       ->type_name("FILE")
       ->group(kGroup);
   AddAlarmOptions(app, options);
+  AddClipOptions(app, options.clips);
 }
 
 }  // namespace stopngo

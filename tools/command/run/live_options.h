@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "live/clip_keeper.h"
 #include "live/live_input.h"
 #include "video/frame_source.h"
 
@@ -21,6 +22,8 @@ struct LiveOptions {
   std::string on_alarm;  ///< a command; empty: none
   int on_alarm_jobs = 1;
   double on_alarm_limit_s = 30;
+
+  ClipOptions clips;  ///< without a folder: none
 };
 
 /// size and rate go to what is asked of a camera.
