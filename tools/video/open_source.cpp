@@ -17,10 +17,11 @@ namespace {
 
 std::string SizeText(int width, int height) { return std::to_string(width) + " x " + std::to_string(height); }
 
-/// Gives frames of the wanted size: scaled, or with --original untouched.
-class SizedSource : public FrameSource {
+/// Passes frames on that can be given the wanted size, or with --original have it, and tells of their own. Info has
+/// the wanted size already.
+class CheckedSource : public FrameSource {
  public:
-  SizedSource(std::unique_ptr<FrameSource> source, const SourceOptions& options)
+  CheckedSource(std::unique_ptr<FrameSource> source, const SourceOptions& options)
       : source_(std::move(source)),
         info_(source_->Info()),
         options_(options),
@@ -32,9 +33,6 @@ class SizedSource : public FrameSource {
       info_.width = options_.width;
       info_.height = options_.height;
     }
-#if defined(STOPNGO_WITH_FFMPEG)
-    scaler_ = std::make_unique<LumaScaler>(info_.width, info_.height);
-#endif
   }
 
   [[nodiscard]] const SourceInfo& Info() const override { return info_; }
@@ -49,9 +47,6 @@ class SizedSource : public FrameSource {
       throw Failure(options_.input + ": the size changes to " + SizeText(frame.width, frame.height) +
                     " at frame " + std::to_string(frame.index));
     }
-#if defined(STOPNGO_WITH_FFMPEG)
-    scaler_->Scale(frame);
-#endif
     return true;
   }
 
@@ -93,9 +88,6 @@ class SizedSource : public FrameSource {
   SourceOptions options_;
   Remarks remarks_;
   FrameSize size_;  ///< of the frames that came last, as the input has them
-#if defined(STOPNGO_WITH_FFMPEG)
-  std::unique_ptr<LumaScaler> scaler_;
-#endif
 };
 
 /// Gives the frames that are nearest to a number a second.
@@ -116,7 +108,7 @@ class PacedSource : public FrameSource {
       std::swap(current_, ahead_);
       more_ = source_->Next(ahead_);
       if (!pace_.Takes(current_.time_s, more_ ? std::optional(ahead_.time_s) : std::nullopt)) continue;
-      frame = current_;
+      std::swap(frame, current_);
       return true;
     }
     return false;
@@ -130,6 +122,27 @@ class PacedSource : public FrameSource {
   LumaFrame ahead_;
   bool more_ = false;  ///< ahead_ holds a frame
 };
+
+#if defined(STOPNGO_WITH_FFMPEG)
+/// Gives all frames the size that Info announces.
+class ScaledSource : public FrameSource {
+ public:
+  explicit ScaledSource(std::unique_ptr<FrameSource> source)
+      : source_(std::move(source)), scaler_(source_->Info().width, source_->Info().height) {}
+
+  [[nodiscard]] const SourceInfo& Info() const override { return source_->Info(); }
+
+  bool Next(LumaFrame& frame) override {
+    if (!source_->Next(frame)) return false;
+    if (frame.width != Info().width || frame.height != Info().height) scaler_.Scale(frame);
+    return true;
+  }
+
+ private:
+  std::unique_ptr<FrameSource> source_;
+  LumaScaler scaler_;
+};
+#endif
 
 std::unique_ptr<FrameSource> OpenReader(const SourceOptions& options) {
   const bool raw = options.raw_width != 0;
@@ -151,12 +164,16 @@ std::unique_ptr<FrameSource> OpenSource(const SourceOptions& options) {
                       " cannot be handed over (see --input-width, --input-height)",
                   ExitCode::kUsage);
   }
-  std::unique_ptr<FrameSource> source = std::make_unique<SizedSource>(OpenReader(options), options);
+  std::unique_ptr<FrameSource> source = std::make_unique<CheckedSource>(OpenReader(options), options);
   // An input with fewer frames than that is handed over as it is.
   constexpr double kSameRate = 1e-6;  // frames a second
   if (options.rate > 0 && options.rate <= source->Info().fps + kSameRate) {
     source = std::make_unique<PacedSource>(std::move(source), options.rate);
   }
+#if defined(STOPNGO_WITH_FFMPEG)
+  // Behind the choice of frames: to scale them all would cost a tenth of their decoding.
+  source = std::make_unique<ScaledSource>(std::move(source));
+#endif
   return source;
 }
 
