@@ -19,13 +19,13 @@
 namespace stopngo::test {
 namespace {
 
-std::string RawVideo(int frames) {
+std::string LumaVideo(int frames) {
   std::string video;
   for (int i = 0; i < frames; ++i) video += Squares(800, 480, i, 2 * i);
   return video;
 }
 
-constexpr const char* kRaw = " --raw 800x480 --rate 0 ";
+constexpr const char* kLumaInput = " --raw 800x480 --rate 0 ";
 
 /// A camera of raw luma, which a shell plays: `camera` is its pipe, `three` a function that sends three frames through
 /// it, slowly enough for each to be taken, `status` the status.
@@ -38,7 +38,7 @@ class LiveTest : public testing::Test {
                "until_status() { for i in $(seq 1000); do grep -q \"$1\" "
                "status && return; sleep 0.02; done; }; " STOPNGO_PROGRAM
                " run camera --live --status status" +
-               std::string(kRaw);
+               std::string(kLumaInput);
   }
 
   /// options: of the run. play: what happens to the camera meanwhile, and what is done about the run, which is $!.
@@ -156,9 +156,9 @@ TEST_F(LiveTest, WhatCannotBeOpenedIsTriedAsOftenAsWanted) {
 
 TEST(SeveralInputsTest, EachIsTheSameAsAloneAndABadOneStopsOnlyItself) {
   const TemporaryFolder folder;
-  const std::string a = folder.File("a.raw", RawVideo(12));
-  const std::string b = folder.File("b.raw", RawVideo(7));
-  const std::string options = std::string(kRaw) + "--no-weights --json ";
+  const std::string a = folder.File("a.raw", LumaVideo(12));
+  const std::string b = folder.File("b.raw", LumaVideo(7));
+  const std::string options = std::string(kLumaInput) + "--no-weights --json ";
   const auto told_of = [](const std::string& out, const std::string& input) {
     std::vector<std::string> lines;
     std::istringstream stream(out);
@@ -171,14 +171,15 @@ TEST(SeveralInputsTest, EachIsTheSameAsAloneAndABadOneStopsOnlyItself) {
     }
     return lines;
   };
-  const CommandResult both = Stopngo("run " + a + " " + b + options);
+  const auto run = [&options](const std::string& inputs) { return Stopngo("run " + inputs + options); };
+  const CommandResult both = run(a + " " + b);
   EXPECT_EQ(both.exit_code, 0) << both.err;
   for (const std::string& input : {a, b}) {
-    const std::vector<std::string> alone = told_of(Stopngo("run " + input + options).out, input);
+    const std::vector<std::string> alone = told_of(run(input).out, input);
     EXPECT_FALSE(alone.empty());
     EXPECT_EQ(told_of(both.out, input), alone);
   }
-  const CommandResult bad = Stopngo("run " + folder / "gone.raw" + " " + a + options + "--jobs 1");
+  const CommandResult bad = run("--jobs 1 " + folder / "gone.raw" + " " + a);
   EXPECT_EQ(bad.exit_code, 1);
   ExpectWords(bad.err, {"gone.raw: No such file", "stopngo: 1 of 2 inputs failed\n"});
   EXPECT_EQ(told_of(bad.out, a), told_of(both.out, a));

@@ -29,8 +29,6 @@ Monitor::Monitor(const InputRuns& runs, const RunPlan& plan, bool reloads) : run
 Monitor::~Monitor() {
   ending_ = true;
   thread_.join();
-  TellStatus();
-  manager_.Tell("STOPPING=1");
 }
 
 void Monitor::Watch() {
@@ -43,6 +41,8 @@ void Monitor::Watch() {
     TellStatus();
     TellManager();
   }
+  TellStatus();
+  manager_.Tell("STOPPING=1");
 }
 
 void Monitor::TellStatus() {
