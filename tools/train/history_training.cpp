@@ -39,6 +39,7 @@ nlohmann::ordered_json HistoryTestFigures(const TrainingTask& task, const Networ
 }  // namespace
 
 Outcome TrainHistory(const TrainingTask& task) {
+  RefuseUnkept(task, task.test, {.evaluation = false, .looks = 1, .seed = task.options.seed});
   const TrainingTracks tracks = TracksOf(task);
   const HistoryExamples examples = HistoryExamplesOf(tracks.trained, "training");
   const HistoryExamples others = HistoryExamplesOf(tracks.validation, "validation");

@@ -45,6 +45,11 @@ nlohmann::ordered_json TestFigures(const TrainingTask& task, const Network& netw
 
 }  // namespace
 
+void RefuseUnkept(const TrainingTask& task, const std::vector<Clip>& clips, const FeatureChoice& choice) {
+  if (task.features == nullptr) return;
+  for (const Clip& clip : clips) static_cast<void>(task.features->Find(clip, task.settings, choice));
+}
+
 std::vector<FeatureTrack> Collect(const TrainingTask& task, const std::vector<Clip>& clips, const char* title,
                                   int looks) {
   Progress progress(title, static_cast<std::int64_t>(clips.size()));
@@ -87,6 +92,9 @@ void RefuseUseless(const Network& network) {
 
 Outcome TrainDetector(const TrainingTask& task) {
   const LossOptions& options = task.options.loss;
+  for (const auto* const judged : {&task.validation, &task.test}) {
+    RefuseUnkept(task, *judged, {.evaluation = true, .looks = 0, .seed = 0});
+  }
   const TrainingTracks tracks = TracksOf(task);
   const std::size_t features = tracks.trained.front().features;
   const AlarmLoss loss(options, tracks.trained, task.jobs);

@@ -57,6 +57,9 @@ Outcome TrainHistory(const TrainingTask& task);
 
 // --- What both are made of --------------------------------------------------------------------------------
 
+/// Throws Failure where features that are asked for at the training's end are not kept: it is not to end at them.
+void RefuseUnkept(const TrainingTask& task, const std::vector<Clip>& clips, const FeatureChoice& choice);
+
 /// Clips as they are looked at, in so many ways.
 std::vector<FeatureTrack> Collect(const TrainingTask& task, const std::vector<Clip>& clips, const char* title,
                                   int looks);

@@ -102,6 +102,16 @@ TEST_F(FeaturesTest, GiveTheSameTrainingsAsPictures) {
   const std::string from = "train " + clips + " --features-from " + kept_ + " -o " + weights;
   ExpectRefusal(Stopngo(from + " --looks 4 --seed 2"), 2, {"--seed"});
   ExpectRefusal(Stopngo(from + " --looks 6"), 2, {"--looks 5"});
+
+  // What is judged at the end is missed before the training, which here would find nothing to learn.
+  const std::string calm = Manifest("calm.tsv", {{1, -1}}, "synth:standing:3");
+  const std::string unkept = Manifest("unkept.tsv", {{2, -1}}, "synth:departure:5");
+  Keep(calm + " --looks 1");
+  for (const std::string gate : {"", " --gate history"}) {
+    ExpectRefusal(Stopngo("train " + calm + gate + " --validation " + others + " --test " + unkept +
+                          " --looks 1" + " --features-from " + kept_ + " -o " + weights),
+                  1, {"no features of", "departure:5"});
+  }
 }
 
 TEST_F(FeaturesTest, PartsAndBrokenOffWorkMakeTheSameFolder) {
