@@ -22,6 +22,7 @@ extern "C" {
 #include "host/common/failure.h"
 #include "host/common/text.h"
 #include "video/announced_size.h"
+#include "video/decoder_faults.h"
 #include "video/ffmpeg.h"
 #include "video/ffmpeg_input.h"
 #include "video/ffmpeg_luma.h"
@@ -98,6 +99,7 @@ class FfmpegSource : public FrameSource {
   void OpenDecoder(const AVCodec* decoder, bool live) {
     codec_.reset(Made(Ffmpeg().avcodec_alloc_context3(decoder)));
     int error = Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
+    faults_.ListenTo(*codec_);
     codec_->thread_count = 0;  // as many as there are processors
     // Live, threads share a picture: those that take one each keep as many back.
     if (live) codec_->thread_type = FF_THREAD_SLICE;
@@ -138,6 +140,7 @@ class FfmpegSource : public FrameSource {
   bool Decode() {
     for (;;) {
       const int received = Ffmpeg().avcodec_receive_frame(codec_.get(), frame_.get());
+      if (faults_.Take() && begun_) TellFault();
       if (received >= 0) return true;
       if (received == AVERROR_EOF) return false;
       // A damaged picture costs itself alone; the decoder finds its way back at the next one.
@@ -181,6 +184,11 @@ class FfmpegSource : public FrameSource {
     const double time_s = PacketTime();
     TellIncomplete(packet_->dts);
     if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0 && !incomplete_) incomplete_ = {packet_->dts, time_s};
+    // A recording may be cut out of a stream: what its first pictures refer to is not there, and they do not come.
+    if (!begun_ && (packet_->flags & AV_PKT_FLAG_KEY) != 0) {
+      begun_ = true;
+      faults_.Take();
+    }
     const int sent = Ffmpeg().avcodec_send_packet(codec_.get(), packet_.get());
     if (sent == AVERROR(ENOMEM)) Fail(FfmpegError(sent));
     if (sent < 0) TellUndecoded(time_s, sent);
@@ -190,6 +198,8 @@ class FfmpegSource : public FrameSource {
     remarks_.Say(Remarks::kPicture,
                  "a picture near " + Seconds(near_s) + " cannot be decoded: " + FfmpegError(error));
   }
+
+  void TellFault() { remarks_.Say(Remarks::kPicture, "a picture near " + Seconds(last_s_) + " is damaged"); }
 
   // Where pieces are joined, one of the last packets before the seam seems to lack what the next piece does not go on
   // with: the clock that soon starts anew tells a seam from a loss.
@@ -300,6 +310,8 @@ class FfmpegSource : public FrameSource {
   std::unique_ptr<std::function<bool()>> gives_up_;  ///< asked by input_, too
   FfmpegOwned<AVFormatContext> input_;
   AnnouncedEnd end_;
+  DecoderFaults faults_;
+  bool begun_ = false;  ///< with a packet that can be decoded by itself
   FfmpegOwned<AVCodecContext> codec_;
   FfmpegOwned<AVPacket> packet_;
   FfmpegOwned<AVFrame> frame_;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -119,6 +120,12 @@ TEST_F(RemarkTest, NothingIsSaidOfWholeRecordings) {
   const Heard joined = Hear(Input(folder_.File("joined.ts", piece + piece + piece)));
   EXPECT_EQ(joined.frames, 3 * kPictures);
   EXPECT_TRUE(joined.remarks.empty()) << joined.remarks[0].sentence;
+  // Cut out of a stream: what comes before the first whole picture cannot be decoded.
+  constexpr std::size_t kPacket = 188;
+  const std::string rest = piece.substr(piece.size() / kPacket * 2 / 3 * kPacket);
+  const Heard cut_out = Hear(Input(folder_.File("rest.ts", rest + piece)));
+  EXPECT_EQ(cut_out.frames, kPictures);
+  EXPECT_TRUE(cut_out.remarks.empty()) << cut_out.remarks[0].sentence;
 }
 
 TEST_F(RemarkTest, RecordingsThatEndEarlyAreSaidToWithTheirTime) {
@@ -213,6 +220,19 @@ TEST_F(RemarkTest, DamagedPicturesAreSaidToWithTheirTime) {
       }
     }
     EXPECT_GT(said, 0U) << name;
+  }
+}
+
+// Whatever the pace of the decoder's threads.
+TEST_F(RemarkTest, DamageThatWasSaidIsSaidEachTime) {
+  const std::string whole = ReadFile(Whole("v.mkv"));
+  std::string bytes = whole;
+  for (std::size_t i = 0; i < 4000; i += 4) bytes[whole.size() / 2 + i] ^= '\x55';
+  const SourceOptions damaged = Input(folder_.File("bad.mkv", bytes));
+  for (int turn = 0; turn < 20; ++turn) {
+    const Heard heard = Hear(damaged);
+    const auto is_damage = [](const Remark& remark) { return remark.damage; };
+    EXPECT_TRUE(std::any_of(heard.remarks.begin(), heard.remarks.end(), is_damage)) << turn;
   }
 }
 
