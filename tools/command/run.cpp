@@ -59,7 +59,7 @@ class RunCommand : public Subcommand {
   [[nodiscard]] std::unique_ptr<Monitor> Watch(const InputRuns& runs) const;
   void RunOne(const Module& module);
   void RunSeveral(const Module& module);
-  static void RunAmongOthers(InputRun& run, std::counting_semaphore<>& turns);
+  static void RunAmongOthers(InputRun& run, std::counting_semaphore<>& turns, EndsEarly& ends_early);
   void Separately(const std::function<void()>& step);
 
   RunPlan plan_;
@@ -168,7 +168,9 @@ void RunCommand::RunSeveral(const Module& module) {
     std::vector<std::thread> threads;
     threads.reserve(runs.size());
     for (const auto& run : runs) {
-      threads.emplace_back([this, &run, &turns] { Separately([&] { RunAmongOthers(*run, turns); }); });
+      threads.emplace_back([this, &run, &turns, &ends_early] {
+        Separately([&] { RunAmongOthers(*run, turns, ends_early); });
+      });
     }
     for (std::thread& thread : threads) thread.join();
     ends_early.Finishing();
@@ -178,7 +180,7 @@ void RunCommand::RunSeveral(const Module& module) {
   }
 }
 
-void RunCommand::RunAmongOthers(InputRun& run, std::counting_semaphore<>& turns) {
+void RunCommand::RunAmongOthers(InputRun& run, std::counting_semaphore<>& turns, EndsEarly& ends_early) {
   const auto give_back = [](std::counting_semaphore<>* taken) { taken->release(); };
   std::unique_ptr<std::counting_semaphore<>, decltype(give_back)> turn(nullptr, give_back);
   if (!run.IsLive()) {
@@ -186,6 +188,7 @@ void RunCommand::RunAmongOthers(InputRun& run, std::counting_semaphore<>& turns)
     turn.reset(&turns);
   }
   run.Run(nullptr);
+  if (Interrupted()) ends_early.Finishing();
   run.Finish();
 }
 
