@@ -107,10 +107,11 @@ TEST_F(FeaturesTest, GiveTheSameTrainingsAsPictures) {
   const std::string calm = Manifest("calm.tsv", {{1, -1}}, "synth:standing:3");
   const std::string unkept = Manifest("unkept.tsv", {{2, -1}}, "synth:departure:5");
   Keep(calm + " --looks 1");
-  for (const std::string gate : {"", " --gate history"}) {
-    ExpectRefusal(Stopngo("train " + calm + gate + " --validation " + others + " --test " + unkept +
-                          " --looks 1" + " --features-from " + kept_ + " -o " + weights),
-                  1, {"no features of", "departure:5"});
+  const std::string judged = " --validation " + others + " --test " + unkept + " --looks 1 --features-from " +
+                             kept_ + " -o " + weights;
+  for (const char* const gate : {"", " --gate history"}) {
+    ExpectRefusal(Stopngo(std::string("train ").append(calm).append(gate).append(judged)), 1,
+                  {"no features of", "departure:5"});
   }
 }
 
