@@ -2,12 +2,7 @@
 # broker_test.sh: the lines of docs/deploying.md that take results to a broker of messages and to a metrics file.
 #
 #     broker_test.sh STOPNGO
-set -euo pipefail
-stopngo=$(realpath "$1")
-here=$(cd "$(dirname "$0")" && pwd)
-folder=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$folder"' EXIT
-cd "$folder"
+. "$(dirname "$0")/begin.sh"
 port=$((20000 + RANDOM % 10000))
 printf 'listener %d 127.0.0.1\nallow_anonymous true\n' "$port" >broker.conf
 PATH=$PATH:/usr/sbin mosquitto -c broker.conf >broker.log 2>&1 &

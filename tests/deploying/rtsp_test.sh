@@ -2,12 +2,7 @@
 # rtsp_test.sh: stopngo run on a network camera that goes away and comes back.
 #
 #     rtsp_test.sh STOPNGO
-set -euo pipefail
-stopngo=$(realpath "$1")
-here=$(cd "$(dirname "$0")" && pwd)
-folder=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$folder"' EXIT
-cd "$folder"
+. "$(dirname "$0")/begin.sh"
 port=$((20000 + RANDOM % 10000))
 
 # Of Debian: GObject's bindings are not in every other Python.

@@ -2,11 +2,7 @@
 # service_test.sh: packaging/stopngo@.service as systemd's own tools judge it.
 #
 #     service_test.sh STOPNGO
-set -euo pipefail
-stopngo=$(realpath "$1")
-here=$(cd "$(dirname "$0")" && pwd)
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+. "$(dirname "$0")/begin.sh"
 # The program where it is, and no page that is not installed.
 sed "s|/usr/bin/stopngo|$stopngo|; /^Documentation=/d" "$here/../../packaging/stopngo@.service" >"$folder/stopngo@front.service"
 systemd-analyze verify "$folder/stopngo@front.service"

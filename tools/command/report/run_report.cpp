@@ -12,8 +12,6 @@ namespace {
 // Keys keep the order in which they are given: a line is read by people, too.
 using Json = nlohmann::ordered_json;
 
-constexpr std::array kDecisionNames = {"none", "alarm", "cooling"};
-
 struct Quantile {
   const char* name;
   double share;

@@ -1,10 +1,14 @@
 // telling.h: how the results of an input are told, among those of others.
 #pragma once
 
+#include <array>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace stopngo {
+
+/// By decision.
+inline constexpr std::array kDecisionNames = {"none", "alarm", "cooling"};
 
 struct Telling {
   bool json = false;   ///< JSON Lines instead of lines to read

@@ -21,7 +21,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 using std::chrono::steady_clock;
 
-constexpr std::array kDecisionNames = {"none", "alarm", "cooling"};
 // Between two frames that are compared: after more than that, what moved is not known.
 constexpr double kLongestGap_s = 1;
 constexpr std::size_t kAges = 1024;
@@ -183,16 +182,14 @@ void InputRun::Follow(const LiveFrame& frame) {
 }
 
 // A frame that a live input's detector refuses costs itself.
-bool InputRun::TryHandle(const LumaFrame& frame) {
+void InputRun::TryHandle(const LumaFrame& frame) {
   try {
     Handle(frame);
-    return true;
   } catch (const NobodyReads&) {
     throw;
   } catch (const Failure& failure) {
     const std::lock_guard lock(mutex_);
     if (++figures_.refused == 1) Report(name_ + ": " + failure.what());
-    return false;
   }
 }
 

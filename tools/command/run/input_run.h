@@ -90,7 +90,7 @@ class InputRun {
   OpenLive Opener();
   void TakeRenewed();
   void Follow(const LiveFrame& frame);
-  bool TryHandle(const LumaFrame& frame);
+  void TryHandle(const LumaFrame& frame);
   void Handle(const LumaFrame& frame);
   void Note(const LumaFrame& frame, const FrameReport& written);
   void Raise(const FrameReport& written);
