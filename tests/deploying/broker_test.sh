@@ -12,12 +12,12 @@ for _ in $(seq 200); do
 done
 
 "$stopngo" synth drive.y4m --kind departure --seed 3 >/dev/null
-mosquitto_sub -p "$port" -t stopngo/front -W 60 -C 1 -F '%p' >heard &
+mosquitto_sub -h 127.0.0.1 -p "$port" -t stopngo/front -W 60 -C 1 -F '%p' >heard &
 listener=$!
 sleep 0.5
 # From here on as in docs/deploying.md.
 "$stopngo" run drive.y4m --json --status status.json |
-  mosquitto_pub -p "$port" -t stopngo/front -l
+  mosquitto_pub -h 127.0.0.1 -p "$port" -t stopngo/front -l
 wait "$listener"
 jq -e '.type == "gate" or .type == "decision"' <heard >/dev/null
 jq -r -f "$here/../../packaging/metrics.jq" status.json >stopngo.prom
