@@ -19,12 +19,6 @@
 
 namespace {
 
-using Declare = std::unique_ptr<stopngo::Subcommand> (*)(CLI::App& app);
-
-constexpr Declare kSubcommands[] = {stopngo::DeclareRun,   stopngo::DeclareSynth,  stopngo::DeclareRender,
-                                    stopngo::DeclareTrain, stopngo::DeclareEval,   stopngo::DeclareTune,
-                                    stopngo::DeclareCheck, stopngo::DeclareWeights};
-
 void EnterFolder() {
   (void)fuzz::Folder().File("w", std::string(10372, '\1'));
   (void)fuzz::Folder().File("v", "YUV4MPEG2 W8 H8\nFRAME\n");
@@ -61,7 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const bool entered = (EnterFolder(), true);
   (void)entered;
   fuzz::Input input(data, size);
-  const Declare declare = kSubcommands[input.Below(std::size(kSubcommands))];
+  const auto subcommands = stopngo::Subcommands();
+  const auto declare = subcommands[input.Below(subcommands.size())].declare;
   std::vector<std::string> arguments = Arguments(input.Rest());
   if (std::ranges::any_of(arguments, LeadsOut)) return 0;
   // The parser takes them from the end.

@@ -1,6 +1,5 @@
 // main.cpp: the stopngo command: its subcommands, and how it ends.
 #include <CLI/CLI.hpp>
-#include <array>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -25,29 +24,6 @@ namespace {
 constexpr int kDone = static_cast<int>(ExitCode::kDone);
 constexpr int kFailed = static_cast<int>(ExitCode::kFailed);
 
-struct Entry {
-  const char* name;
-  const char* help;
-  std::unique_ptr<Subcommand> (*declare)(CLI::App& app);
-};
-
-constexpr std::array kSubcommands{
-    Entry{"run", "Run the detector over a recording or a camera", DeclareRun},
-    Entry{"synth",
-          "Render a street scene: a camera waits behind a vehicle, which drives away; with its labels",
-          DeclareSynth},
-    Entry{"render", "Draw what the module sees on a recording", DeclareRender},
-    Entry{"train", "Make a weights file from labelled clips", DeclareTrain},
-    Entry{"eval", "Judge a detector on labelled clips", DeclareEval},
-    Entry{"features", "Keep the module's histograms of labelled clips, or tell what they look like",
-          DeclareFeatures},
-    Entry{"tune", "Search the decision's settings on labelled clips", DeclareTune},
-    Entry{"check", "Say everything that speaks against a set-up", DeclareCheck},
-    Entry{"weights", "Show and check a weights file", DeclareWeights},
-    Entry{"completion", "Print what a shell is to be told to complete this command", DeclareCompletion},
-    Entry{"manual", "Print a man page, for the build", DeclareManual},
-};
-
 int Execute(int argc, char** argv) {
   CLI::App app("Stop-and-go detector: runs it, shows why it decides, and makes scenes to try it on.",
                "stopngo");
@@ -58,7 +34,7 @@ int Execute(int argc, char** argv) {
   app.allow_extras();  // to say better what is wrong with them
   app.footer("stopngo COMMAND --help tells the options of a command, with examples.");
   std::map<const CLI::App*, std::unique_ptr<Subcommand>> subcommands;
-  for (const Entry& entry : kSubcommands) {
+  for (const SubcommandEntry& entry : Subcommands()) {
     CLI::App& part = *app.add_subcommand(entry.name, entry.help)->allow_extras();
     subcommands[&part] = entry.declare(part);
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 namespace CLI {
 class App;
@@ -34,5 +35,14 @@ std::unique_ptr<Subcommand> DeclareEval(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareFeatures(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareTune(CLI::App& app);
 std::unique_ptr<Subcommand> DeclareWeights(CLI::App& app);
+
+struct SubcommandEntry {
+  const char* name;
+  const char* help;
+  std::unique_ptr<Subcommand> (*declare)(CLI::App& app);
+};
+
+/// All of them, in the order of --help.
+std::span<const SubcommandEntry> Subcommands();
 
 }  // namespace stopngo
