@@ -54,6 +54,7 @@ GType DrawingType() {
   static const GEnumValue values[] = {
       {static_cast<int>(Drawing::kNone), "nothing", "none"},
       {static_cast<int>(Drawing::kRegion), "the region's outline, bolder while there is an alarm", "region"},
+      {static_cast<int>(Drawing::kAll), "what the module saw, as stopngo render draws it, in grey", "all"},
       {0, nullptr, nullptr}};
   static const GType type = g_enum_register_static("GstZetStopngoDrawing", values);
   return type;

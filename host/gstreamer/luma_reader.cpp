@@ -20,7 +20,7 @@ MappedFrame::MappedFrame(const GstVideoInfo& info, GstBuffer* buffer, GstMapFlag
       mapped_(gst_video_frame_map(
                   &frame_, &info, buffer,
                   static_cast<GstMapFlags>(int{flags} | int{GST_VIDEO_FRAME_MAP_FLAG_NO_REF})) != 0),
-      valid_(mapped_ && LumaIsInside()) {}
+      valid_(mapped_ && IsInside(GST_VIDEO_COMP_Y)) {}
 
 MappedFrame::~MappedFrame() {
   if (mapped_) gst_video_frame_unmap(&frame_);
@@ -35,15 +35,25 @@ FrameSize MappedFrame::Size() const {
   return {GST_VIDEO_FRAME_WIDTH(&frame_), GST_VIDEO_FRAME_HEIGHT(&frame_)};
 }
 
-// A buffer's own layout may say anything, and rows may run upwards.
-bool MappedFrame::LumaIsInside() const {
-  const auto [width, height] = Size();
-  const std::ptrdiff_t last_row = std::ptrdiff_t{Stride()} * (height - 1);
-  const std::ptrdiff_t row_end = std::ptrdiff_t{Step()} * (width - 1) + 1;
-  const std::ptrdiff_t start = Luma() - frame_.map[0].data;
+bool MappedFrame::IsWhole() const {
+  unsigned component = 0;
+  while (component < GST_VIDEO_FRAME_N_COMPONENTS(&frame_) && IsInside(component)) ++component;
+  return component == GST_VIDEO_FRAME_N_COMPONENTS(&frame_);
+}
+
+// A buffer's own layout may say anything, and rows may run upwards. Where it has one, each plane is mapped by itself.
+bool MappedFrame::IsInside(unsigned component) const {
+  const auto* const first = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&frame_, component));
+  const std::ptrdiff_t last_row = std::ptrdiff_t{GST_VIDEO_FRAME_COMP_STRIDE(&frame_, component)} *
+                                  (GST_VIDEO_FRAME_COMP_HEIGHT(&frame_, component) - 1);
+  const std::ptrdiff_t row_end = std::ptrdiff_t{GST_VIDEO_FRAME_COMP_PSTRIDE(&frame_, component)} *
+                                     (GST_VIDEO_FRAME_COMP_WIDTH(&frame_, component) - 1) +
+                                 1;
+  const GstMapInfo& map =
+      frame_.map[frame_.meta != nullptr ? GST_VIDEO_FRAME_COMP_PLANE(&frame_, component) : 0];
+  const std::ptrdiff_t start = first - map.data;
   return start + std::min<std::ptrdiff_t>(0, last_row) >= 0 &&
-         start + std::max<std::ptrdiff_t>(0, last_row) + row_end <=
-             static_cast<std::ptrdiff_t>(frame_.map[0].size);
+         start + std::max<std::ptrdiff_t>(0, last_row) + row_end <= static_cast<std::ptrdiff_t>(map.size);
 }
 
 LumaReader::LumaReader(FrameSize stream, FrameSize handed_over, const PixelArea& looked_at)

@@ -35,9 +35,12 @@ class MappedFrame {
   [[nodiscard]] int Step() const;            ///< bytes from pixel to pixel
   [[nodiscard]] int Stride() const;          ///< bytes from row to row
   [[nodiscard]] FrameSize Size() const;
+  /// Whether all else of the picture lies inside the buffer's memory, too.
+  [[nodiscard]] bool IsWhole() const;
+  [[nodiscard]] GstVideoFrame& Frame() { return frame_; }
 
  private:
-  [[nodiscard]] bool LumaIsInside() const;
+  [[nodiscard]] bool IsInside(unsigned component) const;
 
   GstVideoFrame frame_;
   bool mapped_;

@@ -8,7 +8,6 @@
 #include <iterator>
 
 #include "host/common/failure.h"
-#include "host/sampled_area.h"
 #include "host/settings/setting_table.h"
 #include "host/settings_in_force.h"
 #include "vel_stopngo_ctx.h"
@@ -71,8 +70,12 @@ void Preparation::Open(const FrameFormat& frames, std::optional<Detector>& detec
   if (network_) std::ranges::copy(network_->numbers, detector->Context().Weight);
 }
 
+SampledArea Preparation::SampledIn(const FrameFormat& frames) const {
+  return ProbeSampledArea(module_, setup_.settings, frames);
+}
+
 PixelArea Preparation::LookedAt(const FrameFormat& frames) const {
-  const SampledArea area = ProbeSampledArea(module_, setup_.settings, frames);
+  const SampledArea area = SampledIn(frames);
   const auto end = [](double start, double step, int count, int most) {
     return std::clamp(static_cast<int>(std::lround(start + step * (count - 1))) + 1, 0, most);
   };

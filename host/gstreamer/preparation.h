@@ -14,6 +14,7 @@
 #include "host/gstreamer/luma_reader.h"
 #include "host/gstreamer/properties.h"
 #include "host/module/module.h"
+#include "host/sampled_area.h"
 #include "host/settings/weights_file.h"
 
 namespace stopngo::gst {
@@ -37,7 +38,9 @@ class Preparation {
   /// Makes a detector, after a Check. Throws Failure.
   void Open(const FrameFormat& frames, std::optional<Detector>& detector);
 
-  /// What of frames that are handed over the module looks at.
+  /// Where in frames that are handed over the module looks.
+  [[nodiscard]] SampledArea SampledIn(const FrameFormat& frames) const;
+  /// The pixels there.
   [[nodiscard]] PixelArea LookedAt(const FrameFormat& frames) const;
   /// The region, in frames of the stream, whatever size those have.
   [[nodiscard]] PixelArea RegionIn(const GstVideoInfo& info) const;

@@ -46,6 +46,7 @@ void Watcher::Start() {
 
 // The detector's code goes with the module.
 void Watcher::Stop() {
+  picture_.reset();
   detector_.reset();
   reader_.reset();
   timeline_.reset();
@@ -62,15 +63,22 @@ void Watcher::Expect(const GstVideoInfo& info) {
   if (!goes_on) {
     detector_.reset();
     for (const std::string& warning : preparation_->Check(frames)) Warn(element_, warning);
-    preparation_->Open(frames, detector_);
-    fresh_ = true;
+    Open(frames);
     timeline_.emplace(preparation_->InForce().rate, RateOf(info));
   }
   SayFormat(info, frames);
+  picture_.reset();
   reader_.emplace(SizeOf(info), SizeOf(frames), preparation_->LookedAt(frames));
   info_ = info;
   frames_ = frames;
   region_ = preparation_->RegionIn(info);
+}
+
+void Watcher::Open(const FrameFormat& frames) {
+  preparation_->Open(frames, detector_);
+  fresh_ = true;
+  last_.reset();
+  picture_.reset();
 }
 
 void Watcher::SayFormat(const GstVideoInfo& info, const FrameFormat& frames) {
@@ -130,7 +138,7 @@ void Watcher::Heed(const Moment& moment) {
   }
   if (moment.before == Moment::Break::kGap) detector_->Restart();
   const bool elsewhere = moment.before == Moment::Break::kStart || moment.before == Moment::Break::kReturn;
-  if (elsewhere && !fresh_) preparation_->Open(frames_, detector_);
+  if (elsewhere && !fresh_) Open(frames_);
 }
 
 std::optional<FrameReport> Watcher::Write(GstBuffer* buffer, std::int64_t index, double time_s) {
@@ -147,6 +155,8 @@ std::optional<FrameReport> Watcher::Write(GstBuffer* buffer, std::int64_t index,
     const FrameReport report =
         detector_->Write({frames_.width, frames_.height, index, time_s, reader_->Read(frame)});
     if (const char* const remark = detector_->TakeRemark()) Warn(element_, remark);
+    last_ = report;
+    if (picture_) picture_->Record(report);
     return report;
   } catch (const std::bad_alloc&) {
     WarnOnce(kNoMemory, Print("frame %lld: not enough memory; such frames pass without being looked at",
@@ -172,10 +182,31 @@ void Watcher::Tell(GstBuffer*& buffer, const GstSegment& segment, const FrameRep
 
 void Watcher::Draw(GstBuffer*& buffer) {
   const Drawing drawing = WithWishes([](const Wishes& wishes) { return wishes.drawing; });
+  if (drawing != Drawing::kAll) picture_.reset();
   if (drawing == Drawing::kNone) return;
   buffer = gst_buffer_make_writable(buffer);
-  const MappedFrame frame(info_, buffer, GST_MAP_READWRITE);
-  if (frame.Valid()) DrawOutline(frame, region_, decision_);
+  MappedFrame frame(info_, buffer, GST_MAP_READWRITE);
+  if (!frame.Valid()) return;
+  if (drawing == Drawing::kRegion) DrawOutline(frame, region_, decision_);
+  if (drawing == Drawing::kAll) DrawAll(frame);
+}
+
+// Between the frames that are handed over, what was made of the last one.
+void Watcher::DrawAll(MappedFrame& frame) {
+  if (!last_) return;
+  if (!frame.IsWhole()) {
+    WarnOnce(kUndrawn, "frames whose pixels do not all lie in their buffer are not drawn into");
+    return;
+  }
+  try {
+    if (!picture_) {
+      picture_.emplace(info_, frames_, preparation_->SampledIn(frames_));
+      picture_->Record(*last_);
+    }
+    picture_->Draw(frame, *last_, detector_->Context());
+  } catch (const std::bad_alloc&) {
+    WarnOnce(kNoMemory, "not enough memory to draw");
+  }
 }
 
 void Watcher::WarnOnce(Remark remark, const std::string& sentence) {

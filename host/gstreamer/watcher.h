@@ -13,12 +13,13 @@
 #include "host/gstreamer/luma_reader.h"
 #include "host/gstreamer/preparation.h"
 #include "host/gstreamer/properties.h"
+#include "host/gstreamer/seen_picture.h"
 #include "host/gstreamer/telling.h"
 #include "host/gstreamer/timeline.h"
 
 namespace stopngo::gst {
 
-enum class Drawing { kNone, kRegion };
+enum class Drawing { kNone, kRegion, kAll };
 
 /// What the application asks for. The first two are in force from the next start on, the others at once.
 struct Wishes {
@@ -55,14 +56,16 @@ class Watcher {
   void Watch(GstBuffer*& buffer, const GstSegment& segment);
 
  private:
-  enum Remark { kBackwards, kUnstamped, kFalling, kUnmapped, kNoMemory, kRemarks };
+  enum Remark { kBackwards, kUnstamped, kFalling, kUnmapped, kNoMemory, kUndrawn, kRemarks };
 
   void SayFormat(const GstVideoInfo& info, const FrameFormat& frames);
+  void Open(const FrameFormat& frames);
   [[nodiscard]] bool Counts(GstBuffer* buffer, const GstSegment& segment);
   void Heed(const Moment& moment);
   [[nodiscard]] std::optional<FrameReport> Write(GstBuffer* buffer, std::int64_t index, double time_s);
   void Tell(GstBuffer*& buffer, const GstSegment& segment, const FrameReport& report);
   void Draw(GstBuffer*& buffer);
+  void DrawAll(MappedFrame& frame);
   void WarnOnce(Remark remark, const std::string& sentence);
 
   GstElement* element_;
@@ -77,6 +80,8 @@ class Watcher {
   std::optional<Timeline> timeline_;
   std::optional<LumaReader> reader_;
   std::optional<Detector> detector_;
+  std::optional<FrameReport> last_;     ///< of this detector
+  std::optional<SeenPicture> picture_;  ///< while it is wanted
 
   std::int64_t index_ = 0;  ///< of the next frame since the start
   int decision_ = 0;        ///< told last

@@ -17,6 +17,7 @@
 #include "command/version.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
+#include "host/draw/kept_fonts.h"
 
 namespace stopngo {
 namespace {
@@ -77,6 +78,7 @@ constexpr const char* kNoMemory = "stopngo: not enough memory\n";
 
 int Main(int argc, char** argv) {
   OccupyClosedStreams();
+  ForgetFontsAtEnd();
   CatchSignals();
   std::set_terminate(EndWhereNothingMayBeThrown);
   const auto tell = [](const char* sentence, ExitCode code) {

@@ -23,10 +23,10 @@
 #include "host/common/failure.h"
 #include "host/common/text.h"
 #include "host/detector.h"
+#include "host/overlay/debug_picture.h"
+#include "host/overlay/overlay.h"
 #include "host/sampled_area.h"
 #include "host/settings/settings.h"
-#include "overlay/debug_picture.h"
-#include "overlay/overlay.h"
 #include "vel_stopngo_ctx.h"
 #include "video/damage.h"
 #include "video/open_sink.h"
@@ -225,14 +225,14 @@ class Rendering {
       overlay_.Record(report);
       const bool still_wanted = still_.Wants(report);
       if (sink_) FillGap(report.time_s);
-      if (sink_ || still_wanted) overlay_.Draw(frame, report, detector_.Context());
+      if (sink_ || still_wanted) overlay_.Draw(ViewOf(frame), report, detector_.Context());
       if (still_wanted) still_.Take(overlay_.Picture(), report.time_s);
       if (sink_) WritePicture();
       if (progress) progress->Step();
     }
     if (counts_.frames == 0 && !Interrupted()) throw Failure(arguments_.source.input + ": holds no frames");
     if (!still_.WantsLast() || counts_.frames == 0) return;
-    overlay_.Draw(frame, report, detector_.Context());
+    overlay_.Draw(ViewOf(frame), report, detector_.Context());
     still_.Take(overlay_.Picture(), report.time_s);
   }
 

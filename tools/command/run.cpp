@@ -26,9 +26,9 @@
 #include "command/run/monitor.h"
 #include "command/subcommand.h"
 #include "host/common/failure.h"
+#include "host/overlay/debug_picture.h"
 #include "host/settings/settings.h"
 #include "live/command_line.h"
-#include "overlay/debug_picture.h"
 
 namespace stopngo {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "draw/canvas.h"
+#include "host/draw/canvas.h"
 
 namespace stopngo {
 

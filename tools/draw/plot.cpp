@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "draw/axes.h"
-#include "draw/style.h"
 #include "host/common/text.h"
+#include "host/draw/style.h"
 
 namespace stopngo {
 namespace {

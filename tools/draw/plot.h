@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "draw/canvas.h"
+#include "host/draw/canvas.h"
 
 namespace stopngo {
 

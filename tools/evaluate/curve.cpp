@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "draw/axes.h"
-#include "draw/style.h"
 #include "evaluate/figures.h"
 #include "host/common/text.h"
+#include "host/draw/style.h"
 
 namespace stopngo {
 namespace {

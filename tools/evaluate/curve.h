@@ -4,8 +4,8 @@
 #include <ostream>
 #include <span>
 
-#include "draw/canvas.h"
 #include "evaluate/tally.h"
+#include "host/draw/canvas.h"
 
 namespace stopngo {
 

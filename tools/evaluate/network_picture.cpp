@@ -5,9 +5,9 @@
 #include <cmath>
 #include <span>
 
-#include "draw/style.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
+#include "host/draw/style.h"
 
 namespace stopngo {
 namespace {

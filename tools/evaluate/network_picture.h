@@ -1,8 +1,8 @@
 // network_picture.h: a network's first layer as a picture, a panel a hidden node.
 #pragma once
 
-#include "draw/canvas.h"
 #include "evaluate/network_figures.h"
+#include "host/draw/canvas.h"
 
 namespace stopngo {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "draw/plot.h"
-#include "draw/style.h"
+#include "host/draw/style.h"
 
 namespace stopngo {
 namespace {

@@ -1,7 +1,5 @@
 // canvas.cpp: shapes, text and images on a Cairo surface.
-#include "draw/canvas.h"
-
-#include <fontconfig/fontconfig.h>
+#include "host/draw/canvas.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,15 +46,6 @@ SurfacePtr GreySurface(const GreyImage& image) {
   cairo_surface_mark_dirty(surface.get());
   return surface;
 }
-
-/// Cairo and Fontconfig keep fonts for the next text. At the end of the program they are told that none comes,
-/// so that what is left of the heap then is a leak.
-struct KeptFonts {
-  ~KeptFonts() {
-    cairo_debug_reset_static_data();
-    FcFini();
-  }
-};
 
 }  // namespace
 
@@ -161,7 +150,6 @@ void Canvas::Arrow(Point tail, Point head, const Colour& colour, double line) {
 }
 
 void Canvas::Font(const TextStyle& style) {
-  static const KeptFonts fonts;
   cairo_select_font_face(Cairo(), "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL,
                          style.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Cairo(), style.size);

@@ -1,5 +1,5 @@
 // panels.cpp: draws the panels beside the region.
-#include "overlay/panels.h"
+#include "host/overlay/panels.h"
 
 #include <algorithm>
 #include <array>
@@ -7,10 +7,11 @@
 #include <cstdint>
 #include <numbers>
 
-#include "draw/style.h"
 #include "host/common/text.h"
+#include "host/draw/style.h"
 #include "host/gates/gates.h"
-#include "overlay/field.h"
+#include "host/overlay/field.h"
+#include "host/settings/gate_kinds.h"
 
 namespace stopngo {
 namespace {
@@ -91,15 +92,24 @@ Gauge ScoreGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
           .colour = report.score > threshold ? style::kAbove : style::kBelow};
 }
 
+/// Which gate holds the alarm back, or how many do: the row is short. Empty: none.
+std::string HeldBy(const ClosedGates& closed) {
+  const auto held = closed.size() - static_cast<std::size_t>(std::ranges::count(closed, nullptr));
+  if (held == 0) return {};
+  if (held > 1) return "held by " + std::to_string(held) + " gates";
+  const auto only = std::ranges::find_if(closed, [](const char* reason) { return reason != nullptr; });
+  return std::string("held by ") + kGateNames.at(static_cast<std::size_t>(only - closed.begin()));
+}
+
 /// The counter has to pass TimeLeaving, so the bar is full one above it: at the alarm. A closed gate puts that out of
 /// reach.
 Gauge CounterGauge(const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   const double full = ctx.TimeLeaving + 1.0;
-  const std::string held = ClosedText(report.closed);
+  const std::string held = HeldBy(report.closed);
   // More divisions than this would leave nothing of the bar between them.
   constexpr int kMostSegments = 30;
   return {.name = "Alarm counter",
-          .remark = held.empty() ? "alarm above " + std::to_string(ctx.TimeLeaving) : "held by " + held,
+          .remark = held.empty() ? "alarm above " + std::to_string(ctx.TimeLeaving) : held,
           .value = std::to_string(report.alarm_counter),
           .filled = full > 0 ? report.alarm_counter / full : 0,
           .segments = full <= kMostSegments ? static_cast<int>(full) : 0,

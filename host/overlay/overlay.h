@@ -4,9 +4,9 @@
 #include <deque>
 #include <optional>
 
-#include "draw/canvas.h"
 #include "host/common/luma.h"
 #include "host/detector.h"
+#include "host/draw/canvas.h"
 #include "host/sampled_area.h"
 
 namespace stopngo {
@@ -21,7 +21,7 @@ class Overlay {
   /// Notes a frame's score for the strip; called for every frame, drawn or not.
   void Record(const FrameReport& report);
   /// Draws a frame that was recorded and written last; ctx: the detector's record after that write.
-  void Draw(const LumaFrame& frame, const FrameReport& report, const VEL_STOPNGO_CTX& ctx);
+  void Draw(const LumaView& frame, const FrameReport& report, const VEL_STOPNGO_CTX& ctx);
   [[nodiscard]] const Canvas& Picture() const { return canvas_; }
 
  private:

@@ -3,8 +3,8 @@
 
 #include <deque>
 
-#include "draw/canvas.h"
 #include "host/detector.h"
+#include "host/draw/canvas.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "draw/canvas.h"
+#include "host/draw/canvas.h"
 
 namespace stopngo::style {
 

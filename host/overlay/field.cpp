@@ -1,5 +1,5 @@
 // field.cpp: draws the block grid's vectors and the cells' borders.
-#include "overlay/field.h"
+#include "host/overlay/field.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // overlay.cpp: puts a frame, the region with its vectors, and the panels together.
-#include "overlay/overlay.h"
+#include "host/overlay/overlay.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "draw/style.h"
-#include "overlay/field.h"
-#include "overlay/panels.h"
+#include "host/draw/style.h"
+#include "host/overlay/field.h"
+#include "host/overlay/panels.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {
@@ -94,7 +94,7 @@ class PanelLayout {
 
 /// The region in the frame's pixels. Its coordinates are those of the working size; frames of
 /// 1920 × 1080 and 1280 × 720 stand for a working size of 800 × 480 whatever the settings say.
-Box RegionBox(const VEL_STOPNGO_CTX& ctx, const LumaFrame& frame) {
+Box RegionBox(const VEL_STOPNGO_CTX& ctx, const LumaView& frame) {
   const bool original = OriginalSize(ctx.originalSize, static_cast<int>(ctx.EndXInput)).has_value();
   const double x = original ? frame.width / kDesignWidth : 1;
   const double y = original ? frame.height / kDesignHeight : 1;
@@ -161,7 +161,7 @@ void Overlay::Record(const FrameReport& report) {
   while (history_.front().time_s < report.time_s - history_s_) history_.pop_front();
 }
 
-void Overlay::Draw(const LumaFrame& frame, const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
+void Overlay::Draw(const LumaView& frame, const FrameReport& report, const VEL_STOPNGO_CTX& ctx) {
   canvas_.Image({.pixels = frame.pixels, .width = frame.width, .height = frame.height},
                 {0, 0, static_cast<double>(frame.width), static_cast<double>(frame.height)});
   const Box region = RegionBox(ctx, frame);

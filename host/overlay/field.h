@@ -1,8 +1,8 @@
 // field.h: motion vectors and cells, in the frame or over an analysis buffer shown apart.
 #pragma once
 
-#include "draw/canvas.h"
-#include "draw/style.h"
+#include "host/draw/canvas.h"
+#include "host/draw/style.h"
 #include "vel_stopngo_ctx.h"
 
 namespace stopngo {

@@ -1,5 +1,5 @@
 // debug_picture.cpp: the debug framebuffer as a picture file.
-#include "overlay/debug_picture.h"
+#include "host/overlay/debug_picture.h"
 
 #include <cstddef>
 
