@@ -21,9 +21,16 @@ namespace {
 constexpr unsigned kModeBits = 07777;
 constexpr unsigned kRightsAlone = 0777;  // without those that lend the owner's
 
+/// An owner is given only where it is another one: a service's sandbox may end who asks (packaging/stopngo@.service).
+bool TakeOwner(int file, const struct stat& old) {
+  struct stat own {};
+  if (fstat(file, &own) == 0 && own.st_uid == old.st_uid && own.st_gid == old.st_gid) return true;
+  return fchown(file, old.st_uid, old.st_gid) == 0 || fchown(file, -1, old.st_gid) == 0;
+}
+
 /// Before there is anything in it to read.
 void TakeModeAndOwner(int file, const struct stat& old) {
-  const bool owned = fchown(file, old.st_uid, old.st_gid) == 0 || fchown(file, -1, old.st_gid) == 0;
+  const bool owned = TakeOwner(file, old);
   fchmod(file, old.st_mode & (owned ? kModeBits : kRightsAlone));
 }
 
