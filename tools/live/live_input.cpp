@@ -8,6 +8,7 @@
 #include <exception>
 #include <utility>
 
+#include "base/interruption.h"
 #include "base/warning.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
@@ -95,7 +96,10 @@ double LiveInput::Patience_s() const {
   return opening_ ? std::max(limits_.silence_s, limits_.opening_s) : limits_.silence_s;
 }
 
-bool LiveInput::Silent() const { return waiting_ && SecondsSince(last_heard_) > limits_.silence_s; }
+bool LiveInput::Silent() const { return waiting_ && SecondsSince(last_heard_) > Patience_s(); }
+
+// A signal has sources end by themselves, before whoever takes their frames has seen it.
+bool LiveInput::IsEnding() const { return ending_ || Interrupted(); }
 
 void LiveInput::WakeReader() { pthread_kill(thread_.native_handle(), kWakes); }
 
@@ -106,12 +110,12 @@ void LiveInput::Run() {
       std::string trouble;
       try {
         Connect();
-        if (opens_anew_.exchange(false) && !ending_) continue;
-        if (ending_ || (limits_.ends && !Silent())) break;
+        if (opens_anew_.exchange(false) && !IsEnding()) continue;
+        if (IsEnding() || (limits_.ends && !Silent())) break;
         trouble = Silent() ? Print("no frame for %.3g s", limits_.silence_s) : "it has ended";
       } catch (const Failure& failure) {
         if (failure.Code() == ExitCode::kUsage) throw;
-        if (ending_) break;
+        if (IsEnding()) break;
         if (opens_anew_.exchange(false)) continue;
         trouble = Silent() ? Print("nothing came for %.3g s", Patience_s()) : failure.what();
       }
@@ -143,7 +147,7 @@ bool LiveInput::TryAgain(const std::string& trouble) {
   wait_s_ = wait_s_ == 0 ? limits_.first_wait_s : std::min(2 * wait_s_, limits_.longest_wait_s);
   Report(sentence + Print("; opened anew in %.3g s", wait_s_));
   WaitFor(steady_clock::now() + Seconds(wait_s_));
-  return !ending_;
+  return !IsEnding();
 }
 
 void LiveInput::WaitFor(SteadyTime time) {

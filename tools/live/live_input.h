@@ -79,8 +79,9 @@ class LiveInput {
   void WakeReader();
   [[nodiscard]] double Patience_s() const;
   [[nodiscard]] bool Silent() const;
+  [[nodiscard]] bool IsEnding() const;
   void TellSilence();
-  [[nodiscard]] bool GivesUp() const { return ending_ || opens_anew_ || (limits_.reopens && Silent()); }
+  [[nodiscard]] bool GivesUp() const { return IsEnding() || opens_anew_ || (limits_.reopens && Silent()); }
   void Heard() { last_heard_ = std::chrono::steady_clock::now(); }
 
   std::string name_;

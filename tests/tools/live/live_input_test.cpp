@@ -155,6 +155,31 @@ TEST(LiveInputTest, TroublesAreTriedAgainAndTheClockGoesOn) {
   EXPECT_FALSE(played.figures.connected);
 }
 
+// A network camera takes its time before the first frame, which is no silence.
+TEST(LiveInputTest, OpeningMayTakeLongerThanAFrame) {
+  const OpenLive slow = [](const std::function<bool()>& gives_up, RemarkHearer hear) {
+    const SteadyTime opened = std::chrono::steady_clock::now() + milliseconds(400);
+    while (std::chrono::steady_clock::now() < opened) {
+      if (gives_up()) throw Failure("played: given up");
+      std::this_thread::sleep_for(milliseconds(1));
+    }
+    return std::make_unique<PlayedSource>(Opening{"", 1}, gives_up, std::move(hear));
+  };
+  LiveLimits limits = Quick();
+  limits.retries = 0;
+  const auto end = [&] {
+    LiveInput input("played", slow, limits);
+    LiveFrame frame;
+    return FailureOf([&] {
+      while (input.Take(frame, kPatience) != LiveInput::Taken::kEnd) continue;
+    });
+  };
+  limits.opening_s = 20;
+  EXPECT_EQ(end(), "played: it has ended");
+  limits.opening_s = 0.3;
+  EXPECT_EQ(end(), "played: nothing came for 0.3 s");
+}
+
 TEST(LiveInputTest, RetriesComeToAnEnd) {
   LiveLimits limits = Quick();
   limits.retries = 2;
