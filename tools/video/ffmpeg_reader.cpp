@@ -96,10 +96,18 @@ class FfmpegSource : public FrameSource {
 
   [[noreturn]] void Fail(const std::string& reason) const { throw Failure(name_ + ": " + reason); }
 
+  // Some decoders that have lacked memory end the program when they are closed: this one is left as it is, with its
+  // threads, and with whom they tell of faults.
+  [[noreturn]] void FailWithoutMemory() {
+    (void)codec_.release();
+    (void)faults_.release();
+    Fail(FfmpegError(AVERROR(ENOMEM)));
+  }
+
   void OpenDecoder(const AVCodec* decoder, bool live) {
     codec_.reset(Made(Ffmpeg().avcodec_alloc_context3(decoder)));
     int error = Ffmpeg().avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
-    faults_.ListenTo(*codec_);
+    faults_->ListenTo(*codec_);
     codec_->thread_count = 0;  // as many as there are processors
     // Live, threads share a picture: those that take one each keep as many back.
     if (live) codec_->thread_type = FF_THREAD_SLICE;
@@ -140,12 +148,14 @@ class FfmpegSource : public FrameSource {
   bool Decode() {
     for (;;) {
       const int received = Ffmpeg().avcodec_receive_frame(codec_.get(), frame_.get());
-      if (faults_.Take() && begun_) TellFault();
+      if (faults_->Take() && begun_) TellFault();
       if (received >= 0) return true;
       if (received == AVERROR_EOF) return false;
       // A damaged picture costs itself alone; the decoder finds its way back at the next one.
       if (received == AVERROR_INVALIDDATA) {
         TellUndecoded(last_s_, received);
+      } else if (received == AVERROR(ENOMEM)) {
+        FailWithoutMemory();
       } else if (received != AVERROR(EAGAIN)) {
         Fail(FfmpegError(received));
       }
@@ -187,10 +197,10 @@ class FfmpegSource : public FrameSource {
     // A recording may be cut out of a stream: what its first pictures refer to is not there, and they do not come.
     if (!begun_ && (packet_->flags & AV_PKT_FLAG_KEY) != 0) {
       begun_ = true;
-      faults_.Take();
+      faults_->Take();
     }
     const int sent = Ffmpeg().avcodec_send_packet(codec_.get(), packet_.get());
-    if (sent == AVERROR(ENOMEM)) Fail(FfmpegError(sent));
+    if (sent == AVERROR(ENOMEM)) FailWithoutMemory();
     if (sent < 0) TellUndecoded(time_s, sent);
   }
 
@@ -310,7 +320,7 @@ class FfmpegSource : public FrameSource {
   std::unique_ptr<std::function<bool()>> gives_up_;  ///< asked by input_, too
   FfmpegOwned<AVFormatContext> input_;
   AnnouncedEnd end_;
-  DecoderFaults faults_;
+  std::unique_ptr<DecoderFaults> faults_ = std::make_unique<DecoderFaults>();
   bool begun_ = false;  ///< with a packet that can be decoded by itself
   FfmpegOwned<AVCodecContext> codec_;
   FfmpegOwned<AVPacket> packet_;
