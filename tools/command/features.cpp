@@ -1,15 +1,14 @@
 // features.cpp: stopngo features: keeps what the module's histograms are in clips, and tells what they look like.
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "base/file_register.h"
+#include "base/output_folder.h"
 #include "base/progress.h"
 #include "base/results.h"
 #include "clips/manifest.h"
@@ -135,9 +134,7 @@ void FeaturesCommand::RunTable() const {
 }
 
 void FeaturesCommand::RunMaking() const {
-  std::error_code error;
-  std::filesystem::create_directories(output_, error);
-  if (error) throw Failure(output_ + ": " + error.message());
+  MakeOutputFolder(output_);
   const Module module;
   std::optional<Progress> progress;
   const std::size_t made = MakeFeatures(

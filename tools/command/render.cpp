@@ -16,6 +16,7 @@
 #include "base/progress.h"
 #include "base/results.h"
 #include "base/warning.h"
+#include "command/options/number_checks.h"
 #include "command/options/settings_options.h"
 #include "command/options/setup_check.h"
 #include "command/options/source_options.h"
@@ -306,10 +307,10 @@ RenderCommand::RenderCommand(CLI::App& app) : arguments_(app) {
       ->type_name("FILE.png");
   app.add_option("--still-at", arguments_.still_at, "the still picture is of this time instead")
       ->type_name("SECONDS")
-      ->check(CLI::NonNegativeNumber);
+      ->check(ZeroOrMore());
   app.add_option("--history", arguments_.history_s, "seconds that the strip of scores covers")
       ->type_name("SECONDS")
-      ->check(CLI::Range(1.0, 3600.0))
+      ->check(Within(1, 3600))
       ->capture_default_str();
   AddAllowDamaged(app, arguments_.allow_damaged);
   app.add_flag("--json", arguments_.json, "the summary as one line of JSON");

@@ -17,8 +17,10 @@
 #include "base/file_register.h"
 #include "base/interruption.h"
 #include "base/output_file.h"
+#include "base/output_folder.h"
 #include "base/parallel.h"
 #include "base/warning.h"
+#include "command/options/number_checks.h"
 #include "command/options/settings_options.h"
 #include "command/options/source_options.h"
 #include "command/report/trace.h"
@@ -80,7 +82,7 @@ RunCommand::RunCommand(CLI::App& app) : options_(app, plan_.settings) {
   app.add_flag("--json", plan_.json, "JSON Lines: an object a decision, the summary last");
   app.add_option("--jobs", jobs_, "how many of several recordings run at once; live inputs all do")
       ->type_name("N")
-      ->check(CLI::PositiveNumber)
+      ->check(AboveZero())
       ->capture_default_str();
   AddLiveOptions(app, plan_.live, plan_.source);
 }
@@ -108,6 +110,7 @@ void RunCommand::Complete() {
 
 void RunCommand::Run() {
   const Module module;
+  if (!plan_.live.clips.folder.empty()) MakeOutputFolder(plan_.live.clips.folder);
   std::optional<AlarmCommand> on_alarm;
   if (!on_alarm_.empty()) {
     on_alarm.emplace(on_alarm_, plan_.live.on_alarm_jobs, plan_.live.on_alarm_limit_s);

@@ -17,6 +17,7 @@
 #include "base/progress.h"
 #include "base/results.h"
 #include "clips/region.h"
+#include "command/options/number_checks.h"
 #include "command/subcommand.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
@@ -41,22 +42,6 @@ struct SynthArguments {
 
 constexpr double kDeparture_s = 5;  // unless told otherwise
 constexpr double kAcceleration = 1.2;
-
-struct Range {
-  double least, most;
-};
-
-/// The parser's own check lets a number pass that is none.
-CLI::Validator Within(Range range) {
-  const std::string text = PlainText(range.least) + " - " + PlainText(range.most);
-  return {[range](const std::string& given) {
-            const std::optional<double> number = FiniteOf(given);
-            if (number && *number >= range.least && *number <= range.most) return std::string();
-            return Quoted(given) + " is no number from " + PlainText(range.least) + " to " +
-                   PlainText(range.most);
-          },
-          "FLOAT in [" + text + "]"};
-}
 
 void ParseSize(const std::string& text, SceneOptions& scene) {
   const auto refuse = [&](const char* reason) {
@@ -191,22 +176,23 @@ SynthCommand::SynthCommand(CLI::App& app) {
       ->check(CLI::IsMember(kinds));
   app.add_flag("--list-kinds", arguments_.list_kinds, "tell the kinds of scenes");
   app.add_option("--size", arguments_.size, "size of the picture")->type_name("WxH")->capture_default_str();
-  const auto number = [&app](const char* name, std::optional<double>& value, const char* help, Range range) {
-    app.add_option(name, value, help)->type_name("NUMBER")->check(Within(range));
+  const auto number = [&app](const char* name, std::optional<double>& value, const char* help,
+                             const CLI::Validator& takes) {
+    app.add_option(name, value, help)->type_name("NUMBER")->check(takes);
   };
   // What a street, a camera and a vehicle can be like.
-  number("--rate", arguments_.fps, "frames a second; 25 unless drawn", {1, 240});
-  number("--length", arguments_.length_s, "length in seconds; 12 unless drawn", {0.1, 3600});
+  number("--rate", arguments_.fps, "frames a second; 25 unless drawn", Within(1, 240));
+  number("--length", arguments_.length_s, "length in seconds; 12 unless drawn", Within(0.1, 3600));
   number("--departure", arguments_.departure_s,
-         "second at which the vehicle starts; past the length: never; 5 unless drawn", {0, 1e6});
+         "second at which the vehicle starts; past the length: never; 5 unless drawn", Within(0, 1e6));
   number("--distance", arguments_.distance_m, "metres to the vehicle's rear while it waits; 5 unless drawn",
-         {2, 1000});
+         Within(2, 1000));
   number("--acceleration", arguments_.acceleration,
-         "of the vehicle, m/s², reached after 0.8 s; 1.2 unless drawn", {0.1, 10});
+         "of the vehicle, m/s², reached after 0.8 s; 1.2 unless drawn", Within(0.1, 10));
   number("--vibration", arguments_.vibration, "largest shake of the picture, pixels; 0.4 unless drawn",
-         {0, 8});
+         Within(0, 8));
   number("--noise", arguments_.noise, "standard deviation of the sensor noise, grey levels; 2 unless drawn",
-         {0, 60});
+         Within(0, 60));
   app.add_option("--seed", arguments_.seed,
                  "chooses street, vehicle, noise and shake; the same gives the same bytes")
       ->type_name("N")

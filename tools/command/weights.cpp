@@ -11,6 +11,7 @@
 #include "base/file_register.h"
 #include "base/output_file.h"
 #include "base/results.h"
+#include "command/options/number_checks.h"
 #include "command/subcommand.h"
 #include "evaluate/network_figures.h"
 #include "evaluate/network_picture.h"
@@ -215,7 +216,7 @@ WeightsCommand::WeightsCommand(CLI::App& app) {
   app.add_option("--hiddens", arguments_.hiddens, "its hidden nodes")->type_name("N");
   app.add_option("--columns", arguments_.columns, "cells in a row of the grid that the inputs look at")
       ->type_name("N")
-      ->check(CLI::PositiveNumber)
+      ->check(AboveZero())
       ->capture_default_str();
   app.add_option("--picture", arguments_.picture, "PNG picture of the first layer, a panel a hidden node")
       ->type_name("FILE");

@@ -10,20 +10,17 @@
 #include <vector>
 
 #include "host/detector.h"
-#include "host/draw/kept_fonts.h"
 #include "host/gstreamer/formats.h"
 #include "host/gstreamer/luma_reader.h"
 #include "host/module/module.h"
 #include "host/overlay/overlay.h"
 #include "host/sampled_area.h"
 #include "pipe.h"
+#include "support/forgotten_fonts.h"
 #include "support/squares.h"
 
 namespace stopngo::test {
 namespace {
-
-// What is left of the heap then is a leak.
-const bool kFontsAreForgotten = (ForgetFontsAtEnd(), true);
 
 const Properties kDrawn{{"weights", ""}, {"no-weights", "true"}, {"draw", "all"}};
 /// Behind it, frames are not analysed: without weights every score is high.

@@ -10,14 +10,11 @@
 #include "classify.h"
 #include "host/common/failure.h"
 #include "host/draw/canvas.h"
-#include "host/draw/kept_fonts.h"
 #include "host/settings/weights_file.h"
+#include "support/forgotten_fonts.h"
 
 namespace stopngo::test {
 namespace {
-
-// What is left of the heap then is a leak.
-const bool kFontsAreForgotten = (ForgetFontsAtEnd(), true);
 
 // A node that only motion to the right in one cell raises shows in that cell's right-hand triangle alone.
 TEST(NetworkPicture, ShowsAWeightWhereItsCellIs) {

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <vector>
 
+#include "support/forgotten_fonts.h"
 #include "train/trainer.h"
 
 namespace stopngo::test {

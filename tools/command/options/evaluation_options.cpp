@@ -6,6 +6,7 @@
 
 #include "base/parallel.h"
 #include "clips/manifest.h"
+#include "command/options/number_checks.h"
 #include "command/options/setup_check.h"
 #include "command/options/source_options.h"
 
@@ -19,7 +20,7 @@ EvaluationOptions::EvaluationOptions(CLI::App& app) : jobs(HardwareJobs()), opti
   app.add_option("--false-alarms-per-hour", false_per_hour,
                  "of standing: the limit within which the best is searched")
       ->type_name("NUMBER")
-      ->check(CLI::NonNegativeNumber)
+      ->check(ZeroOrMore())
       ->capture_default_str();
   AddAllowDamaged(app, allow_damaged);
   AddFeaturesFrom(app, features_from_);

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "base/interruption.h"
+#include "command/options/number_checks.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
 #include "video/playlist.h"
@@ -68,12 +69,7 @@ void AddSourceOptions(CLI::App& app, SourceOptions& options) {
   app.add_option("--raw-fps", options.raw_fps, "frames a second of raw luma")
       ->type_name("NUMBER")
       ->capture_default_str()
-      ->check([](const std::string& text) {
-        double fps = 0;
-        // What the option itself will read.
-        const bool usable = CLI::detail::lexical_cast(text, fps) && fps > 0 && std::isfinite(fps);
-        return usable ? std::string() : Quoted(text) + " is no number above 0";
-      });
+      ->check(AboveZero());
 }
 
 void AddAllowDamaged(CLI::App& app, bool& allow_damaged) {

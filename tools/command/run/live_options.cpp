@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "command/options/number_checks.h"
 #include "host/common/luma.h"
 #include "host/common/text.h"
 
@@ -32,12 +33,12 @@ void AddAlarmOptions(CLI::App& app, LiveOptions& options) {
   app.add_option("--on-alarm-jobs", options.on_alarm_jobs,
                  "how many of these commands may run at once; alarms beyond them are left out")
       ->type_name("N")
-      ->check(CLI::PositiveNumber)
+      ->check(AboveZero())
       ->capture_default_str()
       ->group(kAlarms);
   app.add_option("--on-alarm-limit", options.on_alarm_limit_s, "seconds that such a command may take")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.1, 86400.0))
+      ->check(Within(0.1, 86400))
       ->capture_default_str()
       ->group(kAlarms);
 }
@@ -55,7 +56,7 @@ void AddClipOptions(CLI::App& app, ClipOptions& clips) {
   const auto seconds = [&app](const char* name, double& value, const char* help) {
     app.add_option(name, value, help)
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, 300.0))
+        ->check(Within(0, 300))
         ->capture_default_str()
         ->group(kAlarms);
   };
@@ -68,14 +69,14 @@ void AddClipOptions(CLI::App& app, ClipOptions& clips) {
          },
          "megabytes of such videos that are kept, the newest")
       ->type_name("NUMBER")
-      ->check(CLI::Range(1.0, 1e6))
+      ->check(Within(1, 1e6))
       ->default_str("1000")
       ->group(kAlarms);
   app.add_option_function<double>(
          "--clips-age", [&clips](double days) { clips.bounds.max_age_s = days * kDay_s; },
          "days that such videos are kept")
       ->type_name("NUMBER")
-      ->check(CLI::Range(0.01, 3650.0))
+      ->check(Within(0.01, 3650))
       ->default_str("30")
       ->group(kAlarms);
 }
@@ -95,12 +96,12 @@ void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) 
       ->group(kGroup);
   app.add_option("--fps", source.asked_fps, "what a camera is asked for: frames a second")
       ->type_name("NUMBER")
-      ->check(CLI::Range(0.1, 1000.0))
+      ->check(Within(0.1, 1000))
       ->group(kGroup);
   app.add_option("--silence", options.limits.silence_s,
                  "seconds without a frame after which a live input is opened anew")
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.1, 3600.0))
+      ->check(Within(0.1, 3600))
       ->capture_default_str()
       ->group(kGroup);
   app.add_option(
@@ -108,7 +109,7 @@ void AddLiveOptions(CLI::App& app, LiveOptions& options, SourceOptions& source) 
          "how often in a row a live input that fails is opened anew, after half a second, a whole one, up to "
          "30; without it for ever")
       ->type_name("N")
-      ->check(CLI::NonNegativeNumber)
+      ->check(ZeroOrMore())
       ->group(kGroup);
   app.add_option(
          "--status", options.status,

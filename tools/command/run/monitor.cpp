@@ -23,6 +23,7 @@ constexpr std::chrono::seconds kBetweenStatus{1};
 
 Monitor::Monitor(const InputRuns& runs, const RunPlan& plan, bool reloads) : runs_(runs), plan_(plan) {
   if (reloads) reloads_.emplace();
+  WriteStatus();
   thread_ = std::thread([this] { Watch(); });
 }
 
@@ -33,7 +34,9 @@ Monitor::~Monitor() {
 
 void Monitor::Watch() {
   manager_.Tell("READY=1");
-  for (SteadyTime due = steady_clock::now(); !ending_; std::this_thread::sleep_for(kBetweenLooks)) {
+  TellManager();
+  for (SteadyTime due = steady_clock::now() + kBetweenStatus; !ending_;
+       std::this_thread::sleep_for(kBetweenLooks)) {
     if (ReloadsAtHangup::TakeRequest()) Reload();
     const SteadyTime now = steady_clock::now();
     if (now < due) continue;
@@ -45,7 +48,7 @@ void Monitor::Watch() {
   manager_.Tell("STOPPING=1");
 }
 
-void Monitor::TellStatus() {
+void Monitor::WriteStatus() const {
   const std::string& path = plan_.live.status;
   if (path.empty()) return;
   Json line{{"type", "status"},
@@ -58,15 +61,19 @@ void Monitor::TellStatus() {
     line["on_alarm"] = {
         {"started", counts.started}, {"failed", counts.failed}, {"left_out", counts.left_out}};
   }
+  if (path == "-") {
+    WriteResult(JsonLine(line));
+  } else {
+    WriteFile(path, JsonLine(line) + '\n', OutputFile::Lasts::kUntilPowerFails);
+  }
+}
+
+// Who watches is not who is watched: where the status cannot be written any more, the detector goes on.
+void Monitor::TellStatus() {
   try {
-    if (path == "-") {
-      WriteResult(JsonLine(line));
-    } else {
-      WriteFile(path, JsonLine(line) + '\n', OutputFile::Lasts::kUntilPowerFails);
-    }
-    if (std::exchange(failing_, false)) Report(path + ": is written again");
+    WriteStatus();
+    if (std::exchange(failing_, false)) Report(plan_.live.status + ": is written again");
   } catch (const Failure& failure) {
-    // Who watches is not who is watched: the detector goes on.
     if (!std::exchange(failing_, true)) Report(failure.what());
   }
 }

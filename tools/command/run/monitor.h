@@ -14,7 +14,8 @@ namespace stopngo {
 /// On a thread of its own, from its making to its end.
 class Monitor {
  public:
-  /// All of it outlives the monitor. reloads: SIGHUP has the settings read anew.
+  /// All of it outlives the monitor. reloads: SIGHUP has the settings read anew. Tells the status for the first time:
+  /// throws Failure where it cannot be written.
   Monitor(const InputRuns& runs, const RunPlan& plan, bool reloads);
   /// Tells the status once more.
   ~Monitor();
@@ -23,6 +24,7 @@ class Monitor {
 
  private:
   void Watch();
+  void WriteStatus() const;
   void TellStatus();
   void TellManager();
   void Reload();

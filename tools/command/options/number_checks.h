@@ -1,0 +1,13 @@
+// number_checks.h: which numbers an option takes. The parser's own checks let pass what is no number, such as nan.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace stopngo {
+
+/// From least to most, both taken.
+CLI::Validator Within(double least, double most);
+CLI::Validator AboveZero();
+CLI::Validator ZeroOrMore();
+
+}  // namespace stopngo
