@@ -68,11 +68,13 @@ CheckCommand::CheckCommand(CLI::App& app) : options_(app, settings_) {
   AddSourceOptions(app, source_);
   app.get_option("INPUT")->required(false);
   app.add_flag("--strict", strict_, "end with exit code 1 when there are warnings");
-  app.add_flag("--print", print_, "the settings in force, and where each came from");
+  auto* const print = app.add_flag("--print", print_, "the settings in force, and where each came from");
+  auto* const json =
+      app.add_flag("--json", json_, "JSON Lines: an object a finding, then a setting, the summary last");
   app.add_option("--emit", emit_, "c: the control call that sets a device so; toml: the file")
       ->type_name("FORM")
-      ->check(CLI::IsMember({"c", "toml"}));
-  app.add_flag("--json", json_, "JSON Lines: an object a finding, then a setting, the summary last");
+      ->check(CLI::IsMember({"c", "toml"}))
+      ->excludes(print, json);
 }
 
 // It writes standard output alone, which may be led to a file that it reads.

@@ -10,6 +10,7 @@
 #include "base/interruption.h"
 #include "host/common/failure.h"
 #include "host/common/text.h"
+#include "video/reader.h"
 
 namespace stopngo {
 namespace {
@@ -54,10 +55,9 @@ class Asked {
 
   AVDictionary** Settings() { return &settings_; }
 
-  void RefuseUnknown(const std::string& input) const {
+  void RefuseUnknown(const SourceOptions& options) const {
     for (const auto& [setting, option] : {std::pair{kSize, "--size"}, std::pair{kRate, "--fps"}}) {
-      if (av_dict_get(settings_, setting, nullptr, 0) == nullptr) continue;
-      throw Failure(std::string(option) + ": " + input + " cannot be asked for it", ExitCode::kUsage);
+      if (av_dict_get(settings_, setting, nullptr, 0) != nullptr) throw CannotBeAsked(option, options);
     }
   }
 
@@ -88,7 +88,7 @@ FfmpegInput OpenFfmpegInput(const SourceOptions& options) {
       Ffmpeg().avformat_open_input(&opened, UrlOf(options.input).c_str(), format, asked.Settings());
   FfmpegOwned<AVFormatContext> input(opened);
   if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
-  asked.RefuseUnknown(options.input);
+  asked.RefuseUnknown(options);
   AnnouncedEnd end(*input);
   const int unknown = Ffmpeg().avformat_find_stream_info(input.get(), nullptr);
   if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));

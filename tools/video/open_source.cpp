@@ -153,6 +153,8 @@ std::unique_ptr<FrameSource> OpenReader(const SourceOptions& options) {
   if (!raw && !options.format.empty())
     throw Failure("--format: this program was built without FFmpeg", ExitCode::kUsage);
 #endif
+  if (!options.asked_size.empty()) throw CannotBeAsked("--size", options);
+  if (options.asked_fps > 0) throw CannotBeAsked("--fps", options);
   return OpenPlain(options);
 }
 

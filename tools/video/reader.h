@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "host/common/failure.h"
 #include "host/common/text.h"
 #include "video/frame_source.h"
 
@@ -20,6 +21,11 @@ inline std::string PixelRemark(int across, int down) {
 /// How inputs are named to the user.
 inline std::string NameOf(const SourceOptions& options) {
   return options.input == "-" ? "standard input" : options.input;
+}
+
+/// Of an input that has the size and the rate that it has.
+inline Failure CannotBeAsked(const std::string& option, const SourceOptions& options) {
+  return Failure(option + ": " + NameOf(options) + " cannot be asked for it", ExitCode::kUsage);
 }
 
 /// Y4M (8 bits, or monochrome) or, with a raw size, raw luma; from a file or standard input.
