@@ -88,13 +88,13 @@ std::vector<KeptClip> ClipsIn(const std::string& folder) {
 
 }  // namespace
 
-std::string FreeClipPath(const std::string& folder, const Alarm& alarm) {
+std::string FreeClipPath(const std::string& folder, const Alarm& alarm, const std::string& current) {
   std::string time = TimeOfDay(alarm.when);
   std::erase_if(time, [](char letter) { return letter == '-' || letter == ':'; });
   const std::string first = (fs::path(folder) / (time + "-" + Harmless(alarm.input))).string();
-  const auto taken = [](const std::string& path) {
+  const auto taken = [&current](const std::string& path) {
     std::error_code none;
-    return fs::exists(fs::symlink_status(path + ".mkv", none)) ||
+    return path == current || fs::exists(fs::symlink_status(path + ".mkv", none)) ||
            fs::exists(fs::symlink_status(path + ".y4m", none)) ||
            fs::exists(fs::symlink_status(path + ".json", none));
   };

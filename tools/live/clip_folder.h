@@ -13,8 +13,9 @@ struct ClipBounds {
   double max_age_s = 0;         ///< 0: no bound
 };
 
-/// A path without its ending that neither a clip nor its JSON has: "DIR/20261125T123456.789Z-INPUT".
-std::string FreeClipPath(const std::string& folder, const Alarm& alarm);
+/// A path without its ending that neither a clip nor its JSON has: "DIR/20261125T123456.789Z-INPUT", with "-2" and so on
+/// where it is taken. current: one that is going to be.
+std::string FreeClipPath(const std::string& folder, const Alarm& alarm, const std::string& current = {});
 
 /// Removes the oldest clips, each with its JSON, until growing more bytes keep within the bounds. Only what has a clip's
 /// name and its JSON beside it is one: nothing else is touched. Throws Failure when the folder cannot be read.

@@ -2,18 +2,20 @@
 #include "live/clip_keeper.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
-#include <optional>
+#include <iterator>
 #include <utility>
 
 #include "base/time_of_day.h"
 #include "base/warning.h"
-#include "live/clip_file.h"
+#include "live/clip_writer.h"
 
 namespace stopngo {
 namespace {
 
 constexpr std::chrono::minutes kLongestClip{10};  // however many alarms follow one another
+constexpr std::chrono::seconds kMissing{1};       // at the end without anything: the input was away
 constexpr double kUsualRate = 6;                  // frames a second, of a clip that holds one
 
 std::chrono::steady_clock::duration TicksOf(double time_s) {
@@ -37,7 +39,7 @@ void ClipKeeper::Stream(const AVStream& stream) {
   const auto copy = StreamOf(stream);
   const std::lock_guard lock(turns_);
   stream_ = copy;
-  StartAnew();
+  awaits_key_ = true;
 #else
   (void)stream;
 #endif
@@ -69,8 +71,6 @@ void ClipKeeper::Frame(const LumaFrame& frame) {
   piece.frame = std::make_shared<const LumaFrame>(frame);
   piece.bytes = frame.pixels.size();
   const std::lock_guard lock(turns_);
-  const LumaFrame* const last = ring_.empty() ? nullptr : ring_.back().frame.get();
-  if (last != nullptr && (last->width != frame.width || last->height != frame.height)) StartAnew();
   Add(std::move(piece));
 }
 
@@ -115,6 +115,8 @@ ClipKeeper::Counts ClipKeeper::Told() const {
 void ClipKeeper::Add(ClipPiece piece) {
   if (finishing_) return;
   CloseDue(piece.at);
+  awaits_key_ = awaits_key_ && !piece.key;
+  if (awaits_key_) return;
   if (Job* const job = Open()) {
     if (waiting_bytes_ + piece.bytes > 2 * options_.memory) {
       job->closed = job->cut_short = true;  // the disk is too slow for what comes
@@ -130,18 +132,11 @@ void ClipKeeper::Add(ClipPiece piece) {
   Trim(ring_.back().at);
 }
 
-/// What comes from here on does not go on with what came before.
-void ClipKeeper::StartAnew() {
-  ring_.clear();
-  ring_bytes_ = 0;
-  if (Job* const job = Open()) job->closed = job->cut_short = true;
-  news_.notify_one();
-}
-
-/// Keeps what a clip would begin with now: back to the last key that is old enough, as far as memory goes.
+/// Keeps what a clip would begin with now: from the last key on that all is older before, as far as memory goes.
 void ClipKeeper::Trim(Clock::time_point now) {
   auto begin = ring_.begin();
-  for (auto piece = ring_.begin(); piece != ring_.end() && piece->at <= now - before_; ++piece) {
+  for (auto piece = ring_.begin(); piece != ring_.end(); ++piece) {
+    if (piece != ring_.begin() && std::prev(piece)->at > now - before_) break;
     if (piece->key) begin = piece;
   }
   std::size_t bytes = ring_bytes_;
@@ -158,11 +153,17 @@ void ClipKeeper::CloseDue(Clock::time_point now) {
   if (job != nullptr && now > job->until) job->closed = true;
 }
 
-/// They come nearly evenly, and a file has one rate.
+/// They come nearly evenly but for pauses, and a file has one rate.
 double ClipKeeper::RateOfFrames() const {
   if (ring_.size() < 2) return kUsualRate;
-  const double span_s = std::chrono::duration<double>(ring_.back().at - ring_.front().at).count();
-  return std::clamp(static_cast<double>(ring_.size() - 1) / std::max(span_s, 1e-3), 1.0, 240.0);
+  std::vector<double> apart_s;
+  apart_s.reserve(ring_.size());
+  for (std::size_t i = 1; i < ring_.size(); ++i) {
+    apart_s.push_back(std::chrono::duration<double>(ring_[i].at - ring_[i - 1].at).count());
+  }
+  const auto middle = apart_s.begin() + static_cast<std::ptrdiff_t>(apart_s.size() / 2);
+  std::nth_element(apart_s.begin(), middle, apart_s.end());
+  return std::clamp(1 / std::max(*middle, 1e-3), 1.0, 240.0);
 }
 
 void ClipKeeper::Write() {
@@ -170,9 +171,7 @@ void ClipKeeper::Write() {
   for (;;) {
     while (!jobs_.empty()) {
       Job& job = jobs_.front();  // stays where it is when others come
-      const bool written = WriteJob(lock, job);
-      ++(written ? counts_.written : counts_.failed);
-      if (written && job.cut_short) ++counts_.cut_short;
+      WriteJob(lock, job);
       for (const ClipPiece& piece : job.pieces) waiting_bytes_ -= piece.bytes;
       jobs_.pop_front();
     }
@@ -181,51 +180,44 @@ void ClipKeeper::Write() {
   }
 }
 
-/// False when no more of them may be written.
-bool ClipKeeper::WritePieces(std::optional<ClipFile>& file, const Job& job,
-                             const std::deque<ClipPiece>& pieces, std::size_t bytes) {
-  if (pieces.empty()) return true;
-  MakeRoom(options_.folder, options_.bounds, (file ? file->Bytes() : 0) + bytes);
-  if (!file) file.emplace(FreeClipPath(options_.folder, job.first), pieces.front(), job.fps);
-  const std::uint64_t most = options_.bounds.max_bytes;
-  for (const ClipPiece& piece : pieces) {
-    if (most > 0 && file->Bytes() + piece.bytes > most) return false;
-    file->Write(piece);
-  }
-  return true;
-}
-
 /// The lock is given up while anything is written.
-bool ClipKeeper::WriteJob(std::unique_lock<std::mutex>& lock, Job& job) {
+void ClipKeeper::WriteJob(std::unique_lock<std::mutex>& lock, Job& job) {
   std::string fault;
-  std::optional<ClipFile> file;
+  ClipWriter writer({options_.folder, options_.bounds, input_}, job.first, job.fps);
   bool full = false;  // the clip alone reaches the folder's bound
   for (bool last = false; fault.empty() && !last;) {
     CloseDue(Clock::now());
     if (full) job.closed = job.cut_short = true;
     const std::deque<ClipPiece> pieces = std::exchange(job.pieces, {});
+    const std::vector<std::string> alarms = job.alarms;
     last = job.closed;
     lock.unlock();
     std::size_t bytes = 0;
     for (const ClipPiece& piece : pieces) bytes += piece.bytes;
     try {
-      full = full || !WritePieces(file, job, pieces, bytes);
+      full = full || !writer.Write(pieces, alarms);
       // Of a closed job nothing but its pieces changes.
-      if (last && !file) fault = options_.folder + ": nothing had come that a clip could begin with";
-      if (last && file) file->Commit(input_, job.alarms, job.cut_short || full);
+      if (last) {
+        job.cut_short = job.cut_short || full || writer.End() < job.until - kMissing;
+        writer.Finish(alarms, job.cut_short);
+      }
     } catch (const std::exception& error) {
       fault = error.what();
     }
     lock.lock();
     waiting_bytes_ -= bytes;
-    if (last && full) job.cut_short = true;
     if (last || full || !fault.empty()) continue;
     news_.wait_until(lock, job.until, [&job] { return job.closed || !job.pieces.empty(); });
   }
   job.closed = true;
-  if (fault.empty()) return true;
-  Report("no clip of the alarm of " + TimeOfDay(job.first.when) + ": " + fault);
-  return false;
+  counts_.written += writer.Files();
+  if (fault.empty()) {
+    counts_.cut_short += job.cut_short ? 1 : 0;
+    return;
+  }
+  ++counts_.failed;
+  Report((writer.Files() == 0 ? "no clip" : "no more of the clip") + std::string(" of the alarm of ") +
+         TimeOfDay(job.first.when) + ": " + fault);
 }
 
 }  // namespace stopngo

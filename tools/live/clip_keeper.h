@@ -8,7 +8,6 @@
 #include <deque>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,8 +18,6 @@
 #include "video/packet_tap.h"
 
 namespace stopngo {
-
-class ClipFile;
 
 struct ClipOptions {
   std::string folder;
@@ -33,14 +30,15 @@ struct ClipOptions {
 
 /// Packets of an encoded input are written as they are; of others, the frames that the detector gets. What belongs to
 /// an alarm is told by when it came, on a steady clock: by as much as the input's decoder holds back, a clip begins
-/// later before its alarm. Neither the thread that reads nor the detector's waits for the disk: one thread of this
+/// later before its alarm. An input that is opened anew goes on in the clip, or in a second one when its packets or frames are
+/// others. Neither the thread that reads nor the detector's waits for the disk: one thread of this
 /// object writes. What goes wrong there is said and counted, and tried again at the next alarm.
 class ClipKeeper : public PacketTap {
  public:
   struct Counts {
-    std::int64_t written = 0;
+    std::int64_t written = 0;  ///< files
     std::int64_t failed = 0;
-    std::int64_t cut_short = 0;  ///< of those written
+    std::int64_t cut_short = 0;  ///< of those written, that lack their end
   };
 
   ClipKeeper(ClipOptions options, std::string input);
@@ -72,14 +70,11 @@ class ClipKeeper : public PacketTap {
   };
 
   void Add(ClipPiece piece);
-  void StartAnew();
   void Trim(Clock::time_point now);
   Job* Open();
   void CloseDue(Clock::time_point now);
   void Write();
-  bool WritePieces(std::optional<ClipFile>& file, const Job& job, const std::deque<ClipPiece>& pieces,
-                   std::size_t bytes);
-  bool WriteJob(std::unique_lock<std::mutex>& lock, Job& job);
+  void WriteJob(std::unique_lock<std::mutex>& lock, Job& job);
   double RateOfFrames() const;
 
   const ClipOptions options_;
@@ -89,6 +84,7 @@ class ClipKeeper : public PacketTap {
   mutable std::mutex turns_;
   std::condition_variable news_;
   std::shared_ptr<const ClipStream> stream_;
+  bool awaits_key_ = false;  ///< nothing can be made of what comes before it
   std::deque<ClipPiece> ring_;
   std::size_t ring_bytes_ = 0;
   std::size_t waiting_bytes_ = 0;  ///< of all jobs' pieces

@@ -1,7 +1,10 @@
 // clip_piece.cpp: packets of an encoded input, kept for clips.
 #include "live/clip_piece.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <new>
+#include <span>
 
 #include "video/ffmpeg.h"
 
@@ -21,6 +24,16 @@ std::shared_ptr<const ClipStream> StreamOf(const AVStream& stream) {
   copy->unit_denominator = stream.time_base.den;
   copy->codec = Ffmpeg().avcodec_get_name(codec);
   return copy;
+}
+
+bool IsAlike(const ClipStream& a, const ClipStream& b) {
+  const AVCodecParameters& one = *a.parameters;
+  const AVCodecParameters& other = *b.parameters;
+  const auto extra = [](const AVCodecParameters& of) {
+    return std::span(of.extradata, static_cast<std::size_t>(of.extradata_size));
+  };
+  return one.codec_id == other.codec_id && one.width == other.width && one.height == other.height &&
+         one.format == other.format && std::ranges::equal(extra(one), extra(other));
 }
 
 ClipPiece PieceOf(const AVPacket& packet, const std::shared_ptr<const ClipStream>& stream) {

@@ -34,6 +34,8 @@ struct ClipPiece {
 
 /// Null for a stream whose packets are plain pictures: they would take too much, and come as frames as well.
 std::shared_ptr<const ClipStream> StreamOf(const AVStream& stream);
+/// Whether packets of both can be in one file: it tells once what they are to be understood by.
+bool IsAlike(const ClipStream& a, const ClipStream& b);
 /// A copy: a camera has few buffers of its own, and waits for those that are kept.
 ClipPiece PieceOf(const AVPacket& packet, const std::shared_ptr<const ClipStream>& stream);
 

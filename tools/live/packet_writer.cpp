@@ -15,7 +15,7 @@ namespace {
 class MatroskaWriter : public PacketWriter {
  public:
   MatroskaWriter(const std::string& path, OutputFile& file, const ClipPiece& first)
-      : path_(path), unit_{first.stream->unit_numerator, first.stream->unit_denominator}, start_(first.at) {
+      : path_(path), start_(first.at) {
     io_.reset(DescriptorIo::Open(file));
     MustWrite(io_ ? 0 : AVERROR(ENOMEM));
     AVFormatContext* format = nullptr;
@@ -26,10 +26,8 @@ class MatroskaWriter : public PacketWriter {
     stream_ = Ffmpeg().avformat_new_stream(format_.get(), nullptr);
     MustWrite(stream_ == nullptr ? AVERROR(ENOMEM) : 0);
     MustWrite(Ffmpeg().avcodec_parameters_copy(stream_->codecpar, first.stream->parameters.get()));
-    stream_->time_base = unit_;
+    stream_->time_base = {first.stream->unit_numerator, first.stream->unit_denominator};
     MustWrite(Ffmpeg().avformat_write_header(format_.get(), nullptr));
-    const AVPacket& packet = *first.packet;
-    zero_ = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
   }
 
   void Write(const ClipPiece& piece) override {
@@ -53,32 +51,51 @@ class MatroskaWriter : public PacketWriter {
     if (result < 0) throw Failure(path_ + ": " + FfmpegError(result));
   }
 
+  [[nodiscard]] std::int64_t Arrival(const ClipPiece& piece) const {
+    const auto since = std::chrono::duration_cast<std::chrono::microseconds>(piece.at - start_);
+    return av_rescale_q(since.count(), {1, 1000000}, stream_->time_base);
+  }
+
+  /// Each connection's times go on from when its first packet came, behind all that was there.
+  void Follow(const AVPacket& packet, const ClipPiece& piece) {
+    if (connection_ == piece.stream) return;
+    connection_ = piece.stream;
+    zero_ = packet.dts;
+    origin_ = std::max(Arrival(piece), shown_ + 1);
+  }
+
   /// From 0 on and always forward, which the format asks for. Packets that have no times get those of their arrival.
   void Stamp(AVPacket& packet, const ClipPiece& piece) {
     if (packet.dts == AV_NOPTS_VALUE) packet.dts = packet.pts;
+    Follow(packet, piece);
     if (packet.dts == AV_NOPTS_VALUE || zero_ == AV_NOPTS_VALUE) {
-      const auto since = std::chrono::duration_cast<std::chrono::microseconds>(piece.at - start_);
-      packet.dts = packet.pts = av_rescale_q(since.count(), {1, 1000000}, stream_->time_base);
+      packet.dts = packet.pts = Arrival(piece);
       packet.duration = 0;
     } else {
       if (packet.pts == AV_NOPTS_VALUE) packet.pts = packet.dts;
       packet.dts -= zero_;
       packet.pts -= zero_;
-      Ffmpeg().av_packet_rescale_ts(&packet, unit_, stream_->time_base);
+      const AVRational unit{piece.stream->unit_numerator, piece.stream->unit_denominator};
+      Ffmpeg().av_packet_rescale_ts(&packet, unit, stream_->time_base);
+      packet.dts += origin_;
+      packet.pts += origin_;
     }
     packet.dts = std::max(packet.dts, last_ + 1);
     packet.pts = std::max(packet.pts, packet.dts);
     last_ = packet.dts;
+    shown_ = std::max(shown_, packet.pts);
   }
 
   std::string path_;
-  AVRational unit_;
   std::chrono::steady_clock::time_point start_;
   std::unique_ptr<AVIOContext, DescriptorIo> io_;
   FfmpegOwned<AVFormatContext> format_;
   AVStream* stream_ = nullptr;  ///< the format's own
-  std::int64_t zero_ = 0;
-  std::int64_t last_ = -1;
+  std::shared_ptr<const ClipStream> connection_;
+  std::int64_t zero_ = 0;    ///< its first packet's time, in its own units
+  std::int64_t origin_ = 0;  ///< and where that is in the file, in its units as the ones below
+  std::int64_t last_ = -1;   ///< of those written
+  std::int64_t shown_ = -1;
 };
 
 }  // namespace

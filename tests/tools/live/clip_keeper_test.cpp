@@ -8,6 +8,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
@@ -116,6 +117,83 @@ TEST(ClipKeeper, KeepsPacketsFromAKeyOn) {
   EXPECT_LT(nearest, 3) << "a whole picture comes first";
   EXPECT_NEAR(frames[50].time_s - frames[0].time_s, 2, 0.01) << "the input's own times";
 }
+
+/// A connection of an input: so many pictures of a recording, with an alarm after some of them.
+void Connect(ClipKeeper& keeper, const std::string& recording, int frames, int alarm_after = -1) {
+  SourceOptions options = Plain(recording);
+  options.tap = &keeper;
+  const auto source = OpenSource(options);
+  LumaFrame frame;
+  for (int i = 0; i < frames; ++i) {
+    if (i == alarm_after) keeper.Raise(AlarmAt(1000));
+    ASSERT_TRUE(source->Next(frame));
+  }
+}
+
+TEST(ClipKeeper, AnInputThatComesBackGoesOnInItsClip) {
+  const TemporaryFolder folder;
+  Record(folder / "input.mkv", 64, 48, 25, 10);
+  fs::create_directory(folder / "clips");
+  ClipKeeper keeper({folder / "clips", 10, 5, {}}, "street");
+  Connect(keeper, folder / "input.mkv", 10, 5);
+  std::this_thread::sleep_for(milliseconds(600));
+  Connect(keeper, folder / "input.mkv", 10);
+  Connect(keeper, folder / "input.mkv", 10);
+  keeper.Finish();
+  const std::vector<std::string> names = Names(folder / "clips");
+  ASSERT_EQ(names.size(), 2U);
+  EXPECT_EQ(keeper.Told().written, 1);
+  const auto json = nlohmann::json::parse(ReadFile(folder / ("clips/" + names[0])));
+  EXPECT_EQ(json["packets"], 30);
+  EXPECT_TRUE(json["previous"].is_null() && json["next"].is_null());
+  const auto frames = FramesOf(Plain(folder / ("clips/" + names[1])));
+  ASSERT_EQ(frames.size(), 30U);
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const auto number = static_cast<std::int64_t>(i % 10);
+    EXPECT_LT(MeanDifference(frames[i].pixels, Waves(64, 48, number)), 3) << i;
+    if (number == 0) continue;
+    EXPECT_NEAR(frames[i].time_s - frames[i - 1].time_s, 0.04, 0.002) << i;
+  }
+  EXPECT_GE(frames[10].time_s - frames[0].time_s, 0.6) << "the clock went on meanwhile";
+  EXPECT_GT(frames[20].time_s, frames[19].time_s) << "though it had come sooner, from a file";
+}
+
+TEST(ClipKeeper, AnInputThatComesBackAsAnotherBeginsASecondFile) {
+  const TemporaryFolder folder;
+  Record(folder / "small.mkv", 64, 48, 25, 50);
+  Record(folder / "large.mkv", 96, 64, 25, 30);
+  fs::create_directory(folder / "clips");
+  ClipKeeper keeper({folder / "clips", 10, 5, {}}, "street");
+  Connect(keeper, folder / "small.mkv", 50, 20);
+  Connect(keeper, folder / "large.mkv", 30);
+  keeper.Finish();
+  EXPECT_EQ(keeper.Told().written, 2);
+  EXPECT_EQ(keeper.Told().cut_short, 1) << "the second, since the run ended";
+  const std::vector<std::string> names = Names(folder / "clips");
+  ASSERT_EQ(names.size(), 4U);
+  const auto second = nlohmann::json::parse(ReadFile(folder / ("clips/" + names[0])));
+  const auto first = nlohmann::json::parse(ReadFile(folder / ("clips/" + names[2])));
+  EXPECT_EQ(first["next"], names[1]);
+  EXPECT_EQ(second["previous"], names[3]);
+  EXPECT_EQ(first["packets"], 50);
+  EXPECT_EQ(second["packets"], 30);
+  EXPECT_EQ(second["alarms"], first["alarms"]);
+  EXPECT_EQ(FramesOf(Plain(folder / ("clips/" + names[1]))).size(), 30U);
+}
+
+TEST(ClipKeeper, WhatWasLongBeforeIsNotInTheClip) {
+  const TemporaryFolder folder;
+  Record(folder / "input.mkv", 64, 48, 25, 60);
+  fs::create_directory(folder / "clips");
+  ClipKeeper keeper({folder / "clips", 0.1, 0, {}}, "street");
+  Connect(keeper, folder / "input.mkv", 60);
+  std::this_thread::sleep_for(milliseconds(200));
+  Connect(keeper, folder / "input.mkv", 60, 50);
+  keeper.Finish();
+  const std::vector<std::string> names = Names(folder / "clips");
+  ASSERT_EQ(names.size(), 2U);
+  EXPECT_LE(FramesOf(Plain(folder / ("clips/" + names[1]))).size(), 60U);
+}
 #endif
 
 TEST(ClipKeeper, RemovesItsOldestAndNothingElse) {
@@ -127,11 +205,16 @@ TEST(ClipKeeper, RemovesItsOldestAndNothingElse) {
   const std::string beside = folder.File("1960-street.json", "{}");
   ClipOptions options{folder / "", 10, 0, {}};
   KeepFrames(options, 1000);
-  KeepFrames(options, 2000);
-  options.bounds.max_bytes = std::uint64_t{10} * 64 * 48;
-  KeepFrames(options, 3000);
   std::vector<std::string> names = Names(folder / "");
-  EXPECT_EQ(names.size(), 6U) << "clips of more than it may take in all: only the last stays";
+  const auto first = std::find_if(names.begin(), names.end(),
+                                  [](const std::string& kept) { return kept.starts_with("1970"); });
+  ASSERT_NE(first, names.end());
+  options.bounds.max_bytes = fs::file_size(folder / *std::next(first)) * 5 / 2;
+  KeepFrames(options, 2000);
+  EXPECT_EQ(Names(folder / "").size(), 8U) << "there is room for two, as they are on the disk";
+  EXPECT_EQ(KeepFrames(options, 3000).written, 1);
+  names = Names(folder / "");
+  EXPECT_EQ(names.size(), 8U) << "and for no third one";
   for (const std::string& path : {lone, text, other, beside}) EXPECT_TRUE(fs::exists(path)) << path;
   for (const std::string& kept : names) {
     if (kept.starts_with("1970"))
@@ -140,7 +223,7 @@ TEST(ClipKeeper, RemovesItsOldestAndNothingElse) {
   options.bounds = {0, 3600};
   KeepFrames(options, 4000);
   names = Names(folder / "");
-  EXPECT_EQ(names.size(), 6U) << "the one of two hours ago went";
+  EXPECT_EQ(names.size(), 6U) << "those of two hours ago went";
   EXPECT_TRUE(names.back().starts_with("19700101T000004"));
 }
 
