@@ -71,4 +71,23 @@ std::string Escaped(std::string_view text) {
   return escaped;
 }
 
+// Of RFC 3986: user and password stand between the slashes and the last @ before a path, a query or a fragment. FFmpeg's
+// protocols take several addresses, one within or behind the other.
+std::string WithoutPassword(std::string_view address) {
+  constexpr std::string_view kSlashes = "://";
+  std::string shown;
+  for (;;) {
+    const std::size_t slashes = address.find(kSlashes);
+    if (slashes == std::string_view::npos) return shown.append(address);
+    const std::size_t begin = slashes + kSlashes.size();
+    shown += address.substr(0, begin);
+    address.remove_prefix(begin);
+    const std::size_t host = address.substr(0, address.find_first_of("/?#")).rfind('@');
+    const std::size_t colon = address.find(':');
+    if (host == std::string_view::npos || colon > host) continue;
+    shown.append(address.substr(0, colon + 1)).append("***");
+    address.remove_prefix(host);
+  }
+}
+
 }  // namespace stopngo

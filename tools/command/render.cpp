@@ -153,7 +153,7 @@ std::string Seconds(double time_s) {
 std::string Summary(const RenderArguments& arguments, const Outputs& outputs, const Counts& counts,
                     std::optional<double> still_s, const char* signal, const std::string& damage) {
   if (arguments.json) {
-    nlohmann::ordered_json line{{"input", arguments.source.input}};
+    nlohmann::ordered_json line{{"input", WithoutPassword(arguments.source.input)}};
     if (!outputs.video.empty()) line["output"] = outputs.video;
     line["frames"] = counts.frames;
     line["alarms"] = counts.alarms;
@@ -163,7 +163,7 @@ std::string Summary(const RenderArguments& arguments, const Outputs& outputs, co
     if (!damage.empty()) line["damaged"] = damage;
     return JsonLine(line);
   }
-  std::string text = outputs.video.empty() ? arguments.source.input : outputs.video;
+  std::string text = outputs.video.empty() ? WithoutPassword(arguments.source.input) : outputs.video;
   text += ": " + std::to_string(counts.frames) + " frames, " + std::to_string(counts.alarms) +
           (counts.alarms == 1 ? " alarm" : " alarms");
   if (counts.first_alarm_s) text += ", the first at " + Seconds(*counts.first_alarm_s);
@@ -193,7 +193,8 @@ class Rendering {
     cut_short_ = InterruptingSignal();
     ends_early_.Finishing();
     if (still_.Missing() && cut_short_ == nullptr) {
-      throw Failure(arguments_.source.input + ": ends before the time that --still-at asks for");
+      throw Failure(WithoutPassword(arguments_.source.input) +
+                    ": ends before the time that --still-at asks for");
     }
     if (debug_) WriteDebugPicture(debug_->Stream(), detector_.Context());
     if (sink_ && cut_short_ != nullptr) {
@@ -231,7 +232,8 @@ class Rendering {
       if (sink_) WritePicture();
       if (progress) progress->Step();
     }
-    if (counts_.frames == 0 && !Interrupted()) throw Failure(arguments_.source.input + ": holds no frames");
+    if (counts_.frames == 0 && !Interrupted())
+      throw Failure(WithoutPassword(arguments_.source.input) + ": holds no frames");
     if (!still_.WantsLast() || counts_.frames == 0) return;
     overlay_.Draw(ViewOf(frame), report, detector_.Context());
     still_.Take(overlay_.Picture(), report.time_s);

@@ -74,7 +74,7 @@ FfmpegInput OpenFfmpegInput(const SourceOptions& options) {
   const AVInputFormat* const format = FormatOf(options);
   Asked asked(options, format);
   AVFormatContext* opened = Ffmpeg().avformat_alloc_context();
-  if (opened == nullptr) throw Failure(options.input + ": " + FfmpegError(AVERROR(ENOMEM)));
+  if (opened == nullptr) throw Failure(NameOf(options) + ": " + FfmpegError(AVERROR(ENOMEM)));
   // The library goes on waiting for more of an input, signals or not, unless it is told.
   auto gives_up = std::make_unique<std::function<bool()>>(
       [more = options.gives_up] { return Interrupted() || (more && more()); });
@@ -87,11 +87,11 @@ FfmpegInput OpenFfmpegInput(const SourceOptions& options) {
   const int error =
       Ffmpeg().avformat_open_input(&opened, UrlOf(options.input).c_str(), format, asked.Settings());
   FfmpegOwned<AVFormatContext> input(opened);
-  if (error < 0) throw Failure(options.input + ": " + FfmpegError(error));
+  if (error < 0) throw Failure(NameOf(options) + ": " + FfmpegError(error));
   asked.RefuseUnknown(options);
   AnnouncedEnd end(*input);
   const int unknown = Ffmpeg().avformat_find_stream_info(input.get(), nullptr);
-  if (unknown < 0) throw Failure(options.input + ": " + FfmpegError(unknown));
+  if (unknown < 0) throw Failure(NameOf(options) + ": " + FfmpegError(unknown));
   end.TakeWhole(*input);
   return {std::move(gives_up), std::move(input), std::move(end)};
 }

@@ -73,9 +73,9 @@ class FfmpegSource : public FrameSource {
 
  private:
   FfmpegSource(const SourceOptions& options, FfmpegInput opened)
-      : name_(options.input),
-        remarks_(options.input, options.hear),
-        luma_(options.input),
+      : name_(NameOf(options)),
+        remarks_(name_, options.hear),
+        luma_(name_),
         tap_(options.tap),
         gives_up_(std::move(opened.gives_up)),
         input_(std::move(opened.input)),

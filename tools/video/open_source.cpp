@@ -44,7 +44,7 @@ class CheckedSource : public FrameSource {
     // The size of a stream may change on the way.
     Check(frame.width, frame.height);
     if (options_.original) {
-      throw Failure(options_.input + ": the size changes to " + SizeText(frame.width, frame.height) +
+      throw Failure(NameOf(options_) + ": the size changes to " + SizeText(frame.width, frame.height) +
                     " at frame " + std::to_string(frame.index));
     }
     return true;
@@ -70,7 +70,7 @@ class CheckedSource : public FrameSource {
   }
 
   void Check(int width, int height) const {
-    const std::string found = options_.input + ": frames of " + SizeText(width, height);
+    const std::string found = NameOf(options_) + ": frames of " + SizeText(width, height);
     if (options_.original) {
       if (IsOriginalSize({width, height})) return;
       throw Failure(found + ", and --original takes 1920 x 1080 and 1280 x 720 only");

@@ -36,7 +36,7 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 File OpenFile(const std::string& path) {
   errno = 0;
   File file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
-  if (!file) throw Failure(path + ": " + LastSystemError());
+  if (!file) throw Failure(WithoutPassword(path) + ": " + LastSystemError());
   return file;
 }
 

@@ -20,7 +20,7 @@ inline std::string PixelRemark(int across, int down) {
 }
 /// How inputs are named to the user.
 inline std::string NameOf(const SourceOptions& options) {
-  return options.input == "-" ? "standard input" : options.input;
+  return options.input == "-" ? "standard input" : WithoutPassword(options.input);
 }
 
 /// Of an input that has the size and the rate that it has.

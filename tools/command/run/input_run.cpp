@@ -45,7 +45,7 @@ bool TakenLive(const RunPlan& plan, const std::string& input) {
 }
 
 Telling TellingOf(const RunPlan& plan, const std::string& input) {
-  return {plan.json, plan.several ? input : std::string(), TakenLive(plan, input)};
+  return {plan.json, plan.several ? WithoutPassword(input) : std::string(), TakenLive(plan, input)};
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ InputRun::Analysis::Analysis(const Module& module, const Settings& settings, con
 InputRun::InputRun(const RunPlan& plan, const Module& module, const std::string& input)
     : plan_(plan),
       module_(module),
-      name_(input),
+      name_(WithoutPassword(input)),
       live_(TakenLive(plan, input)),
       settings_(plan.settings),
       damage_(DamageRule::Kind::kAtEnd, plan.allow_damaged),
@@ -68,8 +68,8 @@ InputRun::InputRun(const RunPlan& plan, const Module& module, const std::string&
       ages_(kAges),
       asked_(steady_clock::now()) {
   if (!plan.live.clips.folder.empty()) {
-    if (!live_) throw Failure("--clips: " + input + " is not live (see --live)", ExitCode::kUsage);
-    clips_ = std::make_unique<ClipKeeper>(plan.live.clips, input);
+    if (!live_) throw Failure("--clips: " + name_ + " is not live (see --live)", ExitCode::kUsage);
+    clips_ = std::make_unique<ClipKeeper>(plan.live.clips, name_);
     source_.tap = clips_.get();
   }
   if (live_) {
