@@ -14,6 +14,7 @@ fail() {
   echo "try_service: $*"
   exit 1
 }
+trap 'fail "line $LINENO: $BASH_COMMAND"' ERR
 # is PROPERTY VALUE…: what systemd knows of the unit.
 is() {
   for (( ; $#; )); do
@@ -117,6 +118,6 @@ if said "$since" "opened anew"; then fail "the end was told as trouble"; fi
 told "stopped"
 
 options "tcp://localhost:8554" "--no-such-option"
-if systemctl start $unit; then fail "starts with wrong usage"; fi
+if systemctl start $unit 2>/dev/null; then fail "starts with wrong usage"; fi
 is ActiveState failed NRestarts 0 || fail "wrong usage is tried again"
 told "wrong usage ends it"
