@@ -1,7 +1,8 @@
 # MakePage.cmake: what stopngo writes of itself, as a file.
 #
-# PROGRAM: stopngo, OUT: the file; SHELL: of a completion; or PAGE: a man page's text, HEADER: the module's header,
-# SCDOC. The day on which a page was made is left out of it: the same sources give the same pages.
+# PROGRAM: stopngo, behind the emulator where it is another processor's, OUT: the file; SHELL: of a completion; or PAGE:
+# a man page's text, HEADER: the module's header, SCDOC. The day on which a page was made is left out of it: the same
+# sources give the same pages.
 if(DEFINED SHELL)
   execute_process(COMMAND ${PROGRAM} completion ${SHELL} OUTPUT_VARIABLE text RESULT_VARIABLE codes)
 else()

@@ -1,17 +1,19 @@
 # Manual.cmake: man pages and shell completions, which the command that was built writes out of its own tables.
 #
-# Pages are what docs/man/ has, with the tables put in; scdoc makes them. Not of a command that this machine cannot run.
-if(CMAKE_CROSSCOMPILING OR STOPNGO_SANITIZE)
+# Pages are what docs/man/ has, with the tables put in; scdoc makes them. Not of a command that this machine cannot run,
+# itself or under the emulator.
+if(STOPNGO_SANITIZE OR (CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR))
   return()
 endif()
 
 set(made ${PROJECT_BINARY_DIR}/share)
 set(make_page ${PROJECT_SOURCE_DIR}/cmake/MakePage.cmake)
+set(program ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:stopngo>)
 # stopngo_made(file DEPENDS… ARGUMENTS -D…): a file that the command writes.
 function(stopngo_made file)
   cmake_parse_arguments(PARSE_ARGV 1 made "" "" "DEPENDS;ARGUMENTS")
   add_custom_command(OUTPUT ${file} VERBATIM
-    COMMAND ${CMAKE_COMMAND} -D PROGRAM=$<TARGET_FILE:stopngo> -D OUT=${file} ${made_ARGUMENTS} -P ${make_page}
+    COMMAND ${CMAKE_COMMAND} -D "PROGRAM=${program}" -D OUT=${file} ${made_ARGUMENTS} -P ${make_page}
     DEPENDS stopngo ${make_page} ${made_DEPENDS} COMMENT "Writing ${file}")
 endfunction()
 
