@@ -216,8 +216,10 @@ void ClipKeeper::WriteJob(std::unique_lock<std::mutex>& lock, Job& job) {
     return;
   }
   ++counts_.failed;
+  lock.unlock();  // who reads what is said may let wait
   Report((writer.Files() == 0 ? "no clip" : "no more of the clip") + std::string(" of the alarm of ") +
          TimeOfDay(job.first.when) + ": " + fault);
+  lock.lock();
 }
 
 }  // namespace stopngo
