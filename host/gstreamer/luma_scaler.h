@@ -4,11 +4,11 @@
 #include <gst/video/video.h>
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "host/common/luma.h"
+#include "host/gstreamer/converter.h"
 
 namespace stopngo::gst {
 
@@ -21,14 +21,10 @@ class LumaScaler {
   std::span<const std::uint8_t> Scale(const std::uint8_t* first, int stride);
 
  private:
-  struct Free {
-    void operator()(GstVideoConverter* converter) const { gst_video_converter_free(converter); }
-  };
-
   GstVideoFrame source_{};
   GstVideoFrame target_{};
   std::vector<std::uint8_t> scaled_;
-  std::unique_ptr<GstVideoConverter, Free> converter_;
+  ConverterPtr converter_;
 };
 
 }  // namespace stopngo::gst

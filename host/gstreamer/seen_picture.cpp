@@ -7,17 +7,11 @@
 #include "host/common/failure.h"
 
 namespace stopngo::gst {
-namespace {
-
-/// Seconds of scores, as `stopngo render` shows them unless it is told otherwise.
-constexpr double kHistory_s = 10;
-
-}  // namespace
 
 SeenPicture::SeenPicture(const GstVideoInfo& info, const FrameFormat& frames, const SampledArea& area)
     : size_{frames.width, frames.height},
       reader_({info.width, info.height}, size_, {0, 0, frames.width, frames.height}),
-      overlay_(frames, area, kHistory_s) {
+      overlay_(frames, area, kUsualHistory_s) {
   // Blue, green, red and a byte of no meaning, as Cairo has them.
   const bool known = gst_video_info_set_interlaced_format(
                          &drawn_.info, GST_VIDEO_FORMAT_BGRx, info.interlace_mode,

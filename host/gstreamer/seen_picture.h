@@ -3,10 +3,9 @@
 
 #include <gst/video/video.h>
 
-#include <memory>
-
 #include "host/common/luma.h"
 #include "host/detector.h"
+#include "host/gstreamer/converter.h"
 #include "host/gstreamer/luma_reader.h"
 #include "host/overlay/overlay.h"
 #include "host/sampled_area.h"
@@ -28,15 +27,11 @@ class SeenPicture {
   void Draw(MappedFrame& frame, const FrameReport& report, const VEL_STOPNGO_CTX& context);
 
  private:
-  struct Free {
-    void operator()(GstVideoConverter* converter) const { gst_video_converter_free(converter); }
-  };
-
   FrameSize size_;
   LumaReader reader_;
   Overlay overlay_;
   GstVideoFrame drawn_{};  ///< the overlay's picture
-  std::unique_ptr<GstVideoConverter, Free> converter_;
+  ConverterPtr converter_;
 };
 
 }  // namespace stopngo::gst

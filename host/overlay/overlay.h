@@ -11,6 +11,9 @@
 
 namespace stopngo {
 
+/// Seconds that the strip of scores covers unless told otherwise.
+inline constexpr double kUsualHistory_s = 10;
+
 /// Region and sampled part, motion vectors and cells, score, counters and decision, and a strip with
 /// the scores of the last seconds. Everything grows with the frame, and the panels keep clear of the
 /// region wherever it lies.

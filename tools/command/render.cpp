@@ -58,7 +58,7 @@ struct RenderArguments {
   std::string output;
   std::string still;
   std::optional<double> still_at;  ///< seconds; unset: at the first alarm
-  double history_s = 10;
+  double history_s = kUsualHistory_s;
   bool allow_damaged = false;
   bool json = false;
 };
