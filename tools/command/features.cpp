@@ -13,6 +13,7 @@
 #include "base/results.h"
 #include "clips/manifest.h"
 #include "command/options/evaluation_options.h"
+#include "command/options/number_checks.h"
 #include "command/subcommand.h"
 #include "evaluate/evaluation.h"
 #include "evaluate/motion_table.h"
@@ -83,11 +84,11 @@ FeaturesCommand::FeaturesCommand(CLI::App& app) : options_(app) {
   app.add_option("-o,--output", output_, "folder that keeps the features")->type_name("DIR");
   app.add_option("--looks", choice_.looks,
                  "keep so many tracks from each clip for train, as its --looks has them")
-      ->check(CLI::Range(0, 64))
+      ->check(Within(0, 64))
       ->type_name("N")
       ->capture_default_str();
   app.add_option("--seed", choice_.seed, "of these, as train's --seed")
-      ->check(CLI::Range(std::uint64_t{0}, std::uint64_t{1} << 62))
+      ->check(Within(0, kLargestSeed))
       ->type_name("N")
       ->capture_default_str();
   app.add_flag("--only-looks", only_looks_,

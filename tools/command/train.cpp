@@ -20,6 +20,7 @@
 #include "clips/manifest.h"
 #include "clips/twofold.h"
 #include "command/options/evaluation_options.h"
+#include "command/options/number_checks.h"
 #include "command/options/settings_options.h"
 #include "command/options/setup_check.h"
 #include "command/options/source_options.h"
@@ -134,17 +135,16 @@ TrainCommand::TrainCommand(CLI::App& app) : options_(app, settings_) {
       app.add_option("--gate", gate_, "train the network of this gate, and not the detector's: history")
           ->check(CLI::IsMember({NameOf(GateKind::kHistory)}))
           ->type_name("NAME");
-  const auto number = [&app](const char* name, auto& value, const char* help, auto low, auto high) {
+  const auto number = [&app](const char* name, auto& value, const char* help, double least, double most) {
     return app.add_option(name, value, help)
         ->capture_default_str()
-        ->check(CLI::Range(low, high))
+        ->check(Within(least, most))
         ->type_name("N")
         ->group("Training");
   };
   number("--looks", training_.looks, "tracks from each clip: the first as it stands, others varied", 1, 64);
   number("--seeds", training_.seeds, "starting points, of which the best on validation wins", 1, 64);
-  number("--seed", training_.seed, "the first of them, and of how clips are varied", std::uint64_t{0},
-         std::uint64_t{1} << 62);
+  number("--seed", training_.seed, "the first of them, and of how clips are varied", 0, kLargestSeed);
   number("--iterations", training_.trainer.iterations, "at most, from each starting point", 1, 100000);
   number("--patience", training_.trainer.patience, "iterations without progress on validation", 1, 100000);
   number("--decay", training_.loss.decay, "of the weights' squares", 0.0, 1.0);

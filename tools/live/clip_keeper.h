@@ -28,11 +28,11 @@ struct ClipOptions {
                        << 20;  ///< bytes of packets or frames that are kept, and as many on their way
 };
 
-/// Packets of an encoded input are written as they are; of others, the frames that the detector gets. What belongs to
-/// an alarm is told by when it came, on a steady clock: by as much as the input's decoder holds back, a clip begins
-/// later before its alarm. An input that is opened anew goes on in the clip, or in a second one when its packets or frames are
-/// others. Neither the thread that reads nor the detector's waits for the disk: one thread of this
-/// object writes. What goes wrong there is said and counted, and tried again at the next alarm.
+/// Packets of an encoded input are written as they are; of others, the frames that the detector gets. What belongs
+/// to an alarm is told by when it came, on a steady clock: by as much as the input's decoder holds back, a clip
+/// begins later before its alarm. An input that is opened anew goes on in the clip, or in a second one when its
+/// packets or frames are others. Neither the thread that reads nor the detector's waits for the disk: one thread of
+/// this object writes. What goes wrong there is said and counted, and tried again at the next alarm.
 class ClipKeeper : public PacketTap {
  public:
   struct Counts {

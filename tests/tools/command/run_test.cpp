@@ -299,6 +299,7 @@ TEST(RunTest, BadInputIsToldInOneSentenceAndLeavesNothing) {
       {"run a.mp4 --retries -1", 2, {"--retries", "'-1' is no number of 0 or more"}},
       {"run a.mp4 --fps nan", 2, {"--fps", "'nan' is no number from 0.1 to 1000"}},
       {kRaw + "--fps 25", 2, {"--fps", "standard input cannot be asked for it"}},
+      {"train a.tsv -o w.bin --decay nan", 2, {"--decay", "'nan' is no number from 0 to 1"}},
       {kRaw + "--jobs 0", 2, {"--jobs", "'0' is no number above 0"}},
       {"run --no-weights -- --json", 1, {"--json", "No such file"}},
       {"--json run a.mp4", 2, {"--json", "stopngo has no such option"}},

@@ -39,7 +39,7 @@ std::vector<Clip> EvaluationOptions::Clips(FileRegister& files) {
 void AddJobs(CLI::App& app, int& jobs) {
   app.add_option("--jobs", jobs, "threads; the results do not depend on them")
       ->type_name("N")
-      ->check(CLI::Range(1, 1024))
+      ->check(Within(1, 1024))
       ->default_str("one a processor");  // help is the same on every machine
 }
 

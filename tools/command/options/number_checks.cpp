@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "host/common/text.h"
 
@@ -25,7 +26,7 @@ CLI::Validator NumberCheck(std::function<bool(double)> takes, const std::string&
 CLI::Validator Within(double least, double most) {
   return NumberCheck([=](double number) { return number >= least && number <= most; },
                      "from " + PlainText(least) + " to " + PlainText(most),
-                     "FLOAT in [" + PlainText(least) + " - " + PlainText(most) + "]");
+                     "in [" + PlainText(least) + " - " + PlainText(most) + "]");
 }
 
 CLI::Validator AboveZero() {

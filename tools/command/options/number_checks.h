@@ -5,6 +5,9 @@
 
 namespace stopngo {
 
+/// 2^62: seeds are added to.
+inline constexpr double kLargestSeed = 4611686018427387904.0;
+
 /// From least to most, both taken.
 CLI::Validator Within(double least, double most);
 CLI::Validator AboveZero();

@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
-#include <cmath>
 #include <filesystem>
 #include <optional>
 #include <string>

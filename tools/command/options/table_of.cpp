@@ -25,12 +25,12 @@ ValueKind KindOfName(std::string_view value) {
   return value == "DIR" ? ValueKind::kFolder : ValueKind::kText;
 }
 
-/// What a check of the parser's own says of itself: "{c,toml}", "INT in [1 - 64]", "NONNEGATIVE".
+/// What a check of the parser's own says of itself: "{c,toml}", "in [1 - 64]", "NONNEGATIVE".
 void AddCheck(OptionRow& row, const std::string& check) {
   if (check.starts_with('{')) {
     row.choices = SplitAt(check.substr(1, check.size() - 2), ',');
-  } else if (const std::size_t range = check.find(" in ["); range != std::string::npos) {
-    row.range = check.substr(range + 5, check.size() - range - 6);
+  } else if (constexpr std::string_view kRange = "in ["; check.starts_with(kRange)) {
+    row.range = check.substr(kRange.size(), check.size() - kRange.size() - 1);
     row.range.replace(row.range.find(" - "), 3, " to ");
   } else if (check == "NONNEGATIVE") {
     row.range = "0 or more";
